@@ -1,0 +1,124 @@
+// The Board: one position with everything needed to play moves on it and take
+// them back. A plain value of fixed size; changed by the set-up routines here
+// and in fen.h, by make_move.h, and by the search's null move.
+#pragma once
+
+#include <cstdint>
+
+#include "board/coding.h"
+#include "board/move.h"
+
+namespace mirvo {
+
+/// Castling state of both sides; 0 means "not yet", so a cleared record holds
+/// every right. Indexed by side.
+struct CastlingFlags {
+  std::uint8_t hasCastled[nSides];
+  std::uint8_t kingMoved[nSides];
+  std::uint8_t queenRookMoved[nSides];  // the a-file rook
+  std::uint8_t kingRookMoved[nSides];   // the h-file rook
+};
+static_assert(sizeof(CastlingFlags) == 8);
+
+/// What UnmakeMove needs to restore the position before one move.
+struct UndoRecord {
+  std::int32_t capturedKind;  // pawn for en passant; meaningful when captured
+  std::uint8_t epRank;
+  std::uint8_t epFile;
+  std::uint8_t epColour;
+  std::uint8_t captured;
+  std::uint8_t castledShort;
+  std::uint8_t castledLong;
+  std::uint8_t epCapture;
+  CastlingFlags castling;
+  std::uint64_t positionKey;
+  std::uint64_t occupiedRot90;
+  std::uint64_t occupiedDiagA1H8;
+  std::uint64_t occupiedDiagA8H1;
+  Move move;  // with the captured kind filled in when the capture flag is set
+};
+
+inline constexpr int undoCapacity = 500;
+
+/// Plies a search may put on top of the game: undo stack and key history are
+/// trimmed to leave this much room before a search starts.
+inline constexpr int searchPlyRoom = 250;
+
+struct Board {
+  /// An initial position with no en-passant square.
+  Board();
+
+  std::uint64_t pieces[nPieces];              // index = side * 6 + kind
+  std::uint64_t sideOccupancy[nSides];
+  std::uint64_t sideOccupancyNoKing[nSides];  // the side's pieces without its king
+  std::uint8_t kingFile[nSides];
+  std::uint8_t kingRank[nSides];
+  std::uint8_t sideToMove;
+  CastlingFlags castling;
+  std::int32_t plyCount;  // moves and null moves made since set-up
+  UndoRecord undoStack[undoCapacity];
+  std::uint8_t epRank;    // square just skipped by a double step, 255 = none
+  std::uint8_t epFile;
+  std::uint8_t epColour;  // side whose pawn made the double step
+  std::uint8_t nullMoveMade;
+  /// 1 when two pieces may share a square (only text input can do that). The
+  /// board then recomputes its derived sets instead of updating them.
+  std::uint8_t irregular;
+  std::uint64_t occupied;
+  std::uint64_t occupiedRot90;
+  std::uint64_t occupiedDiagA1H8;
+  std::uint64_t occupiedDiagA8H1;
+  std::int32_t undoDepth;      // undoStack entries in use
+  std::uint64_t positionKey;   // equals the published Polyglot key
+  std::int32_t inCheckCache;   // -1 unknown, 0 no, 1 yes, for the side to move
+  std::int32_t historyIndex;   // index in KeyHistory of the latest position
+};
+
+inline constexpr int nBoards = 8;
+
+/// One search board per search slot; the engine uses slot 0.
+/// Owner: board.cpp. Writers and readers: the search, the EPD runner.
+extern Board BoardPool[nBoards];
+
+/// Empties the position. Leaves side to move, king squares, en-passant fields,
+/// history index and key alone; the caller sets what it needs.
+void ClearBoard(Board& board);
+
+/// Sets up the initial position and restarts KeyHistory. Leaves the
+/// en-passant fields alone: callers that begin a game call ClearEnPassant.
+void ResetToStart(Board& board);
+
+/// Forgets the en-passant square. Does not touch the key.
+void ClearEnPassant(Board& board);
+
+/// Recomputes the side occupancies and `occupied` from the twelve bitboards.
+void RebuildOccupancy(Board& board);
+
+/// Recomputes the three rotated occupancies from `occupied`.
+void RebuildRotated(Board& board);
+
+/// Sets king files and ranks from the highest bit of each king bitboard
+/// (h8 for a side without a king, so that the fields stay on the board).
+void LocateKings(Board& board);
+
+/// Marks the board irregular when two pieces share a square.
+void DetectIrregular(Board& board);
+
+/// Makes `destination` an independent copy; derived sets and the key are
+/// recomputed, the undo records are copied whole.
+void CopyBoard(Board& destination, const Board& source);
+
+/// Kind of the piece of `side` on `square`, or noPiece.
+int PieceOn(const Board& board, int square, int side);
+
+/// Drops the oldest undo records and history keys so that at least
+/// searchPlyRoom more moves fit. Call only between searches.
+void TrimGameHistory(Board& board);
+
+inline int KingSquare(const Board& board, int side) {
+  return SquareAt(board.kingRank[side], board.kingFile[side]);
+}
+
+inline bool HasEnPassant(const Board& board) { return board.epFile != noEnPassant; }
+
+}  // namespace mirvo

@@ -1,0 +1,31 @@
+// Setting a board up from the first three fields of a FEN record.
+#pragma once
+
+#include "board/board.h"
+
+namespace mirvo {
+
+/// Width of the buffers for one FEN word, terminator included.
+inline constexpr int fenWordCapacity = 100;
+
+/// Loads placement, side to move and castling rights. Lenient: nothing is
+/// validated, unknown characters shift the file, squares wrap modulo 64. Does
+/// not touch the en-passant fields, the key or the key history. Each text may
+/// have leading blanks; its first word (side: first character) counts.
+void SetupFromFen(const char* placement, const char* side, const char* castling, Board& board);
+
+/// Step one of the above: puts the pieces of a placement word on a cleared
+/// board, nothing else.
+void PlacePieces(const char* word, Board& board);
+
+/// Sets all castling flags, then clears those that the word names ("KQkq").
+void ReadCastlingRights(const char* word, Board& board);
+
+/// A whole FEN set-up as protocols need it: forgets en passant, restarts the
+/// board, loads the fields and starts the key history at this position.
+void BeginFromFen(const char* placement, const char* side, const char* castling, Board& board);
+
+/// A new game: forgets en passant and resets to the initial position.
+void BeginFromStart(Board& board);
+
+}  // namespace mirvo

@@ -1,0 +1,33 @@
+// Playing moves on a board and taking them back.
+#pragma once
+
+#include "board/board.h"
+#include "board/move.h"
+
+namespace mirvo {
+
+/// Plays `move` for the side to move and pushes an undo record. Legality (own
+/// king left attacked) is the caller's test. A capture that will be taken back
+/// must carry the capture flag and its moving kind; generated moves do. A move
+/// from text may be illegal: it is made as it stands and every derived field
+/// of the board stays consistent, but it cannot be taken back.
+void MakeMove(Board& board, Move move);
+
+/// Takes back the newest move. The board must hold at least one undo record.
+void UnmakeMove(Board& board);
+
+/// Whether an en-passant capture is possible now: the square was made by the
+/// move just played (or came with the position and nothing was played yet), is
+/// empty, and the pawn to take stands behind it.
+bool EnPassantAvailable(const Board& board);
+
+/// Passes the turn without a move, for the null-move search. The newest undo
+/// record stays what it was.
+void MakeNullMove(Board& board);
+void UnmakeNullMove(Board& board);
+
+/// Passes the turn on the game board, for a text move that moves nothing: the
+/// side and its key change and a stale check answer is dropped.
+void PassTurn(Board& board);
+
+}  // namespace mirvo

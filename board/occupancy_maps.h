@@ -1,0 +1,35 @@
+// Square re-indexing for rotated occupancies: in each rotated view the squares
+// of a file or diagonal lie next to each other. Constant data.
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "board/coding.h"
+
+namespace mirvo {
+
+/// (file f, rank r) -> (7 - f) * 8 + r.
+extern const std::array<std::int32_t, nSquares> Rot90Map;
+/// Diagonals in a1-h8 direction, from the h1 corner to the a8 corner, each in
+/// rising rank.
+extern const std::array<std::int32_t, nSquares> DiagA1H8Map;
+/// Diagonals in a8-h1 direction, from the a1 corner to the h8 corner, each in
+/// rising rank.
+extern const std::array<std::int32_t, nSquares> DiagA8H1Map;
+/// square ^ 56.
+extern const std::array<std::int32_t, nSquares> FlipMap;
+
+/// The bit that each square has in each of the three rotated views.
+struct RotatedBits {
+  std::uint64_t rot90;
+  std::uint64_t diagA1H8;
+  std::uint64_t diagA8H1;
+};
+extern const std::array<RotatedBits, nSquares> RotatedBitsOf;
+
+/// All squares of a file, and of a file with the files beside it.
+extern const std::array<Bitboard, 8> FileMask;
+extern const std::array<Bitboard, 8> FileSpan3;
+
+}  // namespace mirvo

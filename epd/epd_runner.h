@@ -1,0 +1,12 @@
+// Runs the search over the positions of an EPD test suite and scores it.
+#pragma once
+
+#include <cstdint>
+
+namespace mirvo {
+
+/// Analyses `count` positions of `file` from index `first` on and prints the
+/// results. A missing file is reported and ends the run.
+void RunSuite(const char* file, std::int32_t first, std::int32_t count);
+
+}  // namespace mirvo

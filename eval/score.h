@@ -1,0 +1,34 @@
+// A middle-game and an end-game value that travel together.
+#pragma once
+
+#include <cstdint>
+
+namespace mirvo {
+
+/// Centipawns, good for the side a term was computed for.
+struct ScorePair {
+  std::int32_t mg = 0;
+  std::int32_t eg = 0;
+
+  constexpr ScorePair& operator+=(ScorePair other) {
+    mg += other.mg;
+    eg += other.eg;
+    return *this;
+  }
+  constexpr ScorePair& operator-=(ScorePair other) {
+    mg -= other.mg;
+    eg -= other.eg;
+    return *this;
+  }
+  /// Adds one amount to both halves.
+  constexpr ScorePair& AddBoth(std::int32_t amount) {
+    mg += amount;
+    eg += amount;
+    return *this;
+  }
+  friend constexpr ScorePair operator+(ScorePair a, ScorePair b) { return a += b; }
+  friend constexpr ScorePair operator-(ScorePair a, ScorePair b) { return a -= b; }
+  friend constexpr bool operator==(ScorePair a, ScorePair b) = default;
+};
+
+}  // namespace mirvo

@@ -1,0 +1,11 @@
+// The XBoard front end: one line in, replies out.
+#pragma once
+
+#include <cstdint>
+
+namespace mirvo {
+
+/// Handles one line (line end allowed). Lines it does not know are ignored.
+void HandleXBoardLine(std::uint8_t& state, const char* line);
+
+}  // namespace mirvo

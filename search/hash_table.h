@@ -1,0 +1,96 @@
+// The one hash-table mechanism behind the search's transposition table, the
+// evaluation cache and the pawn cache: 64-byte slots, one slot per index.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "board/move.h"
+
+namespace mirvo {
+
+/// What a stored score says about the true score.
+enum HashBound : std::int32_t { noBound = -1, upperBound = 0, lowerBound = 1, exactBound = 2 };
+
+/// Score of a slot that never received one.
+inline constexpr std::int32_t EmptyScore = -123456;
+
+struct alignas(64) HashEntry {
+  std::uint64_t key;        // full position key; 0 in an empty slot
+  std::int32_t evalScore;   // evaluation and pawn caches
+  std::uint64_t evalData[4];
+  std::int32_t bound;       // HashBound
+  std::int32_t depth;       // remaining depth of the stored result
+  std::int32_t score;
+  Move move;
+};
+static_assert(sizeof(HashEntry) == 64);
+
+struct HashTable {
+  std::uint32_t hits;
+  std::uint32_t conflicts;
+  std::uint32_t misses;
+  std::uint32_t stores;
+  std::uint32_t size;  // megabytes before allocation, slots afterwards
+  HashEntry* entries;
+  void* block;         // what the allocator gave
+  std::int32_t lastIndex;
+  std::uint64_t lastKey;
+};
+
+/// Owner: hash_table.cpp. They live for the whole run.
+extern HashTable TranspositionTable;
+extern HashTable PawnHashTable;
+extern HashTable EvalHashTable;
+
+/// Slots of a table that was asked for with a size that gives none.
+inline constexpr std::uint32_t minHashSlots = 16384;
+
+/// Sets a record to its state before the first allocation.
+void HashInitialise(HashTable& table);
+
+/// Turns `size` from megabytes into slots and (re)allocates the slot array with
+/// zeroed (empty) slots. If memory is short the table is halved until it fits.
+void HashAllocate(HashTable& table);
+
+/// Releases the memory (tests; the engine keeps its tables to the end).
+void HashRelease(HashTable& table);
+
+/// Empties every slot; the move fields stay.
+void HashClear(HashTable& table);
+
+/// The search's own clearing: key, depth, score, bound and move; evalScore stays.
+void HashResetSearch(HashTable& table);
+
+inline std::uint32_t HashIndex(const HashTable& table, std::uint64_t key) {
+  return static_cast<std::uint32_t>(key) % table.size;
+}
+
+inline HashEntry& HashSlot(HashTable& table, std::uint64_t key) {
+  return table.entries[HashIndex(table, key)];
+}
+
+/// Looks `key` up for a search of `depth` with the window (alpha, beta). True
+/// with a score when the slot decides; the move output is written on every hit
+/// but an exact one and on every miss of the same key.
+bool HashProbe(HashTable& table, std::uint64_t key, Move& move, std::int32_t& score,
+               const std::int32_t& alpha, const std::int32_t& beta, std::int32_t depth);
+
+/// Stores a search result, preferring deeper ones.
+void HashStore(HashTable& table, std::uint64_t key, Move move, std::int32_t score,
+               HashBound bound, std::int32_t depth);
+
+/// The driver's look at the evaluation cache: copies the score field of a slot
+/// that holds `key` and always answers false, so nothing follows from it.
+bool HashMoveLookup(std::uint64_t key, std::int32_t& score);
+
+/// "Cache usage:" line of one table.
+void PrintCacheUsage(const HashTable& table);
+
+/// The usage of all three tables.
+void PrintHashReport(bool quiet);
+
+/// Zeroes hits, conflicts and misses of all three tables.
+void ResetHashCounters();
+
+}  // namespace mirvo

@@ -1,0 +1,18 @@
+// The entry to thinking: book first, then iterative deepening.
+#pragma once
+
+#include "search/search_state.h"
+
+namespace mirvo {
+
+/// Searches record.gameBoard within the limits of the settings and flags and
+/// returns the best move and the expected reply (also left in
+/// searchFlags.ponderMove). Clears the stop flag, polls input through the hook
+/// while it runs, prints the iteration reports and the hash report.
+SearchResult Think(SearchRecord& record);
+
+/// Prepares a record for a search of `gameBoard` on search slot 0 with the
+/// configured depth.
+SearchRecord PrepareSearch(Board& gameBoard);
+
+}  // namespace mirvo

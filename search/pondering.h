@@ -1,0 +1,27 @@
+// Thinking on the opponent's time: hit and miss bookkeeping.
+#pragma once
+
+#include <cstdint>
+
+#include "shell/config.h"
+
+namespace mirvo {
+
+struct PonderStats {
+  std::uint32_t hits = 0;
+  std::uint32_t misses = 0;
+};
+
+/// Owner: pondering.cpp. Writers: the front ends through the calls below.
+extern PonderStats ponderStats;
+
+/// The opponent played the expected move: the running search becomes a timed
+/// one that starts now with the given clock. Prints "PONDER HIT. CONTINUING",
+/// the "Allowing" line and the statistics line.
+void PonderHit(EngineConfig& config, std::int32_t movesToGo, std::int32_t timeLeft,
+               std::int32_t increment);
+
+/// Prints "Ponder hits = ..." (0.0 % when nothing was counted).
+void PrintPonderStats();
+
+}  // namespace mirvo

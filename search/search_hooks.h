@@ -1,0 +1,15 @@
+// What the search asks of the layers above it, as plain function pointers that
+// start-up fills in. A null pointer means there is nothing to ask.
+#pragma once
+
+namespace mirvo {
+
+struct SearchHooks {
+  /// Handles input that is already waiting; returns at once if none is.
+  void (*pollInput)() = nullptr;
+};
+
+/// Owner: search_hooks.cpp. Writers: start-up, tests.
+extern SearchHooks searchHooks;
+
+}  // namespace mirvo

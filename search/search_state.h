@@ -1,0 +1,62 @@
+// Records that the search hands down and back: node input, per-slot state,
+// principal variation, and the record of one whole search.
+#pragma once
+
+#include <cstdint>
+
+#include "board/board.h"
+#include "board/move.h"
+
+namespace mirvo {
+
+/// Bounds of an open window, and the score of "none yet".
+inline constexpr std::int32_t infiniteScore = 1000000;
+/// A mate scores this less a depth count.
+inline constexpr std::int32_t mateScore = 32768;
+/// Scores from here on (in absolute value) end iterative deepening.
+inline constexpr std::int32_t mateThreshold = 31000;
+
+inline constexpr int pvCapacity = 100;
+
+/// A line of moves, best move first.
+struct PvLine {
+  std::int32_t length = 0;
+  Move moves[pvCapacity];
+};
+
+/// Input of one node: window, remaining depth (plies below the horizon in the
+/// quiescence search) and an excluded move (none in every call so far).
+struct NodeInput {
+  std::int32_t alpha;
+  std::int32_t beta;
+  std::int32_t depth;
+  Move excluded = noMove;
+};
+
+/// State of one search slot. Zeroed at the start of each search; the selective
+/// depth at the start of each iteration.
+struct SearchState {
+  std::uint8_t stopFlag;         // the time is up
+  std::uint32_t nodeCount;       // moves searched, all kinds
+  std::int32_t selectiveDepth;   // largest quiescence ply entered
+  std::int32_t extensions;       // on the current path
+  std::int32_t extensionLimit;
+  std::uint32_t nextPoll;        // node count at which input is polled next
+};
+
+/// One search, owned by the caller.
+struct SearchRecord {
+  Board* gameBoard;        // the position to search; left as it is
+  Board* board;            // the search's own copy (a board of BoardPool)
+  SearchState state;
+  std::int32_t maxDepth;   // plies
+};
+
+/// What a search leaves behind. `best` is noMove when there is no legal move;
+/// its mateMark says that the search ended on a mate score.
+struct SearchResult {
+  Move best;
+  Move ponder;  // expected reply, noMove when unknown or not legal after best
+};
+
+}  // namespace mirvo

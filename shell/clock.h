@@ -1,0 +1,28 @@
+// The millisecond clock and the two ways of giving up the processor.
+#pragma once
+
+#include <cstdint>
+
+namespace mirvo {
+
+using TickSource = std::uint32_t (*)();
+
+/// Milliseconds from a monotonic clock, wrapping at 32 bits.
+std::uint32_t TickCount();
+
+/// Replaces the clock (tests); null restores the system's.
+void SetTickSource(TickSource source);
+
+/// Milliseconds since `start`, correct across the 32-bit wrap; negative when
+/// the clock was before `start`.
+inline std::int32_t ElapsedSince(std::uint32_t start) {
+  return static_cast<std::int32_t>(TickCount() - start);
+}
+
+/// Zero-length sleep: yields the rest of the time slice.
+void YieldTimeSlice();
+
+/// Sleeps about `milliseconds`.
+void SleepMilliseconds(std::uint32_t milliseconds);
+
+}  // namespace mirvo

@@ -1,0 +1,39 @@
+// The one print routine: every message goes to standard output and to the log
+// file, flushed at once. The record is built before main, from constant data.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+
+namespace mirvo {
+
+inline constexpr char engineName[] = "Mirvo";
+inline constexpr char engineVersion[] = "0.2.7_d";
+inline constexpr char engineAuthor[] = "Tavelin";
+inline constexpr char logFileName[] = "mirvo_0.2.7_d_log.txt";
+
+/// Bytes of the formatting buffer; longer messages take a temporary one.
+inline constexpr int outputBufferSize = 2048;
+
+struct OutputRecord {
+  OutputRecord();
+  OutputRecord(const OutputRecord&) = delete;
+  OutputRecord& operator=(const OutputRecord&) = delete;
+
+  char* buffer;
+  std::int32_t toConsole;  // non-zero: messages go to standard output
+  std::FILE* log;          // null when the file could not be opened
+};
+
+/// Owner: output.cpp. Writers: none after start-up. Readers: every layer.
+extern OutputRecord output;
+
+/// Formats one message and writes it to standard output and the log. Returns
+/// its length in bytes. Write errors are ignored.
+std::uint32_t Output(OutputRecord& record, const char* format, ...)
+    __attribute__((format(printf, 2, 3)));
+
+/// The same for the few texts that the log leaves out.
+void PrintToConsole(const char* format, ...) __attribute__((format(printf, 1, 2)));
+
+}  // namespace mirvo

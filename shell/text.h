@@ -1,0 +1,36 @@
+// Bounded text helpers used wherever outside text is read.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace mirvo {
+
+/// Blank, tab, line feed, carriage return, vertical tab or form feed.
+bool IsBlank(char c);
+
+/// First character that is not a blank.
+const char* SkipBlanks(const char* text);
+
+/// Whether `text` begins with `prefix`.
+bool StartsWith(const char* text, const char* prefix);
+
+/// Signed decimal number from the leading digits, after blanks and one sign.
+/// No digits read as 0; values beyond 32 bits saturate.
+std::int32_t ReadDecimal(const char* text);
+
+/// `a * b` saturated to 32 bits, for unit conversions of outside numbers.
+std::int32_t MultiplySaturated(std::int32_t a, std::int32_t b);
+
+/// `value` saturated to 32 bits.
+std::int32_t Saturate(std::int64_t value);
+
+/// Copies at most size - 1 characters and ends with a 0. `size` is above 0.
+void CopyText(char* destination, std::size_t size, const char* source);
+
+/// Copies the next blank-separated word (cut at size - 1 characters, the rest
+/// of the word skipped) and returns the text behind it; at the end the word is
+/// empty.
+const char* ReadWord(const char* text, char* word, std::size_t size);
+
+}  // namespace mirvo
