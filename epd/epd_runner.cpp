@@ -1,0 +1,116 @@
+#include "epd/epd_runner.h"
+
+#include <algorithm>
+#include <memory>
+#include <string>
+
+#include "board/display.h"
+#include "board/notation.h"
+#include "board/san.h"
+#include "epd/epd_reader.h"
+#include "epd/epd_score.h"
+#include "search/hash_table.h"
+#include "search/iterate.h"
+#include "search/move_order.h"
+#include "search/search_flags.h"
+#include "search/search_stats.h"
+#include "shell/config.h"
+#include "shell/output.h"
+#include "shell/text.h"
+
+namespace mirvo {
+namespace {
+
+/// What a run has come to so far.
+struct SuiteTotals {
+  std::int32_t analysed = 0;  // positions passed, skipped ones included
+  std::int32_t correct = 0;
+  std::int64_t points = 0;
+};
+
+/// Forgets everything that earlier positions taught the search, so that a
+/// result does not depend on the position's place in the suite.
+void ClearSearchMemory() {
+  ClearHistory();
+  ClearKillers();
+  ClearPreviousPv();
+  HashClear(EvalHashTable);
+  HashClear(PawnHashTable);
+  HashClear(TranspositionTable);
+  HashResetSearch(TranspositionTable);
+  ResetHashCounters();
+}
+
+void PrintAnswer(Move answer) {
+  char text[moveTextCapacity] = "0000";
+  if (answer != noMove) MoveToSan(answer, text);
+  Output(output, "%s - ", text);
+}
+
+void PrintBestMoves(const SuitePosition& position) {
+  std::string texts;
+  for (const BestMove& best : position.bestMoves) {
+    if (!texts.empty()) texts += ", ";
+    texts += best.text;
+  }
+  Output(output, "(%s) - ", texts.c_str());
+}
+
+/// Searches one position from a cold start and prints its result line, all but
+/// the running totals. `number` counts the file's positions from 1.
+Verdict AnalysePosition(const SuitePosition& position, std::int32_t number, Board& board) {
+  const bool quiet = engineConfig.Quiet != 0;
+  SetUpSuitePosition(position, board);
+  PrintBoard(board, BoardLayout::wide, quiet);
+  ClearSearchMemory();
+  if (quiet) Output(output, "Pos %d ", number);
+  SearchRecord record = PrepareSearch(board);
+  const Move answer = Think(record).best;
+  PrintAnswer(answer);
+  const Verdict verdict = JudgeAnswer(position, answer);
+  Output(output, verdict.correct ? "Correct" : "Wrong");
+  PrintBestMoves(position);
+  return verdict;
+}
+
+void AddVerdict(const Verdict& verdict, SuiteTotals& totals) {
+  totals.correct += verdict.correct ? 1 : 0;
+  totals.points += verdict.points;
+}
+
+void PrintTotals(const SuiteTotals& totals, std::int32_t count) {
+  Output(output, "Analyzed %d/%d - Correct %d/%d (%.2f%% - %d)\n", totals.analysed, count,
+         totals.correct, totals.analysed, totals.correct * 100.0 / totals.analysed,
+         Saturate(totals.points));
+}
+
+}  // namespace
+
+void RunSuite(const char* file, std::int32_t first, std::int32_t count) {
+  searchFlags.BookInUse = 0;
+  searchFlags.NoInputPolling = 1;
+  Suite suite;
+  if (!ReadSuite(file, suite)) {
+    Output(output, "File \"%s\" not found.\n", file);
+    return;
+  }
+  const auto nRead = static_cast<std::int32_t>(suite.size());
+  count = std::min(count, nRead);
+  Output(output, "Analyzing %s starting at position %d for %d position(s)\n", file, first, count);
+
+  SuiteTotals totals;
+  const auto board = std::make_unique<Board>();
+  while (totals.analysed < count) {
+    const std::int64_t index = std::int64_t{first} + totals.analysed++;
+    if (index < 0 || index >= nRead) continue;
+    const SuitePosition& position = suite[static_cast<std::size_t>(index)];
+    AddVerdict(AnalysePosition(position, static_cast<std::int32_t>(index) + 1, *board), totals);
+    PrintTotals(totals, count);
+  }
+
+  PrintSearchStats();
+  PrintToConsole("Final Score = %d\n", Saturate(totals.points));
+  Output(output, "Done.\n");
+}
+
+}  // namespace mirvo

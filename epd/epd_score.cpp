@@ -1,0 +1,36 @@
+#include "epd/epd_score.h"
+
+#include <algorithm>
+
+#include "shell/text.h"
+
+namespace mirvo {
+namespace {
+
+bool Agrees(Move stated, Move answer) {
+  return ToSquare(stated) == ToSquare(answer) && MovingKind(stated) == MovingKind(answer);
+}
+
+std::int32_t PointsOf(const SuitePosition& position, Move answer) {
+  std::int64_t sum = 0;
+  for (const PointEntry& entry : position.pointEntries) {
+    if (Agrees(entry.move, answer)) sum += entry.points;
+  }
+  return Saturate(sum);
+}
+
+}  // namespace
+
+Verdict JudgeAnswer(const SuitePosition& position, Move answer) {
+  if (answer == noMove) return {false, 0};
+  const bool correct =
+      std::any_of(position.bestMoves.begin(), position.bestMoves.end(),
+                  [answer](const BestMove& best) { return Agrees(best.move, answer); });
+  const std::int32_t points = PointsOf(position, answer);
+  if (correct) return {true, std::min(points, pointLimit)};
+  // A wrong answer keeps only what its points have above the limit; up to the
+  // limit it keeps them all. Old results compare only while this stays.
+  return {false, points > pointLimit ? points - pointLimit : points};
+}
+
+}  // namespace mirvo
