@@ -13,24 +13,39 @@ namespace mirvo {
 /// A legal position has at most 218 moves; moves past the end are dropped.
 inline constexpr int moveListCapacity = 256;
 
+/// Most moves one piece adds at a time: the list is checked once a piece, and
+/// what a piece writes past the capacity is cut off afterwards.
+inline constexpr int moveListSlack = 32;
+
 class BBMoveGenerator2 final : public MoveGenerator {
  public:
-  /// Generates for `side` on `board`, which must outlive the generator. `side`
-  /// may be the side not to move; castling then tests check without the cache.
-  BBMoveGenerator2(Board& board, int side)
-      : count(0), side(side), opponent(side ^ 1), board(&board), next(moves) {}
+  /// Generates for `mover` on `position`, which must outlive the generator.
+  /// `mover` may be the side not to move.
+  BBMoveGenerator2(Board& position, int mover)
+      : count(0), side(mover), opponent(mover ^ 1), board(&position), next(moves) {}
 
   /// Captures, then the other moves, appended to the list.
   void GenerateAll() override;
   void GenerateNonCaptures() override;
   void GenerateCaptures() override;
 
-  Move moves[moveListCapacity];  // entries 0..count-1 are valid
+  Move moves[moveListCapacity + moveListSlack];  // entries 0..count-1 are valid
   std::int32_t count;
   std::int32_t side;
   std::int32_t opponent;
   Board* board;
   Move* next;
+
+ private:
+  template <int us>
+  void AddPawnCaptures();
+  template <int us>
+  void AddPawnPushes();
+  void AddCastling();
+  void AddPieceMoves(Bitboard targets, Move flags);
+  void AddTargets(int from, Bitboard targets, Move common);
+  bool HasRoom() const { return next < moves + moveListCapacity; }
+  void FinishPass();
 };
 
 }  // namespace mirvo

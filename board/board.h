@@ -48,7 +48,7 @@ struct Board {
   /// An initial position with no en-passant square.
   Board();
 
-  std::uint64_t pieces[nPieces];              // index = side * 6 + kind
+  std::uint64_t pieces[nPieces];  // index = side * 6 + kind
   std::uint64_t sideOccupancy[nSides];
   std::uint64_t sideOccupancyNoKing[nSides];  // the side's pieces without its king
   std::uint8_t kingFile[nSides];
@@ -57,7 +57,7 @@ struct Board {
   CastlingFlags castling;
   std::int32_t plyCount;  // moves and null moves made since set-up
   UndoRecord undoStack[undoCapacity];
-  std::uint8_t epRank;    // square just skipped by a double step, 255 = none
+  std::uint8_t epRank;  // square just skipped by a double step, 255 = none
   std::uint8_t epFile;
   std::uint8_t epColour;  // side whose pawn made the double step
   std::uint8_t nullMoveMade;
@@ -68,10 +68,10 @@ struct Board {
   std::uint64_t occupiedRot90;
   std::uint64_t occupiedDiagA1H8;
   std::uint64_t occupiedDiagA8H1;
-  std::int32_t undoDepth;      // undoStack entries in use
-  std::uint64_t positionKey;   // equals the published Polyglot key
-  std::int32_t inCheckCache;   // -1 unknown, 0 no, 1 yes, for the side to move
-  std::int32_t historyIndex;   // index in KeyHistory of the latest position
+  std::int32_t undoDepth;     // undoStack entries in use
+  std::uint64_t positionKey;  // equals the published Polyglot key
+  std::int32_t inCheckCache;  // -1 unknown, 0 no, 1 yes, for the side to move
+  std::int32_t historyIndex;  // index in KeyHistory of the latest position
 };
 
 inline constexpr int nBoards = 8;
@@ -97,8 +97,9 @@ void RebuildOccupancy(Board& board);
 /// Recomputes the three rotated occupancies from `occupied`.
 void RebuildRotated(Board& board);
 
-/// Sets king files and ranks from the highest bit of each king bitboard
+/// Sets a side's king file and rank from the highest bit of its king bitboard
 /// (h8 for a side without a king, so that the fields stay on the board).
+void LocateKing(Board& board, int side);
 void LocateKings(Board& board);
 
 /// Marks the board irregular when two pieces share a square.

@@ -28,7 +28,9 @@ inline std::uint64_t PieceKey(int side, int kind, int square) {
   return PieceKeys.key[side][kind][square];
 }
 inline std::uint64_t ShortCastlingKey(int side) { return Random64[castlingKeyOffset + 2 * side]; }
-inline std::uint64_t LongCastlingKey(int side) { return Random64[castlingKeyOffset + 2 * side + 1]; }
+inline std::uint64_t LongCastlingKey(int side) {
+  return Random64[castlingKeyOffset + 2 * side + 1];
+}
 inline std::uint64_t EnPassantKey(int file) { return Random64[enPassantKeyOffset + (file & 7)]; }
 
 /// Included in the key when White is to move.

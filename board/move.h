@@ -47,7 +47,9 @@ constexpr int ToSquare(Move move) { return static_cast<int>((move >> moveToShift
 constexpr int MoveColour(Move move) { return static_cast<int>((move >> moveColourShift) & 1); }
 constexpr int MovingKind(Move move) { return static_cast<int>((move >> moveKindShift) & 7); }
 constexpr int CapturedKind(Move move) { return static_cast<int>((move >> moveCapturedShift) & 7); }
-constexpr int PromotionKind(Move move) { return static_cast<int>((move >> movePromotionShift) & 7); }
+constexpr int PromotionKind(Move move) {
+  return static_cast<int>((move >> movePromotionShift) & 7);
+}
 constexpr bool IsCapture(Move move) { return (move & captureFlag) != 0; }
 constexpr bool IsPromotion(Move move) { return (move & promotionFlag) != 0; }
 

@@ -1,0 +1,173 @@
+#include "board/bb_move_generator.h"
+
+#include "board/attack_tables.h"
+#include "board/attacks.h"
+#include "board/bits.h"
+#include "board/make_move.h"
+
+namespace mirvo {
+namespace {
+
+constexpr int kingFileAtStart = 4;
+constexpr Bitboard rank1 = 0xFFULL;
+
+constexpr Move KindBits(int kind) { return static_cast<Move>(kind) << moveKindShift; }
+constexpr Move SideBits(int side) { return static_cast<Move>(side) << moveColourShift; }
+
+constexpr int BackRank(int side) { return side == white ? 0 : 7; }
+constexpr int LastRank(int side) { return side == white ? 7 : 0; }
+constexpr int SecondRank(int side) { return side == white ? 1 : 6; }
+
+// Squares between king and rook, and the rook's corner, on the side's back rank.
+constexpr Bitboard OnBackRank(int side, Bitboard files) { return files << (8 * BackRank(side)); }
+constexpr Bitboard longPathFiles = 0x0E;   // b, c, d
+constexpr Bitboard shortPathFiles = 0x60;  // f, g
+
+// Promotions stand in the list from queen down to knight.
+Move* AddPromotions(Move* next, Move move) {
+  *next++ = move | PromotionBits(queen);
+  *next++ = move | PromotionBits(rook);
+  *next++ = move | PromotionBits(bishop);
+  *next++ = move | PromotionBits(knight);
+  return next;
+}
+
+}  // namespace
+
+void BBMoveGenerator2::FinishPass() {
+  if (!HasRoom()) next = moves + moveListCapacity;
+  count = static_cast<std::int32_t>(next - moves);
+}
+
+inline void BBMoveGenerator2::AddTargets(int from, Bitboard targets, Move common) {
+  const Move origin = common | static_cast<Move>(from);
+  while (targets != 0) {
+    *next++ = origin | (static_cast<Move>(PopHighest(targets)) << moveToShift);
+  }
+}
+
+// Knights, bishops, rooks, queens and the king, in that order, each kind from
+// its highest square down; only moves onto `targets`.
+inline void BBMoveGenerator2::AddPieceMoves(Bitboard targets, Move flags) {
+  const std::uint64_t* own = board->pieces + side * nKinds;
+  const Move common = flags | SideBits(side);
+  for (Bitboard set = own[knight]; set != 0 && HasRoom();) {
+    const int from = PopHighest(set);
+    AddTargets(from, KnightAttacks[from] & targets, common | KindBits(knight));
+  }
+  for (Bitboard set = own[bishop]; set != 0 && HasRoom();) {
+    const int from = PopHighest(set);
+    AddTargets(from, BishopAttacks(*board, from) & targets, common | KindBits(bishop));
+  }
+  for (Bitboard set = own[rook]; set != 0 && HasRoom();) {
+    const int from = PopHighest(set);
+    AddTargets(from, RookAttacks(*board, from) & targets, common | KindBits(rook));
+  }
+  for (Bitboard set = own[queen]; set != 0 && HasRoom();) {
+    const int from = PopHighest(set);
+    AddTargets(from, QueenAttacks(*board, from) & targets, common | KindBits(queen));
+  }
+  for (Bitboard set = own[king]; set != 0 && HasRoom();) {
+    const int from = PopHighest(set);
+    AddTargets(from, KingAttacks[from] & targets, common | KindBits(king));
+  }
+}
+
+template <int us>
+void BBMoveGenerator2::AddPawnCaptures() {
+  constexpr int them = us ^ 1;
+  constexpr Move common = captureFlag | SideBits(us) | KindBits(pawn);
+  const Bitboard victims = board->sideOccupancyNoKing[them];
+  const bool enPassant = board->epFile != noEnPassant && board->epColour == them &&
+                         us == board->sideToMove && EnPassantAvailable(*board);
+  const int epSquare = enPassant ? SquareAt(board->epRank, board->epFile) : 0;
+  const Bitboard epBit = enPassant ? Bit(epSquare) : 0;
+  for (Bitboard set = board->pieces[PieceIndex(us, pawn)]; set != 0 && HasRoom();) {
+    const int from = PopHighest(set);
+    const Move origin = common | static_cast<Move>(from);
+    for (Bitboard targets = PawnAttacks[us][from] & victims; targets != 0;) {
+      const int to = PopHighest(targets);
+      const Move move = origin | (static_cast<Move>(to) << moveToShift);
+      if (RankOf(to) == LastRank(us)) {
+        next = AddPromotions(next, move);
+      } else {
+        *next++ = move;
+      }
+    }
+    if ((PawnAttacks[us][from] & epBit) != 0) {
+      *next++ = origin | (static_cast<Move>(epSquare) << moveToShift);
+    }
+  }
+}
+
+template <int us>
+void BBMoveGenerator2::AddPawnPushes() {
+  constexpr Move common = SideBits(us) | KindBits(pawn);
+  constexpr int forward = us == white ? 8 : -8;
+  const Bitboard occupied = board->occupied;
+  // A pawn on its last rank has nowhere to go.
+  for (Bitboard set = board->pieces[PieceIndex(us, pawn)] & ~(rank1 << (8 * LastRank(us)));
+       set != 0 && HasRoom();) {
+    const int from = PopHighest(set);
+    const int to = from + forward;
+    if ((occupied & Bit(to)) != 0) continue;
+    const Move move = common | static_cast<Move>(from) | (static_cast<Move>(to) << moveToShift);
+    if (RankOf(to) == LastRank(us)) {
+      next = AddPromotions(next, move);
+      continue;
+    }
+    *next++ = move;
+    if (RankOf(from) == SecondRank(us) && (occupied & Bit(to + forward)) == 0) {
+      *next++ = common | static_cast<Move>(from) | (static_cast<Move>(to + forward) << moveToShift);
+    }
+  }
+}
+
+void BBMoveGenerator2::AddCastling() {
+  const CastlingFlags& flags = board->castling;
+  if (flags.hasCastled[side] != 0 || flags.kingMoved[side] != 0) return;
+  const int home = SquareAt(BackRank(side), kingFileAtStart);
+  const std::uint64_t* own = board->pieces + side * nKinds;
+  if ((own[king] & Bit(home)) == 0 || KingSquare(*board, side) != home) return;
+  const bool mayLong = flags.queenRookMoved[side] == 0 && (own[rook] & Bit(home - 4)) != 0 &&
+                       (board->occupied & OnBackRank(side, longPathFiles)) == 0;
+  const bool mayShort = flags.kingRookMoved[side] == 0 && (own[rook] & Bit(home + 3)) != 0 &&
+                        (board->occupied & OnBackRank(side, shortPathFiles)) == 0;
+  if ((!mayLong && !mayShort) || InCheck(*board, side)) return;
+  if (mayLong && !SquareAttacked(*board, opponent, home - 1) &&
+      !SquareAttacked(*board, opponent, home - 2)) {
+    *next++ = BuildMove(home, home - 2, side, king);
+  }
+  if (mayShort && !SquareAttacked(*board, opponent, home + 1) &&
+      !SquareAttacked(*board, opponent, home + 2)) {
+    *next++ = BuildMove(home, home + 2, side, king);
+  }
+}
+
+void BBMoveGenerator2::GenerateCaptures() {
+  if (side == white) {
+    AddPawnCaptures<white>();
+  } else {
+    AddPawnCaptures<black>();
+  }
+  AddPieceMoves(board->sideOccupancyNoKing[opponent], captureFlag);
+  FinishPass();
+}
+
+void BBMoveGenerator2::GenerateNonCaptures() {
+  AddCastling();
+  AddPieceMoves(~board->occupied, 0);
+  if (side == white) {
+    AddPawnPushes<white>();
+  } else {
+    AddPawnPushes<black>();
+  }
+  FinishPass();
+}
+
+void BBMoveGenerator2::GenerateAll() {
+  GenerateCaptures();
+  GenerateNonCaptures();
+}
+
+}  // namespace mirvo

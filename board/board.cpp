@@ -1,0 +1,149 @@
+#include "board/board.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "board/bits.h"
+#include "board/keys.h"
+#include "board/occupancy_maps.h"
+
+namespace mirvo {
+
+Board BoardPool[nBoards];
+
+namespace {
+
+constexpr std::uint64_t startPieces[nPieces] = {
+    0x000000000000FF00ULL, 0x0000000000000042ULL, 0x0000000000000024ULL, 0x0000000000000081ULL,
+    0x0000000000000008ULL, 0x0000000000000010ULL, 0x00FF000000000000ULL, 0x4200000000000000ULL,
+    0x2400000000000000ULL, 0x8100000000000000ULL, 0x0800000000000000ULL, 0x1000000000000000ULL};
+
+// Square of a side that has no king: the fields must name some square.
+constexpr int missingKingSquare = 63;
+
+}  // namespace
+
+Board::Board() : pieces{}, kingFile{}, kingRank{}, sideToMove(white), undoStack{}, epColour(255) {
+  ClearEnPassant(*this);
+  ResetToStart(*this);
+}
+
+void ClearEnPassant(Board& board) {
+  board.epRank = noEnPassant;
+  board.epFile = noEnPassant;
+  board.epColour = 255;
+}
+
+void ClearBoard(Board& board) {
+  std::fill(std::begin(board.pieces), std::end(board.pieces), 0);
+  board.castling = CastlingFlags{};
+  board.plyCount = 0;
+  board.nullMoveMade = 0;
+  board.irregular = 0;
+  board.undoDepth = 0;
+  board.inCheckCache = -1;
+  RebuildOccupancy(board);
+  RebuildRotated(board);
+}
+
+void ResetToStart(Board& board) {
+  ClearBoard(board);
+  std::copy(std::begin(startPieces), std::end(startPieces), board.pieces);
+  board.sideToMove = white;
+  RebuildOccupancy(board);
+  LocateKings(board);
+  RebuildRotated(board);
+  StartKeyHistory(board);
+  board.inCheckCache = -1;
+}
+
+void RebuildOccupancy(Board& board) {
+  for (int side = 0; side < nSides; ++side) {
+    const std::uint64_t* own = board.pieces + side * nKinds;
+    board.sideOccupancyNoKing[side] =
+        own[pawn] | own[knight] | own[bishop] | own[rook] | own[queen];
+    board.sideOccupancy[side] = board.sideOccupancyNoKing[side] | own[king];
+  }
+  board.occupied = board.sideOccupancy[white] | board.sideOccupancy[black];
+}
+
+void RebuildRotated(Board& board) {
+  board.occupiedRot90 = 0;
+  board.occupiedDiagA1H8 = 0;
+  board.occupiedDiagA8H1 = 0;
+  for (Bitboard set = board.occupied; set != 0;) {
+    const RotatedBits& bits = RotatedBitsOf[static_cast<std::size_t>(PopHighest(set))];
+    board.occupiedRot90 |= bits.rot90;
+    board.occupiedDiagA1H8 |= bits.diagA1H8;
+    board.occupiedDiagA8H1 |= bits.diagA8H1;
+  }
+}
+
+void LocateKing(Board& board, int side) {
+  const Bitboard kings = board.pieces[PieceIndex(side, king)];
+  const int square = kings != 0 ? HighestSquare(kings) : missingKingSquare;
+  board.kingFile[side] = static_cast<std::uint8_t>(FileOf(square));
+  board.kingRank[side] = static_cast<std::uint8_t>(RankOf(square));
+}
+
+void LocateKings(Board& board) {
+  LocateKing(board, white);
+  LocateKing(board, black);
+}
+
+void DetectIrregular(Board& board) {
+  Bitboard seen = 0;
+  Bitboard shared = 0;
+  for (const Bitboard set : board.pieces) {
+    shared |= seen & set;
+    seen |= set;
+  }
+  board.irregular = shared != 0 ? 1 : 0;
+}
+
+void CopyBoard(Board& destination, const Board& source) {
+  std::copy(std::begin(source.pieces), std::end(source.pieces), destination.pieces);
+  std::copy(std::begin(source.kingFile), std::end(source.kingFile), destination.kingFile);
+  std::copy(std::begin(source.kingRank), std::end(source.kingRank), destination.kingRank);
+  destination.sideToMove = source.sideToMove;
+  destination.castling = source.castling;
+  destination.plyCount = source.plyCount;
+  destination.epRank = source.epRank;
+  destination.epFile = source.epFile;
+  destination.epColour = source.epColour;
+  destination.nullMoveMade = source.nullMoveMade;
+  destination.irregular = source.irregular;
+  destination.undoDepth = source.undoDepth;
+  destination.historyIndex = source.historyIndex;
+  destination.inCheckCache = source.inCheckCache;
+  std::copy(std::begin(source.undoStack), std::end(source.undoStack), destination.undoStack);
+  RebuildOccupancy(destination);
+  RebuildRotated(destination);
+  destination.positionKey = ComputeKey(destination);
+}
+
+int PieceOn(const Board& board, int square, int side) {
+  constexpr int order[nKinds] = {pawn, bishop, knight, rook, queen, king};
+  const Bitboard bit = Bit(square & 63);
+  for (const int kind : order) {
+    if ((board.pieces[PieceIndex(side, kind)] & bit) != 0) return kind;
+  }
+  return noPiece;
+}
+
+void TrimGameHistory(Board& board) {
+  const int maxUndo = undoCapacity - searchPlyRoom;
+  if (board.undoDepth > maxUndo) {
+    const int nDropped = board.undoDepth - maxUndo;
+    std::copy(board.undoStack + nDropped, board.undoStack + board.undoDepth, board.undoStack);
+    board.undoDepth = maxUndo;
+  }
+  const int maxHistory = keyHistoryCapacity - searchPlyRoom - 1;
+  if (board.historyIndex > maxHistory) {
+    const int nDropped = board.historyIndex - maxHistory;
+    std::copy(KeyHistory + nDropped, KeyHistory + board.historyIndex + 1, KeyHistory);
+    board.historyIndex = maxHistory;
+  }
+}
+
+}  // namespace mirvo
