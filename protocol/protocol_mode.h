@@ -14,7 +14,7 @@ struct ProtocolMode {
   std::uint8_t detected = 0;  // a protocol word has been seen
 };
 
-/// Owner: shell/output.cpp's layer (base). Writer: the dispatcher. Reader: the
+/// Owner: protocol_mode.cpp, in the base layer. Writer: the dispatcher. Reader: the
 /// search reports.
 extern ProtocolMode protocolMode;
 

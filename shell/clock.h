@@ -1,4 +1,5 @@
-// The millisecond clock and the two ways of giving up the processor.
+// The millisecond clock and the two ways of giving up the processor. Every
+// time the engine measures or allots comes from TickCount.
 #pragma once
 
 #include <cstdint>
@@ -12,6 +13,9 @@ std::uint32_t TickCount();
 
 /// Replaces the clock (tests); null restores the system's.
 void SetTickSource(TickSource source);
+
+/// The platform's own clock, whatever SetTickSource was told.
+std::uint32_t SystemTickCount();
 
 /// Milliseconds since `start`, correct across the 32-bit wrap; negative when
 /// the clock was before `start`.

@@ -1,5 +1,6 @@
 // The one print routine: every message goes to standard output and to the log
-// file, flushed at once. The record is built before main, from constant data.
+// file, flushed at once. The record is built before main and never changes
+// afterwards; the log stays open until the process ends.
 #pragma once
 
 #include <cstdint>
@@ -16,11 +17,13 @@ inline constexpr char logFileName[] = "mirvo_0.2.7_d_log.txt";
 inline constexpr int outputBufferSize = 2048;
 
 struct OutputRecord {
+  /// Allocates the buffer and starts a fresh log in the working directory. A
+  /// log that cannot be opened leaves the handle null; nothing is reported.
   OutputRecord();
   OutputRecord(const OutputRecord&) = delete;
   OutputRecord& operator=(const OutputRecord&) = delete;
 
-  char* buffer;
+  char* buffer;            // outputBufferSize bytes, never freed; null when memory is short
   std::int32_t toConsole;  // non-zero: messages go to standard output
   std::FILE* log;          // null when the file could not be opened
 };
@@ -28,12 +31,22 @@ struct OutputRecord {
 /// Owner: output.cpp. Writers: none after start-up. Readers: every layer.
 extern OutputRecord output;
 
+// Our formats are the C99 ones on every platform (64-bit counts with %llu);
+// only GCC has a name for that family.
+#if defined(__clang__)
+#define MIRVO_FORMAT_FAMILY printf
+#else
+#define MIRVO_FORMAT_FAMILY gnu_printf
+#endif
+
 /// Formats one message and writes it to standard output and the log. Returns
 /// its length in bytes. Write errors are ignored.
 std::uint32_t Output(OutputRecord& record, const char* format, ...)
-    __attribute__((format(printf, 2, 3)));
+    __attribute__((format(MIRVO_FORMAT_FAMILY, 2, 3)));
 
 /// The same for the few texts that the log leaves out.
-void PrintToConsole(const char* format, ...) __attribute__((format(printf, 1, 2)));
+void PrintToConsole(const char* format, ...) __attribute__((format(MIRVO_FORMAT_FAMILY, 1, 2)));
+
+#undef MIRVO_FORMAT_FAMILY
 
 }  // namespace mirvo

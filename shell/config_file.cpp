@@ -1,0 +1,148 @@
+#include "shell/config_file.h"
+
+#include <cstdio>
+#include <cstring>
+
+#include "shell/output.h"
+#include "shell/text.h"
+
+namespace mirvo {
+
+namespace {
+
+/// Room for one token. The rest of a longer one is skipped: no key and no
+/// number that fits 32 bits is anywhere near that long.
+constexpr int tokenCapacity = 1024;
+
+struct NumberKey {
+  const char* name;
+  std::int32_t EngineConfig::*field;
+};
+
+constexpr NumberKey numberKeys[] = {
+    {"DepthSearch", &EngineConfig::DepthSearch},
+    {"UseOpeningBook", &EngineConfig::UseOpeningBook},
+    {"InfiniteThinkingTime", &EngineConfig::InfiniteThinkingTime},
+    {"PawnHashSize", &EngineConfig::PawnHashSize},
+    {"EvalHashSize", &EngineConfig::EvalHashSize},
+    {"TTHashSize", &EngineConfig::TTHashSize},
+    {"AspirationWindow", &EngineConfig::AspirationWindow},
+    {"FixedTimePerMove", &EngineConfig::FixedTimePerMove},
+    {"UseMP", &EngineConfig::UseMP},
+    {"NumberThreads", &EngineConfig::NumberThreads},
+    {"StartIDDepth", &EngineConfig::StartIDDepth},
+    {"LoggingMode", &EngineConfig::LoggingMode},
+    {"Contempt", &EngineConfig::Contempt},
+    {"MaxNumExtPerDepth", &EngineConfig::MaxNumExtPerDepth},
+    {"Ponder", &EngineConfig::Ponder},
+};
+
+/// The one key whose value is text.
+constexpr char bookKey[] = "Book";
+
+/// Whether the key of `length` characters at `key` is exactly `name`.
+bool IsKey(const char* key, std::size_t length, const char* name) {
+  return std::strlen(name) == length && std::memcmp(key, name, length) == 0;
+}
+
+/// Opens a text file; null when it cannot be opened or not be read. Some
+/// systems open a folder like a file and only fail on the first read.
+std::FILE* OpenReadable(const char* path) {
+  std::FILE* const file = std::fopen(path, "r");
+  if (file == nullptr) {
+    return nullptr;
+  }
+  const int first = std::fgetc(file);
+  if (first == EOF && std::ferror(file) != 0) {
+    std::fclose(file);
+    return nullptr;
+  }
+  std::ungetc(first, file);
+  return file;
+}
+
+/// Skips a UTF-8 byte-order mark, which some editors put in front of a text.
+/// Bytes that only begin like one are given back as the start of a token.
+void SkipByteOrderMark(std::FILE* file, char* token, std::size_t& length) {
+  constexpr unsigned char mark[] = {0xEF, 0xBB, 0xBF};
+  for (const unsigned char expected : mark) {
+    const int c = std::fgetc(file);
+    if (c != expected) {
+      if (c != EOF) {
+        std::ungetc(c, file);
+      }
+      return;
+    }
+    token[length++] = static_cast<char>(c);
+  }
+  length = 0;
+}
+
+/// Reads the next token behind the `length` characters that `token` holds
+/// already. False at the end of the file.
+bool ReadToken(std::FILE* file, char* token, std::size_t length) {
+  int c = std::fgetc(file);
+  while (length == 0 && c != EOF && IsBlank(static_cast<char>(c))) {
+    c = std::fgetc(file);
+  }
+  for (; c != EOF && !IsBlank(static_cast<char>(c)); c = std::fgetc(file)) {
+    if (length + 1 < tokenCapacity) {
+      token[length++] = static_cast<char>(c);
+    }
+  }
+  token[length] = '\0';
+  return length > 0;
+}
+
+}  // namespace
+
+void ReadConfigFile(EngineConfig& config, const char* path) {
+  std::FILE* const file = OpenReadable(path);
+  if (file == nullptr) {
+    PrintToConsole("config.txt not found, using default values.\n");
+    return;
+  }
+  char token[tokenCapacity];
+  std::size_t length = 0;
+  SkipByteOrderMark(file, token, length);
+  while (ReadToken(file, token, length)) {
+    ApplyConfigToken(config, token);
+    length = 0;
+  }
+  std::fclose(file);
+}
+
+void ApplyConfigToken(EngineConfig& config, const char* token) {
+  const char* const separator = std::strchr(token, '=');
+  if (separator == nullptr) {
+    return;
+  }
+  const auto keyLength = static_cast<std::size_t>(separator - token);
+  const char* const value = separator + 1;
+  for (const NumberKey& key : numberKeys) {
+    if (IsKey(token, keyLength, key.name)) {
+      config.*key.field = ReadDecimal(value);
+    }
+  }
+  if (IsKey(token, keyLength, bookKey)) {
+    CopyText(config.BookName, sizeof config.BookName, value);
+    CopyText(bookFileOptionText, sizeof bookFileOptionText, value);
+  }
+}
+
+void PrintConfig(const EngineConfig& config) {
+  Output(output, "Config:\n");
+  Output(output, "    DepthSearch=%d\n", config.DepthSearch);
+  Output(output, "    UseOpeningBook=%d\n", config.UseOpeningBook);
+  Output(output, "    PawnHashSize=%d\n", config.PawnHashSize);
+  // The report has always called the evaluation cache just "Hash".
+  Output(output, "    HashSize=%d\n", config.EvalHashSize);
+  Output(output, "    TTHashSize=%d\n", config.TTHashSize);
+  Output(output, "    AspirationWindow=%d\n", config.AspirationWindow);
+  Output(output, "    NumberThreads=%d\n", config.NumberThreads);
+  Output(output, "    BookName=%s\n", config.BookName);
+  Output(output, "    MaxNumExtPerDepth=%d\n", config.MaxNumExtPerDepth);
+  Output(output, "    Ponder=%d\n", config.Ponder);
+}
+
+}  // namespace mirvo
