@@ -1,22 +1,29 @@
 // The opening book held in memory, and the calls that the engine makes on it.
+// Built by loading a file (book_file.h) or from games (book_builder.h).
 #pragma once
 
 #include <cstdint>
 
 #include "board/board.h"
 #include "board/move.h"
+#include "book/book_index.h"
 
 namespace mirvo {
 
 inline constexpr int bookCapacity = 200000;
 inline constexpr int bookMovesPerPosition = 20;
 
+/// Entries that building and merging fill; the last place of the buffer stays
+/// free. Loading a single file uses all of bookCapacity.
+inline constexpr int bookGrowthLimit = bookCapacity - 1;
+
+/// One position. The three move arrays run in parallel, 0..moveCount-1.
 struct BookEntry {
   std::uint64_t key;
   Move moves[bookMovesPerPosition];
   std::int32_t moveCount;
-  std::int32_t hits[bookMovesPerPosition];
-  std::int32_t weights[bookMovesPerPosition];
+  std::int32_t hits[bookMovesPerPosition];     // records or games that gave the move
+  std::int32_t weights[bookMovesPerPosition];  // never negative
 };
 static_assert(sizeof(BookEntry) == 256);
 
@@ -26,6 +33,7 @@ struct OpeningBook {
   std::int32_t count = 0;
   std::int32_t maxPlies = 40;  // plies per game that the builder takes
   std::int32_t minHits = 0;    // hits a move needs to be kept by the builder
+  BookIndex index;             // of the keys; catches up with `entries` by itself
 };
 
 /// The one book; null entries until start-up creates it (or when memory is short).
@@ -34,13 +42,29 @@ extern OpeningBook openingBook;
 /// Allocates the entry buffer (lazily zeroed). False when there is no memory.
 bool CreateOpeningBook(OpeningBook& book);
 
+/// Frees what CreateOpeningBook allocated (tests; the engine's book lives until
+/// the process ends).
+void DestroyOpeningBook(OpeningBook& book);
+
 /// Reads a book file. Replace mode starts a fresh book, merge mode adds to it.
 /// A missing file clears `loaded` and switches config.UseOpeningBook off.
 /// Returns whether the file could be opened.
 bool LoadBook(OpeningBook& book, const char* path, bool replace);
 
+/// Index of the first entry with that key, or -1.
+std::int32_t FindEntry(OpeningBook& book, std::uint64_t key);
+
+/// Counts `move` in the entry: a move that is there gains a hit and the weight,
+/// a new one is appended with one hit. A full entry takes no new move; sums
+/// stop at the largest 32-bit number.
+void AddBookMove(OpeningBook& book, std::int32_t index, Move move, std::int32_t weight);
+
+/// Adds `move` to the entry of `key`, which is opened when the book has none.
+/// Without room for another entry the move is dropped.
+void AddBookPosition(OpeningBook& book, std::uint64_t key, Move move, std::int32_t weight);
+
 /// Picks a legal book move for the position by weight at random and prints the
-/// entry's list. False when the book has none.
+/// entry's list. False when the book has none. The board is unchanged after.
 bool ProbeBook(OpeningBook& book, Board& board, Move& move);
 
 /// The "-bookstats" summary.

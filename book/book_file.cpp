@@ -1,0 +1,150 @@
+#include "book/book_file.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "book/opening_book.h"
+#include "shell/config.h"
+
+namespace mirvo {
+namespace {
+
+constexpr int fileA = 0;
+constexpr int fileC = 2;
+constexpr int fileE = 4;
+constexpr int fileG = 6;
+constexpr int fileH = 7;
+constexpr int rank1 = 0;
+constexpr int rank8 = 7;
+
+// Complete records of an open file, from its size. A stream without a size has
+// none; a directory reports a huge size and then fails to read.
+std::int64_t CountRecords(std::FILE* file) {
+  if (std::fseek(file, 0, SEEK_END) != 0) return 0;
+  const std::int64_t size = std::ftell(file);
+  std::rewind(file);
+  return size < 0 ? 0 : size / bookRecordSize;
+}
+
+// Files keep the records of a position together, so a new key is a new entry
+// without looking for an older one. `hits` is left alone: only building and
+// merging count.
+void ReadIntoFreshBook(OpeningBook& book, ByteReader& file, std::int64_t nRecords) {
+  book.count = 0;
+  BookRecord record;
+  std::uint64_t previousKey = 0;
+  for (std::int64_t i = 0; i < nRecords && ReadBookRecord(file, record); ++i) {
+    if (i == 0 || record.key != previousKey) {
+      if (book.count >= bookCapacity) return;
+      book.entries[book.count].key = record.key;
+      book.entries[book.count].moveCount = 0;
+      ++book.count;
+    }
+    previousKey = record.key;
+    BookEntry& entry = book.entries[book.count - 1];
+    if (entry.moveCount >= bookMovesPerPosition) continue;
+    entry.moves[entry.moveCount] = DecodeBookMove(record.move);
+    entry.weights[entry.moveCount] = record.weight;
+    ++entry.moveCount;
+  }
+}
+
+// Leaves an empty entry between the old and the new positions and the file's
+// last record unread; saving drops the one, and the other is the price of
+// files staying as they always were.
+void MergeIntoBook(OpeningBook& book, ByteReader& file, std::int64_t nRecords) {
+  if (book.count < bookCapacity) {
+    BookEntry& separator = book.entries[book.count++];
+    separator.key = 0;
+    separator.moveCount = 0;
+  }
+  BookRecord record;
+  for (std::int64_t i = 0; i < nRecords - 1 && ReadBookRecord(file, record); ++i) {
+    AddBookPosition(book, record.key, DecodeBookMove(record.move), record.weight);
+  }
+}
+
+}  // namespace
+
+Move DecodeBookMove(std::uint16_t bookMove) {
+  const int toFile = bookMove & 7;
+  const int toRank = (bookMove >> 3) & 7;
+  const int fromFile = (bookMove >> 6) & 7;
+  const int fromRank = (bookMove >> 9) & 7;
+  const int promotion = (bookMove >> 12) & 7;
+  const bool onBackRank = fromRank == toRank && (toRank == rank1 || toRank == rank8);
+  if (fromFile == fileE && onBackRank && std::abs(fromFile - toFile) > 1) {
+    const int kingFile = toFile >= fromFile ? fileG : fileC;
+    return BuildMove(SquareAt(fromRank, fromFile), SquareAt(toRank, kingFile), white, king);
+  }
+  const Move move = BuildMove(SquareAt(fromRank, fromFile), SquareAt(toRank, toFile), white, pawn);
+  return promotion == 0 ? move : move | PromotionBits(promotion);
+}
+
+std::uint16_t EncodeBookMove(Move move) {
+  int from = FromSquare(move);
+  int to = ToSquare(move);
+  if (MovingKind(move) == king && std::abs(FileOf(from) - FileOf(to)) == 2) {
+    const int rank = RankOf(to) == rank8 ? rank8 : rank1;
+    const int rookFile = FileOf(to) > FileOf(from) ? fileH : fileA;
+    from = SquareAt(rank, fileE);
+    to = SquareAt(rank, rookFile);
+  }
+  return static_cast<std::uint16_t>(to | (from << 6));
+}
+
+int ReadBigEndian(ByteReader& file, int n, std::uint64_t& value) {
+  value = 0;
+  for (int i = 0; i < n; ++i) {
+    const int byte = file.Next();
+    if (byte == endOfFile) return 1;
+    value = (value << 8) | static_cast<std::uint64_t>(byte);
+  }
+  return 0;
+}
+
+bool ReadBookRecord(ByteReader& file, BookRecord& record) {
+  std::uint64_t rest = 0;
+  if (ReadBigEndian(file, 8, record.key) != 0 || ReadBigEndian(file, 8, rest) != 0) return false;
+  record.move = static_cast<std::uint16_t>(rest >> 48);
+  record.weight = static_cast<std::uint16_t>(rest >> 32);
+  record.learn = static_cast<std::uint32_t>(rest);
+  return true;
+}
+
+void WriteBigEndian(std::FILE* file, int n, std::uint64_t value) {
+  for (int shift = 8 * (n - 1); shift >= 0; shift -= 8) {
+    std::fputc(static_cast<int>((value >> shift) & 255), file);
+  }
+}
+
+void WriteBookRecord(std::FILE* file, const BookRecord& record) {
+  WriteBigEndian(file, 8, record.key);
+  WriteBigEndian(file, 2, record.move);
+  WriteBigEndian(file, 2, record.weight);
+  WriteBigEndian(file, 4, record.learn);
+}
+
+bool LoadBook(OpeningBook& book, const char* path, bool replace) {
+  std::FILE* file = book.entries == nullptr ? nullptr : std::fopen(path, "rb");
+  if (file == nullptr) {
+    book.loaded = 0;
+    engineConfig.UseOpeningBook = 0;
+    return false;
+  }
+  const std::int64_t nRecords = CountRecords(file);
+  ByteReader reader(file);
+  if (replace) {
+    ResetBookIndex(book.index);
+    ReadIntoFreshBook(book, reader, nRecords);
+  } else {
+    MergeIntoBook(book, reader, nRecords);
+  }
+  std::fclose(file);
+  // Indexing now keeps it off the clock of the first move.
+  UpdateBookIndex(book.index, book.entries, book.count);
+  book.loaded = 1;
+  return true;
+}
+
+}  // namespace mirvo
