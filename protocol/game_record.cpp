@@ -1,0 +1,63 @@
+#include "protocol/game_record.h"
+
+#include <cerrno>
+#include <cstdlib>
+
+namespace mirvo {
+
+void StartRecord(GameRecord& record, const GameTags& tags) {
+  ReleaseRecord(record);
+  record.moveText = static_cast<char*>(std::calloc(moveTextBytes, 1));
+  record.tags = &tags;
+  record.headerOpen = 1;
+  record.movesOpen = 1;
+}
+
+void ReleaseRecord(GameRecord& record) {
+  std::free(record.moveText);
+  record.moveText = nullptr;
+}
+
+namespace {
+
+/// A file that exists but cannot be opened is not free.
+bool NameIsFree(const char* path) {
+  std::FILE* const file = std::fopen(path, "r");
+  if (file == nullptr) return errno == ENOENT;
+  std::fclose(file);
+  return false;
+}
+
+}  // namespace
+
+void ChooseGameFile(const char* base, const char* extension, char* path) {
+  for (int i = 0; i < maxGameFiles; ++i) {
+    std::snprintf(path, gamePathCapacity, "%s%06i.%s", base, i, extension);
+    if (NameIsFree(path)) return;
+  }
+}
+
+void BuildHeader(const GameTags& tags, char* text) {
+  std::snprintf(text, headerCapacity,
+                "[Event \"%s\"]\n[Site \"%s\"]\n[Date \"%s\"]\n[Round \"-\"]\n[White \"%s\"]\n"
+                "[Black \"%s\"]\n[Result \"%s\"]\n[WhiteElo \"%s\"]\n[BlackElo \"%s\"]\n"
+                "[WhiteType \"%s\"]\n[BlackType \"%s\"]\n",
+                tags.event, tags.site, tags.date, tags.white, tags.black, tags.result,
+                tags.whiteElo, tags.blackElo, tags.whiteType, tags.blackType);
+}
+
+void SaveGame(GameRecord& record, std::int32_t loggingMode) {
+  if (loggingMode == 0 || record.tags == nullptr) return;
+  char path[gamePathCapacity];
+  ChooseGameFile("game", "pgn", path);
+  record.file = std::fopen(path, "w");
+  if (record.file == nullptr) return;
+  char header[headerCapacity];
+  BuildHeader(*record.tags, header);
+  std::fprintf(record.file, "%s\n\n", header);
+  std::fprintf(record.file, "%s\n\n\n", record.moveText == nullptr ? "" : record.moveText);
+  std::fclose(record.file);
+  record.file = nullptr;
+}
+
+}  // namespace mirvo

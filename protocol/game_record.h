@@ -1,0 +1,65 @@
+// The record of one game under XBoard and its PGN file: eleven tag texts that
+// the front end fills in, saved when the result arrives.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+
+namespace mirvo {
+
+/// Bytes of one tag text, terminator included.
+inline constexpr std::size_t tagCapacity = 128;
+
+/// Tag texts in the order in which the file lists them. `spare` is not written:
+/// the Round tag is always "-". Cleared by "new".
+struct GameTags {
+  char event[tagCapacity] = "";
+  char site[tagCapacity] = "";
+  char date[tagCapacity] = "";
+  char spare[tagCapacity] = "";
+  char white[tagCapacity] = "";
+  char black[tagCapacity] = "";
+  char result[tagCapacity] = "";
+  char whiteElo[tagCapacity] = "";
+  char blackElo[tagCapacity] = "";
+  char whiteType[tagCapacity] = "";
+  char blackType[tagCapacity] = "";
+};
+
+inline constexpr std::size_t moveTextBytes = 1048576;
+
+struct GameRecord {
+  const GameTags* tags = nullptr;
+  char* moveText = nullptr;  // moveTextBytes, zero-filled; stays empty
+  std::uint8_t headerOpen = 0;
+  std::uint8_t movesOpen = 0;
+  std::FILE* file = nullptr;  // while it is being written
+};
+
+/// Room for the header with every tag at its longest.
+inline constexpr std::size_t headerCapacity = 2048;
+
+inline constexpr int maxGameFiles = 100000;
+inline constexpr std::size_t gamePathCapacity = 64;
+
+/// Begins a record on `tags`, which must outlive it. The move text of the
+/// game before is released.
+void StartRecord(GameRecord& record, const GameTags& tags);
+
+/// Writes the first free name of "base000000.extension", "base000001..." into
+/// `path` (gamePathCapacity bytes). A name is free when no such file exists;
+/// when all are taken it is the last one.
+void ChooseGameFile(const char* base, const char* extension, char* path);
+
+/// Writes the eleven tag lines into `text` (headerCapacity bytes).
+void BuildHeader(const GameTags& tags, char* text);
+
+/// Saves the game in the working directory: nothing unless `loggingMode` is
+/// non-zero, and nothing when the file cannot be written.
+void SaveGame(GameRecord& record, std::int32_t loggingMode);
+
+/// Releases the move text (tests; the engine keeps its last record to the end).
+void ReleaseRecord(GameRecord& record);
+
+}  // namespace mirvo

@@ -1,0 +1,65 @@
+#include "protocol/position_line.h"
+
+#include "shell/output.h"
+
+namespace mirvo {
+namespace {
+
+/// Letters of whatever stands on the square: one, or none when it is empty;
+/// more only on a board that text input has spoiled.
+char* WriteSquare(const Board& board, int square, char* out) {
+  for (int piece = 0; piece < nPieces; ++piece) {
+    if ((board.pieces[piece] & Bit(square)) != 0) *out++ = pieceLetters[piece];
+  }
+  return out;
+}
+
+char* WriteRank(const Board& board, int rank, char* out) {
+  int nEmpty = 0;
+  for (int file = 0; file < 8; ++file) {
+    const int square = SquareAt(rank, file);
+    const bool isEmpty = (board.occupied & Bit(square)) == 0;
+    if (!isEmpty && nEmpty > 0) *out++ = static_cast<char>('0' + nEmpty);
+    nEmpty = isEmpty ? nEmpty + 1 : 0;
+    out = WriteSquare(board, square, out);
+  }
+  if (nEmpty > 0) *out++ = static_cast<char>('0' + nEmpty);
+  return out;
+}
+
+/// Rights that are still available: king and rook have not moved and the side
+/// has not castled.
+char* WriteCastling(const CastlingFlags& castling, char* out) {
+  const char* const first = out;
+  for (int side = white; side <= black; ++side) {
+    if (castling.hasCastled[side] != 0 || castling.kingMoved[side] != 0) continue;
+    if (castling.kingRookMoved[side] == 0) *out++ = side == white ? 'K' : 'k';
+    if (castling.queenRookMoved[side] == 0) *out++ = side == white ? 'Q' : 'q';
+  }
+  if (out == first) *out++ = '-';
+  return out;
+}
+
+}  // namespace
+
+void FormatPositionLine(const Board& board, char* text) {
+  char* out = text;
+  for (int rank = 7; rank >= 0; --rank) {
+    out = WriteRank(board, rank, out);
+    if (rank > 0) *out++ = '/';
+  }
+  *out++ = ' ';
+  *out++ = board.sideToMove == white ? 'w' : 'b';
+  *out++ = ' ';
+  out = WriteCastling(board.castling, out);
+  for (const char* tail = " -\n"; *tail != 0; ++tail) *out++ = *tail;
+  *out = 0;
+}
+
+void PrintPositionLine(const Board& board) {
+  char text[positionLineCapacity];
+  FormatPositionLine(board, text);
+  Output(output, "%s", text);
+}
+
+}  // namespace mirvo

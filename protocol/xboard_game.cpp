@@ -1,0 +1,104 @@
+#include "protocol/xboard_game.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+#include "board/fen.h"
+#include "book/opening_book.h"
+#include "protocol/game_board.h"
+#include "protocol/xboard_ponder.h"
+#include "search/game_counters.h"
+#include "search/move_order.h"
+#include "search/pondering.h"
+#include "search/search_flags.h"
+#include "shell/config.h"
+#include "shell/output.h"
+#include "shell/text.h"
+
+namespace mirvo {
+
+constinit XBoardGame xboardGame;
+
+namespace {
+
+/// A book that holds anything is asked again in every new game.
+void OpenBookAgain() {
+  if (openingBook.count > 0) {
+    engineConfig.UseOpeningBook = 1;
+    searchFlags.BookInUse = 1;
+  }
+}
+
+void ClearGameState(XBoardGame& game) {
+  game.engineColour = black;
+  game.force = 0;
+  game.gameInProgress = 0;
+  game.clockReceived = 0;
+  game.computerOpponent = 0;
+  game.ownRating = 0;
+  game.opponentRating = 0;
+  game.tags = GameTags{};
+  game.gameStarted = 0;
+}
+
+void WriteRating(char (&tag)[tagCapacity], std::int32_t rating) {
+  std::snprintf(tag, tagCapacity, "%d", rating);
+}
+
+/// A draw is written as "1/2-1/2", an unfinished game as "*", a win as "1-0".
+std::size_t ResultLength(const char* text) {
+  if (text[0] == '*') return 1;
+  return text[0] != 0 && text[1] == '/' ? 7 : 3;
+}
+
+}  // namespace
+
+void BeginXBoardGame(XBoardGame& game) {
+  BeginFromStart(gameBoard);
+  ClearGameState(game);
+  gameCounters = GameCounters{};
+  xboardPonder = XBoardPonder{};
+  searchFlags.StopSearch = 0;
+  searchFlags.pondering = 0;
+  OpenBookAgain();
+  ClearHistory();
+  ponderStats = PonderStats{};
+}
+
+void FillGameHeader(XBoardGame& game) {
+  if (game.gameStarted != 0) return;
+  const bool engineIsWhite = game.engineColour == white;
+  GameTags& tags = game.tags;
+  auto& ownName = engineIsWhite ? tags.white : tags.black;
+  auto& opponentName = engineIsWhite ? tags.black : tags.white;
+  std::snprintf(ownName, tagCapacity, "%s %s", engineName, engineVersion);
+  CopyText(opponentName, tagCapacity, game.opponentName);
+  WriteRating(engineIsWhite ? tags.whiteElo : tags.blackElo, game.ownRating);
+  WriteRating(engineIsWhite ? tags.blackElo : tags.whiteElo, game.opponentRating);
+  CopyText(engineIsWhite ? tags.whiteType : tags.blackType, tagCapacity, "program");
+  CopyText(engineIsWhite ? tags.blackType : tags.whiteType, tagCapacity,
+           game.computerOpponent != 0 ? "program" : "human");
+  StartRecord(game.record, tags);
+  game.gameStarted = 1;
+}
+
+void EndXBoardGame(XBoardGame& game, const char* text) {
+  char result[tagCapacity];
+  CopyTagText(result, text);
+  const std::size_t length = std::min(ResultLength(result), std::strlen(result));
+  CopyText(game.tags.result, length + 1, result);
+  if (game.gameInProgress != 0) SaveGame(game.record, engineConfig.LoggingMode);
+  game.gameInProgress = 0;
+  game.gameStarted = 0;
+}
+
+void CopyTagText(char (&tag)[tagCapacity], const char* text) {
+  std::size_t length = 0;
+  for (; *text != 0 && length + 1 < tagCapacity; ++text) {
+    if (*text != '\n' && *text != '\r') tag[length++] = *text;
+  }
+  tag[length] = 0;
+}
+
+}  // namespace mirvo

@@ -1,0 +1,57 @@
+// State of the game that XBoard plays: who plays what, the clocks, and the
+// data for the game record.
+#pragma once
+
+#include <cstdint>
+
+#include "board/coding.h"
+#include "protocol/game_record.h"
+#include "search/iterate.h"
+
+namespace mirvo {
+
+struct XBoardGame {
+  // Cleared by "new".
+  std::int32_t engineColour = black;  // the side the engine plays
+  std::uint8_t force = 0;             // moves are recorded, not answered
+  std::uint8_t gameInProgress = 0;    // the engine is a player
+  std::uint8_t clockReceived = 0;     // a "time" or "otim" has arrived
+  std::uint8_t computerOpponent = 0;
+  std::int32_t ownRating = 0;
+  std::int32_t opponentRating = 0;
+  GameTags tags;
+  std::uint8_t gameStarted = 0;  // the header is filled
+
+  // Kept between games. Times in ms.
+  char opponentName[tagCapacity] = "";
+  std::int32_t ownTime = 0;
+  std::int32_t opponentTime = 0;
+  std::int32_t ownIncrement = 0;
+  std::int32_t opponentIncrement = 0;
+  std::int32_t movesToGo = 0;        // no command sets it
+  std::uint8_t LastMoveFlagged = 0;  // the last search ended on a mate score
+  GameRecord record;
+
+  /// The search; tests put their own here.
+  SearchResult (*think)(SearchRecord&) = Think;
+};
+
+/// Owner: xboard_game.cpp. Writers: the XBoard front end.
+extern XBoardGame xboardGame;
+
+/// "new": the engine waits with Black for White's first move. Keeps the clocks
+/// and the opponent's name.
+void BeginXBoardGame(XBoardGame& game);
+
+/// Fills the names, ratings and player types as the colours fall and starts
+/// the record; nothing when this game already has its header.
+void FillGameHeader(XBoardGame& game);
+
+/// "result": fills the Result tag from `text`, saves a game in progress and
+/// ends it.
+void EndXBoardGame(XBoardGame& game, const char* text);
+
+/// Copies `text` without line ends into a tag text, cut at its capacity.
+void CopyTagText(char (&tag)[tagCapacity], const char* text);
+
+}  // namespace mirvo

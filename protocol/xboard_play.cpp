@@ -1,0 +1,189 @@
+#include "protocol/xboard_play.h"
+
+#include "board/display.h"
+#include "board/make_move.h"
+#include "board/notation.h"
+#include "protocol/game_board.h"
+#include "protocol/position_line.h"
+#include "protocol/xboard_ponder.h"
+#include "search/game_counters.h"
+#include "search/pondering.h"
+#include "search/search_flags.h"
+#include "search/time_control.h"
+#include "shell/config.h"
+#include "shell/output.h"
+
+namespace mirvo {
+namespace {
+
+void PrintGameBoard() { PrintBoard(gameBoard, BoardLayout::wide, engineConfig.Quiet != 0); }
+
+/// The pawn beside the from-square is taken when its en-passant square is the
+/// target.
+bool TakesEnPassant(const Board& board, Move move) {
+  const int to = ToSquare(move);
+  return MovingKind(move) == pawn && EnPassantAvailable(board) && RankOf(to) == board.epRank &&
+         FileOf(to) == board.epFile && FileOf(FromSquare(move)) != FileOf(to);
+}
+
+bool IsReversible(Move move) { return !IsCapture(move) && MovingKind(move) != pawn; }
+
+/// Sets the limits of the coming search: none while it ponders, else the time
+/// that the own clock allows. Returns whether it ponders.
+bool SetSearchLimits(const XBoardGame& game) {
+  const bool ponders = xboardPonder.ReplayPonderMove != 0;
+  if (ponders) {
+    engineConfig.FixedTimePerMove = 0;
+    engineConfig.InfiniteThinkingTime = 1;
+    searchFlags.pondering = 1;
+    xboardPonder.ReplayPonderMove = 0;
+  } else {
+    engineConfig.InfiniteThinkingTime = 0;
+    AllocateTime(engineConfig, game.movesToGo, game.ownTime, game.ownIncrement);
+  }
+  return ponders;
+}
+
+/// Takes the pondered move back, silently. A held move, if there is one, is
+/// the dispatcher's next line and clears the miss itself.
+void UndoPondering() {
+  UnmakeMove(gameBoard);
+  searchFlags.StopSearch = 0;
+  engineConfig.InfiniteThinkingTime = 1;
+  if (xboardPonder.PendingMove == 0) xboardPonder.ponderMiss = 0;
+}
+
+void PlayEngineMove(Move move) {
+  MakeMove(gameBoard, move & ~mateMark);
+  PrintGameBoard();
+  PrintPositionLine(gameBoard);
+  char text[moveTextCapacity];
+  MoveToCoordinates(move, text);
+  Output(output, "move %s\n", text);
+}
+
+/// Searches the game board and plays the answer. Returns the expected reply
+/// to ponder on, noMove when the engine did not move or has none.
+Move ThinkAndMove(XBoardGame& game) {
+  xboardPonder.searchAbandoned = 0;
+  searchFlags.StopSearch = 0;
+  SearchRecord record = PrepareSearch(gameBoard);
+  const bool ponders = SetSearchLimits(game);
+  const SearchResult result = game.think(record);
+  game.LastMoveFlagged = (result.best & mateMark) != 0 ? 1 : 0;
+  // A ponder search that came back undecided is given up as well.
+  if (searchFlags.pondering != 0) AbandonPondering();
+  const bool abandoned = xboardPonder.searchAbandoned != 0;
+  xboardPonder.searchAbandoned = 0;
+  if (ponders && xboardPonder.ponderMiss != 0) {
+    UndoPondering();
+    return noMove;
+  }
+  if (abandoned || result.best == noMove) return noMove;
+  PlayEngineMove(result.best);
+  return result.ponder;
+}
+
+/// Hands the expected reply to the dispatcher, if the engine may use the
+/// opponent's time.
+void StartPondering(const XBoardGame& game, Move expected) {
+  const bool mayPonder = game.gameInProgress != 0 && game.force == 0 && game.LastMoveFlagged == 0 &&
+                         engineConfig.Ponder != 0 && searchFlags.pondering == 0 &&
+                         xboardPonder.ponderMiss == 0 && searchFlags.BookInUse == 0 &&
+                         expected != noMove;
+  if (!mayPonder) return;
+  xboardPonder.PendingMove = 0;
+  xboardPonder.ReplayPonderMove = 1;
+  xboardPonder.expectedMove = expected;
+  char text[moveTextCapacity];
+  MoveToCoordinates(expected, text);
+  Output(output, "PONDERING %s\n", text);
+}
+
+void ThinkAndPonder(XBoardGame& game) {
+  const Move expected = ThinkAndMove(game);
+  StartPondering(game, expected);
+}
+
+/// The opponent played something else: the search is undone and the real move
+/// is handled after it.
+void MissPonder(Move realMove) {
+  Output(output, "PONDER NOT HIT. STOPPING\n");
+  ++ponderStats.misses;
+  AbandonPondering();
+  xboardPonder.heldMove = realMove;
+  xboardPonder.PendingMove = 1;
+  PrintPonderStats();
+}
+
+/// From- and to-square alone decide, so another promotion piece is a hit.
+void DecidePonder(const XBoardGame& game, Move realMove) {
+  if (((realMove ^ xboardPonder.expectedMove) & fromToMask) != 0) {
+    MissPonder(realMove);
+  } else {
+    PonderHit(engineConfig, game.movesToGo, game.ownTime, game.ownIncrement);
+  }
+}
+
+/// Makes the opponent's move; a from-square without a piece passes the turn.
+void PlayTextMove(Move move) {
+  if (move == noMove) {
+    PassTurn(gameBoard);
+  } else {
+    MakeMove(gameBoard, move);
+  }
+  PrintGameBoard();
+  PrintPositionLine(gameBoard);
+  CountReversibleMove(gameCounters, IsReversible(move));
+}
+
+/// The first move of a game makes the engine a player with Black, in force
+/// mode only in the header.
+void JoinGame(XBoardGame& game) {
+  if (game.gameInProgress != 0) return;
+  game.engineColour = black;
+  FillGameHeader(game);
+  if (game.force == 0) game.gameInProgress = 1;
+}
+
+}  // namespace
+
+Move CompleteTextMove(const char* text, const Board& board) {
+  const int side = board.sideToMove;
+  const Move move = MoveFromCoordinates(text, board, side);
+  if (PieceOn(board, FromSquare(move), side) == noPiece) return noMove;
+  const int captured = PieceOn(board, ToSquare(move), side ^ 1);
+  if (captured != noPiece) return WithCaptured(move | captureFlag, captured);
+  if (TakesEnPassant(board, move)) return WithCaptured(move | captureFlag, pawn);
+  return move;
+}
+
+void HandleXBoardMove(XBoardGame& game, const char* line) {
+  const bool unanswered = xboardPonder.replyUnwanted != 0;
+  xboardPonder.replyUnwanted = 0;
+  if (!unanswered) JoinGame(game);
+  if (game.force == 0) PrintGameBoard();
+  if (searchFlags.pondering != 0) {
+    DecidePonder(game, MoveFromCoordinates(line, gameBoard, game.engineColour ^ 1));
+    return;
+  }
+  PlayTextMove(CompleteTextMove(line, gameBoard));
+  if (game.gameInProgress != 0 && game.force == 0) {
+    ThinkAndPonder(game);
+  } else {
+    xboardPonder.ReplayPonderMove = 0;
+  }
+}
+
+void StartPlaying(XBoardGame& game) {
+  game.engineColour = gameBoard.sideToMove;
+  FillGameHeader(game);
+  game.gameInProgress = 1;
+  game.force = 0;
+  searchFlags.StopSearch = 0;
+  searchFlags.pondering = 0;
+  xboardPonder.ReplayPonderMove = 0;
+  ThinkAndPonder(game);
+}
+
+}  // namespace mirvo

@@ -1,0 +1,22 @@
+// The reversible-move counter of the game, kept for the record: nothing claims
+// a draw from it.
+#pragma once
+
+#include <cstdint>
+
+#include "board/move.h"
+
+namespace mirvo {
+
+struct GameCounters {
+  std::int32_t reversibleMoves = 0;  // half-moves without capture or pawn move
+  std::uint8_t hundredReached = 0;   // set when the count becomes exactly 100
+};
+
+/// Owner: game_counters.cpp. Writers: the root search, the XBoard front end.
+extern GameCounters gameCounters;
+
+/// Counts one half-move: a reversible one adds 1, any other starts again at 0.
+void CountReversibleMove(GameCounters& counters, bool reversible);
+
+}  // namespace mirvo
