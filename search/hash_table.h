@@ -16,11 +16,11 @@ enum HashBound : std::int32_t { noBound = -1, upperBound = 0, lowerBound = 1, ex
 inline constexpr std::int32_t EmptyScore = -123456;
 
 struct alignas(64) HashEntry {
-  std::uint64_t key;        // full position key; 0 in an empty slot
-  std::int32_t evalScore;   // evaluation and pawn caches
+  std::uint64_t key;       // full position key; 0 in an empty slot
+  std::int32_t evalScore;  // evaluation and pawn caches
   std::uint64_t evalData[4];
-  std::int32_t bound;       // HashBound
-  std::int32_t depth;       // remaining depth of the stored result
+  std::int32_t bound;  // HashBound
+  std::int32_t depth;  // remaining depth of the stored result
   std::int32_t score;
   Move move;
 };
@@ -33,7 +33,7 @@ struct HashTable {
   std::uint32_t stores;
   std::uint32_t size;  // megabytes before allocation, slots afterwards
   HashEntry* entries;
-  void* block;         // what the allocator gave
+  void* block;  // what the allocator gave
   std::int32_t lastIndex;
   std::uint64_t lastKey;
 };
@@ -74,11 +74,11 @@ inline HashEntry& HashSlot(HashTable& table, std::uint64_t key) {
 /// with a score when the slot decides; the move output is written on every hit
 /// but an exact one and on every miss of the same key.
 bool HashProbe(HashTable& table, std::uint64_t key, Move& move, std::int32_t& score,
-               const std::int32_t& alpha, const std::int32_t& beta, std::int32_t depth);
+               std::int32_t alpha, std::int32_t beta, std::int32_t depth);
 
 /// Stores a search result, preferring deeper ones.
-void HashStore(HashTable& table, std::uint64_t key, Move move, std::int32_t score,
-               HashBound bound, std::int32_t depth);
+void HashStore(HashTable& table, std::uint64_t key, Move move, std::int32_t score, HashBound bound,
+               std::int32_t depth);
 
 /// The driver's look at the evaluation cache: copies the score field of a slot
 /// that holds `key` and always answers false, so nothing follows from it.

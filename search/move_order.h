@@ -33,6 +33,9 @@ extern PvLine previousPv;
 /// Most-valuable-victim / least-valuable-attacker score. [victim][attacker]
 extern const std::int32_t MvvLva[8][8];
 
+/// The entry of a ply of the game, clamped to the table.
+KillerEntry& KillersAt(int ply);
+
 void AddKiller(int ply, Move move, std::uint32_t weight);
 void AddHistoryBonus(Move move, int depth, int side);
 /// For each of the tried moves but `best`.

@@ -1,24 +1,24 @@
-// The line printed after each iteration, in the form that suits whoever
-// drives the engine.
+// What a running search prints: a line per iteration in the form that suits
+// whoever drives the engine, and now and then the root move it is at.
 #pragma once
 
 #include <cstdint>
 
+#include "board/board.h"
 #include "search/search_state.h"
 
 namespace mirvo {
 
-/// What an iteration is reported with.
-struct IterationReport {
-  int depth;
-  std::int32_t score;  // centipawns, side to move's view
-};
-
 /// UCI, XBoard or console line, by protocol mode and the no-polling flag.
-void ReportIteration(const SearchRecord& record, const PvLine& pv, const IterationReport& report);
+/// `score` is in centipawns, in the view of the side to move at the root.
+void ReportIteration(const SearchRecord& record, const PvLine& pv, std::int32_t score);
 
 /// Prints the line's moves, each followed by a blank; the expected reply in
 /// parentheses first while pondering.
 void PrintPV(const PvLine& pv, bool san);
+
+/// Prints the root move about to be searched, at most once a second. `number`
+/// counts from 0; the board is the root position.
+void ReportRootMove(Board& board, Move move, int number);
 
 }  // namespace mirvo

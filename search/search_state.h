@@ -21,7 +21,7 @@ inline constexpr int pvCapacity = 100;
 /// A line of moves, best move first.
 struct PvLine {
   std::int32_t length = 0;
-  Move moves[pvCapacity];
+  Move moves[pvCapacity] = {};
 };
 
 /// Input of one node: window, remaining depth (plies below the horizon in the
@@ -31,25 +31,28 @@ struct NodeInput {
   std::int32_t beta;
   std::int32_t depth;
   Move excluded = noMove;
+  bool afterCapture = false;  // the move that led here was a capture
 };
 
 /// State of one search slot. Zeroed at the start of each search; the selective
-/// depth at the start of each iteration.
+/// depth also at the start of each iteration.
 struct SearchState {
-  std::uint8_t stopFlag;         // the time is up
-  std::uint32_t nodeCount;       // moves searched, all kinds
-  std::int32_t selectiveDepth;   // largest quiescence ply entered
-  std::int32_t extensions;       // on the current path
-  std::int32_t extensionLimit;
-  std::uint32_t nextPoll;        // node count at which input is polled next
+  std::uint8_t stopFlag = 0;        // the time is up
+  std::uint32_t nodeCount = 0;      // moves searched, all kinds
+  std::int32_t selectiveDepth = 0;  // largest quiescence ply entered
+  std::int32_t extensions = 0;      // on the current path
+  std::int32_t extensionLimit = 0;
+  std::int32_t iterationDepth = 0;  // of the running iteration
+  std::uint32_t clockPolls = 0;     // node entries since the clock was read
+  std::uint32_t nextInputPoll = 0;  // node count at which input is polled next
 };
 
 /// One search, owned by the caller.
 struct SearchRecord {
-  Board* gameBoard;        // the position to search; left as it is
-  Board* board;            // the search's own copy (a board of BoardPool)
+  Board* gameBoard;  // the position to search; left as it is
+  Board* board;      // the search's own copy (a board of BoardPool)
   SearchState state;
-  std::int32_t maxDepth;   // plies
+  std::int32_t maxDepth;  // last iteration, in plies
 };
 
 /// What a search leaves behind. `best` is noMove when there is no legal move;

@@ -14,7 +14,7 @@ struct SearchStats {
   float branchingSum = 0.0F;
   float branchingCount = 0.0F;
   std::int32_t nExt = 0;
-  std::int32_t nCheckExt = 0;     // no such extension: always 0
+  std::int32_t nCheckExt = 0;  // no such extension: always 0
   std::int32_t nPromExt = 0;
   std::int32_t nPawnOnlyExt = 0;  // no such extension: always 0
   std::int32_t nOneMoveExt = 0;   // no such extension: always 0

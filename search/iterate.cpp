@@ -1,0 +1,204 @@
+#include "search/iterate.h"
+
+#include <algorithm>
+
+#include "board/make_move.h"
+#include "book/opening_book.h"
+#include "search/game_counters.h"
+#include "search/hash_table.h"
+#include "search/move_order.h"
+#include "search/report.h"
+#include "search/root.h"
+#include "search/search.h"
+#include "search/search_flags.h"
+#include "search/search_hooks.h"
+#include "search/search_stats.h"
+#include "search/time_control.h"
+#include "shell/clock.h"
+#include "shell/config.h"
+
+namespace mirvo {
+namespace {
+
+// Deeper iterations than this are never reached in play; the bound keeps the
+// recursion within the stack and squared depths within 32 bits.
+constexpr std::int32_t maxIterationDepth = 400;
+
+constexpr std::uint32_t holdSleep = 20;  // ms between rounds of a held search
+
+/// What the iterations of one search remember.
+struct Iteration {
+  PvLine pv;
+  std::uint32_t previousNodes = 0;  // of the iteration before
+  std::uint32_t nodesBefore = 0;    // node counter when the iteration began
+  std::int32_t completedDepth = 0;  // of the newest completed iteration
+  std::int32_t reportedScore = 0;
+  PvLine reportedPv;
+  bool holding = false;  // repeating a depth while pondering
+  bool endedOnMate = false;
+};
+
+bool SameLine(const PvLine& a, const PvLine& b) {
+  return a.length == b.length && std::equal(a.moves, a.moves + a.length, b.moves);
+}
+
+// A repeated iteration says nothing new unless its score or line changed.
+void Report(const SearchRecord& record, Iteration& iteration, std::int32_t score) {
+  const bool changed =
+      score != iteration.reportedScore || !SameLine(iteration.pv, iteration.reportedPv);
+  if (iteration.holding && !changed) return;
+  ReportIteration(record, iteration.pv, score);
+  iteration.reportedScore = score;
+  iteration.reportedPv = iteration.pv;
+}
+
+void CountBranching(const SearchRecord& record, Iteration& iteration) {
+  const std::uint32_t nodes = record.state.nodeCount - iteration.nodesBefore;
+  if (iteration.previousNodes != 0) {
+    searchStats.branchingSum +=
+        static_cast<float>(nodes) / static_cast<float>(iteration.previousNodes);
+    searchStats.branchingCount += 1.0F;
+  }
+  iteration.previousNodes = nodes;
+}
+
+void SavePreviousPv(const PvLine& pv) {
+  std::copy(pv.moves, pv.moves + pv.length, previousPv.moves);
+  previousPv.length = std::max(previousPv.length, pv.length);
+}
+
+// While pondering a finished search has nothing better to do than to wait for
+// the opponent's move: one poll and a short sleep a round.
+void Hold(Iteration& iteration) {
+  iteration.holding = true;
+  if (searchHooks.pollInput != nullptr && searchFlags.NoInputPolling == 0) {
+    searchHooks.pollInput();
+  }
+  if (searchFlags.pondering != 0 && searchFlags.StopSearch == 0) SleepMilliseconds(holdSleep);
+}
+
+bool IsPondering() { return searchFlags.pondering != 0 && searchFlags.StopSearch == 0; }
+
+void Deepen(SearchRecord& record, Iteration& iteration) {
+  SearchState& state = record.state;
+  const std::int32_t lastDepth = std::min(record.maxDepth, maxIterationDepth);
+  std::int32_t depth = std::max(engineConfig.StartIDDepth, 0);
+  std::int32_t alpha = -infiniteScore;
+  std::int32_t beta = infiniteScore;
+  while (depth <= lastDepth && !Stopped(state)) {
+    state.iterationDepth = depth;
+    state.selectiveDepth = 0;
+    iteration.nodesBefore = state.nodeCount;
+    CopyBoard(*record.board, *record.gameBoard);
+    const std::int32_t score =
+        SearchRoot(state, *record.board, NodeInput{alpha, beta, depth}, &iteration.pv);
+    if (Stopped(state)) return;
+    iteration.completedDepth = depth;
+    CountBranching(record, iteration);
+
+    // A mate ends the search, but not the opponent's time to think.
+    if (score >= mateThreshold || score <= -mateThreshold) {
+      Report(record, iteration, score);
+      if (IsPondering()) Hold(iteration);
+      if (!IsPondering()) {
+        iteration.endedOnMate = searchFlags.StopSearch == 0;
+        return;
+      }
+      continue;
+    }
+    SavePreviousPv(iteration.pv);
+    Report(record, iteration, score);
+
+    // A score outside the window says only on which side: the same depth again.
+    if (score >= beta || score <= alpha) {
+      alpha = -infiniteScore;
+      beta = infiniteScore;
+      continue;
+    }
+    alpha = score - engineConfig.AspirationWindow;
+    beta = score + engineConfig.AspirationWindow;
+    ++depth;
+    if (depth > lastDepth && IsPondering()) {
+      Hold(iteration);
+      if (IsPondering()) depth = lastDepth;
+    }
+  }
+}
+
+// The expected reply is only worth thinking about when it can be played.
+Move LegalReply(Board& board, Move best, Move reply) {
+  if (best == noMove || reply == noMove) return noMove;
+  MakeMove(board, best);
+  const bool legal = IsLegalMove(board, reply);
+  UnmakeMove(board);
+  return legal ? reply : noMove;
+}
+
+SearchResult ChooseResult(Board& board, const Iteration& iteration) {
+  SearchResult result{noMove, noMove};
+  Move reply = noMove;
+  if (iteration.pv.length > 0) {
+    result.best = iteration.pv.moves[0];
+    if (iteration.pv.length > 1) {
+      reply = iteration.pv.moves[1];
+    } else if (previousPv.length > 1) {
+      reply = previousPv.moves[1];
+    }
+  } else {
+    result.best = FirstLegalMove(board);
+  }
+  result.ponder = LegalReply(board, result.best, reply);
+  if (iteration.endedOnMate && result.best != noMove) result.best |= mateMark;
+  return result;
+}
+
+SearchResult Iterate(SearchRecord& record) {
+  timeControl.startTime = TickCount();
+  record.state = SearchState{};
+  Iteration iteration;
+  Deepen(record, iteration);
+  CopyBoard(*record.board, *record.gameBoard);
+  searchStats.depthSum += static_cast<float>(iteration.completedDepth);
+  searchStats.depthCount += 1.0F;
+  const SearchResult result = ChooseResult(*record.board, iteration);
+  if (result.best != noMove) {
+    CountReversibleMove(gameCounters, !IsCapture(result.best) && MovingKind(result.best) != pawn);
+  }
+  return result;
+}
+
+// Asks the book until its first miss; from then on the game is out of it, and
+// the first move of one's own takes twice the time.
+bool AskBook(Board& board, Move& move) {
+  if (searchFlags.BookInUse == 0) return false;
+  if (ProbeBook(openingBook, board, move)) return true;
+  DoubleAllottedTime(engineConfig);
+  searchFlags.BookInUse = 0;
+  return false;
+}
+
+}  // namespace
+
+SearchRecord PrepareSearch(Board& gameBoard) {
+  SearchRecord record{};
+  record.gameBoard = &gameBoard;
+  record.board = &BoardPool[0];
+  record.maxDepth = engineConfig.DepthSearch;
+  return record;
+}
+
+SearchResult Think(SearchRecord& record) {
+  searchFlags.searching = 1;
+  TrimGameHistory(*record.gameBoard);
+  SearchResult result{noMove, noMove};
+  if (!AskBook(*record.gameBoard, result.best)) {
+    result = Iterate(record);
+    PrintHashReport(engineConfig.Quiet != 0);
+    ResetHashCounters();
+  }
+  searchFlags.ponderMove = result.ponder;
+  searchFlags.searching = 0;
+  return result;
+}
+
+}  // namespace mirvo

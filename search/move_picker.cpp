@@ -1,0 +1,141 @@
+#include "search/move_picker.h"
+
+#include "search/hash_table.h"
+#include "search/move_order.h"
+#include "search/static_exchange.h"
+
+namespace mirvo {
+namespace {
+
+constexpr PickerStage stageList[] = {stageHashMove,    stageScoreCaptures, stageGoodCaptures,
+                                     stageScoreQuiets, stageQuiets,        stageBadCaptures,
+                                     stageEnd};
+
+// Score of an entry that was handed out; entries at or below it never win.
+constexpr std::int32_t consumedScore = EmptyScore;
+
+}  // namespace
+
+bool ScoredMoves::PickBest(Move& move, std::int32_t& score) {
+  std::int32_t best = consumedScore;
+  int bestIndex = -1;
+  for (int i = 0; i < count; ++i) {
+    if (scores[i] > best) {
+      best = scores[i];
+      bestIndex = i;
+    }
+  }
+  if (bestIndex < 0) return false;
+  scores[bestIndex] = consumedScore;
+  move = moves[bestIndex];
+  score = best;
+  return true;
+}
+
+MovePicker::MovePicker(Board& position, Move fromHash, int nodeDepth, int iterationDepth)
+    : stage_(stageList),
+      board_(position),
+      hashMove_(fromHash),
+      depth_(nodeDepth),
+      iterationDepth_(iterationDepth),
+      generator_(position, position.sideToMove) {
+  goodCaptures_.count = 0;
+  badCaptures_.count = 0;
+  quiets_.count = 0;
+}
+
+bool MovePicker::Next(Move& move, std::int32_t& score) {
+  for (;; ++stage_) {
+    switch (*stage_) {
+      case stageHashMove:
+        if (TakeHashMove(move, score)) return true;
+        break;
+      case stageScoreCaptures:
+        ScoreCaptures();
+        break;
+      case stageGoodCaptures:
+        if (goodCaptures_.PickBest(move, score)) return true;
+        break;
+      case stageScoreQuiets:
+        ScoreQuiets();
+        break;
+      case stageQuiets:
+        if (quiets_.PickBest(move, score)) return true;
+        break;
+      case stageBadCaptures:
+        if (badCaptures_.PickBest(move, score)) return true;
+        break;
+      case stageEnd:
+        return false;
+      default:
+        break;
+    }
+  }
+}
+
+// Only a move that the generator offers here is played; the word played is the
+// table's, with its promotion piece.
+bool MovePicker::TakeHashMove(Move& move, std::int32_t& score) {
+  if (hashMove_ == noMove) return false;
+  GenerateCapturesOnce();
+  bool found = Generated(hashMove_, 0);
+  if (!found) {
+    GenerateQuietsOnce();
+    found = Generated(hashMove_, captureCount_);
+  }
+  move = hashMove_;
+  score = hashMoveScore;
+  hashMove_ = noMove;
+  return found;
+}
+
+bool MovePicker::Generated(Move wanted, int first) const {
+  for (int i = first; i < generator_.count; ++i) {
+    if (SameMove(generator_.moves[i], wanted)) return true;
+  }
+  return false;
+}
+
+void MovePicker::GenerateCapturesOnce() {
+  if (capturesGenerated_) return;
+  capturesGenerated_ = true;
+  generator_.GenerateCaptures();
+  captureCount_ = generator_.count;
+}
+
+void MovePicker::GenerateQuietsOnce() {
+  if (quietsGenerated_) return;
+  quietsGenerated_ = true;
+  generator_.GenerateNonCaptures();
+}
+
+void MovePicker::ScoreCaptures() {
+  GenerateCapturesOnce();
+  for (int i = 0; i < captureCount_; ++i) {
+    const int victim = CaptureVictim(board_, generator_.moves[i]);
+    const Move move = WithCaptured(generator_.moves[i], victim) | captureFlag;
+    const std::int32_t score = ScoreCapture(board_, move, victim);
+    (score < 0 ? badCaptures_ : goodCaptures_).Add(move, score);
+  }
+}
+
+void MovePicker::ScoreQuiets() {
+  GenerateQuietsOnce();
+  const KillerEntry& killers = KillersAt(board_.plyCount);
+  const int pvIndex = iterationDepth_ - depth_;
+  const bool hasPvMove = pvIndex >= 0 && pvIndex < previousPv.length;
+  const Move pvMove = hasPvMove ? previousPv.moves[pvIndex] : noMove;
+  const auto& history = HistoryTable[board_.sideToMove];
+  for (int i = captureCount_; i < generator_.count; ++i) {
+    const Move move = generator_.moves[i];
+    std::int32_t score = history[FromSquare(move)][ToSquare(move)];
+    if (SameMove(move, killers.first) || SameMove(move, killers.second)) {
+      score = killerScore;
+    } else if (hasPvMove && SameMove(move, pvMove)) {
+      score = previousPvScore;
+    }
+    quiets_.Add(move, score);
+  }
+}
+
+}  // namespace mirvo

@@ -1,0 +1,109 @@
+#include "search/quiescence.h"
+
+#include <algorithm>
+
+#include "board/attacks.h"
+#include "board/bb_move_generator.h"
+#include "board/make_move.h"
+#include "eval/evaluate.h"
+#include "search/hash_table.h"
+#include "search/move_order.h"
+#include "search/search_stats.h"
+#include "search/static_exchange.h"
+
+namespace mirvo {
+namespace {
+
+constexpr std::int32_t deltaMargin = 100;
+constexpr std::int32_t consumedScore = EmptyScore;
+
+// Writes each capture's victim into its word and gives every move its score;
+// quiet moves, searched only in check, take their history.
+void ScoreMoves(const Board& board, BBMoveGenerator2& generator, std::int32_t* scores) {
+  for (int i = 0; i < generator.count; ++i) {
+    Move& move = generator.moves[i];
+    if (!IsCapture(move)) {
+      scores[i] = HistoryTable[board.sideToMove][FromSquare(move)][ToSquare(move)];
+      continue;
+    }
+    const int victim = CaptureVictim(board, move);
+    move = WithCaptured(move, victim);
+    scores[i] = ScoreCapture(board, move, victim);
+  }
+}
+
+int SelectBest(const std::int32_t* scores, int count) {
+  int best = 0;
+  for (int i = 1; i < count; ++i) {
+    if (scores[i] > scores[best]) best = i;
+  }
+  return best;
+}
+
+}  // namespace
+
+std::int32_t Quiesce(SearchState& state, Board& board, std::int32_t alpha, std::int32_t beta,
+                     std::int32_t qply) {
+  // 1. Static score and stand pat.
+  const int side = board.sideToMove;
+  const bool inCheck = InCheck(board, side);
+  const bool isPv = beta - alpha > 1;
+  EvalRecord record;
+  const std::int32_t eval = Evaluate(record, board, side);
+  ++state.clockPolls;
+  state.selectiveDepth = std::max(state.selectiveDepth, qply);
+  if (eval >= beta && !inCheck) return eval;
+  const std::int32_t margin = eval + deltaMargin;
+  std::int32_t best = std::max(eval, -infiniteScore);
+  if (eval > alpha && !inCheck) alpha = eval;
+  if (board.undoDepth >= undoCapacity - 1) return best;  // no room to make a move
+
+  // 2. Captures, or every move when in check. Nothing to try keeps the static
+  // score, even in check.
+  BBMoveGenerator2 generator(board, side);
+  generator.GenerateCaptures();
+  if (inCheck) generator.GenerateNonCaptures();
+  if (generator.count == 0) return best;
+  std::int32_t scores[moveListCapacity];
+  ScoreMoves(board, generator, scores);
+
+  // 3. Best first.
+  bool anyLegal = false;
+  for (int pass = 0; pass < generator.count; ++pass) {
+    const int index = SelectBest(scores, generator.count);
+    const std::int32_t orderScore = scores[index];
+    scores[index] = consumedScore;
+    const Move move = generator.moves[index];
+    MakeMove(board, move);
+    if (MoverLeftInCheck(board)) {
+      UnmakeMove(board);
+      continue;
+    }
+    anyLegal = true;
+    if (!inCheck && !isPv && !IsPromotion(move)) {
+      if (orderScore < 0) {  // only losing captures are left
+        UnmakeMove(board);
+        break;
+      }
+      if (margin + exchangeValue[CapturedKind(move)] < alpha) {
+        UnmakeMove(board);
+        continue;
+      }
+    }
+    ++state.nodeCount;
+    ++searchStats.nQSNodes;
+    const std::int32_t score = -Quiesce(state, board, -beta, -alpha, qply + 1);
+    UnmakeMove(board);
+    if (score > best) {
+      if (score >= beta) return score;
+      best = score;
+      alpha = std::max(alpha, score);
+    }
+  }
+
+  // 4. Moves were there but none was legal: mate, or 0 when not in check.
+  if (anyLegal) return best;
+  return inCheck ? qply - mateScore : 0;
+}
+
+}  // namespace mirvo

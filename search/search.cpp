@@ -1,0 +1,332 @@
+#include "search/search.h"
+
+#include <algorithm>
+
+#include "board/attacks.h"
+#include "board/bits.h"
+#include "board/keys.h"
+#include "board/make_move.h"
+#include "search/hash_table.h"
+#include "search/move_order.h"
+#include "search/move_picker.h"
+#include "search/quiescence.h"
+#include "search/reductions.h"
+#include "search/search_hooks.h"
+#include "search/search_stats.h"
+#include "search/time_control.h"
+#include "shell/config.h"
+
+namespace mirvo {
+namespace {
+
+constexpr std::uint32_t clockInterval = 1024;  // node entries between clock readings
+constexpr std::uint32_t inputInterval = 8192;  // counted moves between input polls
+constexpr std::int32_t pruningMargin = 400;    // centipawns, razoring and futility
+constexpr std::int32_t captureMargin = 100;    // centipawns, futility of captures
+
+// Undo records that stay free below the main search: the longest run of
+// captures and evasions that the quiescence search can make.
+constexpr std::int32_t quiescenceRoom = 126;
+
+/// What the transposition table knows about a node.
+struct TableHint {
+  Move move = noMove;
+  bool nullForbidden = false;
+  bool cutoff = false;
+  std::int32_t score = 0;
+};
+
+// Looks at the clock once per clockInterval node entries.
+bool OutOfTime(SearchState& state) {
+  if (engineConfig.InfiniteThinkingTime != 0) return false;
+  if (state.stopFlag != 0) return true;
+  if (state.clockPolls > clockInterval) {
+    state.clockPolls = 0;
+    if (TimeIsUp(engineConfig)) {
+      state.stopFlag = 1;
+      return true;
+    }
+  }
+  ++state.clockPolls;
+  return false;
+}
+
+// The quiescence search may step over an exact multiple, so the next one is
+// remembered and counts as due once it is reached or passed.
+void PollWhenDue(SearchState& state) {
+  if (state.nodeCount < state.nextInputPoll) return;
+  state.nextInputPoll = (state.nodeCount / inputInterval + 1) * inputInterval;
+  if (searchFlags.NoInputPolling == 0 && searchHooks.pollInput != nullptr) searchHooks.pollInput();
+}
+
+TableHint ProbeTable(std::uint64_t key, std::int32_t alpha, std::int32_t beta, std::int32_t depth) {
+  HashTable& table = TranspositionTable;
+  const std::uint32_t index = HashIndex(table, key);
+  table.lastIndex = static_cast<std::int32_t>(index);
+  table.lastKey = key;
+  const HashEntry& slot = table.entries[index];
+  TableHint hint;
+  if (slot.key != key || key == 0) {
+    ++table.conflicts;
+    return hint;
+  }
+  hint.move = slot.move;
+  if (slot.depth < depth) {
+    ++table.misses;
+    return hint;
+  }
+  hint.cutoff = slot.bound == exactBound || (slot.bound == upperBound && slot.score <= alpha) ||
+                (slot.bound == lowerBound && slot.score >= beta);
+  hint.score = slot.score;
+  hint.nullForbidden = slot.score < beta && (slot.bound == upperBound || slot.bound == exactBound);
+  ++(hint.cutoff ? table.hits : table.misses);
+  return hint;
+}
+
+// Value of a side's pieces without pawns, by count only: knights gain and
+// rooks lose with the side's own pawns.
+std::int32_t PieceMaterial(const std::uint64_t* own, std::int32_t nPawns) {
+  return PopCount(own[knight]) * (400 + (nPawns - 5) * 100 / 16) +
+         PopCount(own[rook]) * (600 + (5 - nPawns) * 100 / 8) + PopCount(own[queen]) * 1100 +
+         PopCount(own[bishop]) * 400;
+}
+
+// Own minus enemy material in centipawns.
+std::int32_t MaterialEstimate(const Board& board) {
+  const std::uint64_t* own = board.pieces + board.sideToMove * nKinds;
+  const std::uint64_t* enemy = board.pieces + (board.sideToMove ^ 1) * nKinds;
+  const std::int32_t ownPawns = PopCount(own[pawn]);
+  const std::int32_t enemyPawns = PopCount(enemy[pawn]);
+  return PieceMaterial(own, ownPawns) - PieceMaterial(enemy, enemyPawns) +
+         100 * (ownPawns - enemyPawns);
+}
+
+bool HasPieces(const Board& board, int side) {
+  const std::uint64_t* own = board.pieces + side * nKinds;
+  return (own[knight] | own[bishop] | own[rook] | own[queen]) != 0;
+}
+
+std::int32_t SearchChild(SearchState& state, Board& board, std::int32_t alpha, std::int32_t beta,
+                         std::int32_t depth, bool afterCapture, PvLine* childPv) {
+  if (childPv != nullptr) childPv->length = 0;
+  return -Search(state, board, NodeInput{-beta, -alpha, depth, noMove, afterCapture}, childPv);
+}
+
+// Without a hash move a shallower search of the same node finds one to begin
+// with.
+Move FindMoveByDeepening(SearchState& state, Board& board, const NodeInput& node) {
+  NodeInput inner = node;
+  inner.depth = node.depth / 2;
+  const std::int32_t score = Search(state, board, inner, nullptr);
+  if (score <= node.alpha && !Stopped(state)) {
+    inner.alpha = -infiniteScore;
+    Search(state, board, inner, nullptr);
+  }
+  Move move = noMove;
+  if (!Stopped(state)) {
+    std::int32_t ignored = 0;
+    HashProbe(TranspositionTable, board.positionKey, move, ignored, node.alpha, node.beta,
+              node.depth);
+  }
+  return move;
+}
+
+}  // namespace
+
+bool WantsExtension(Move move) {
+  const int rank = RankOf(ToSquare(move));
+  const bool wanted = IsPromotion(move) || (MovingKind(move) == pawn && (rank == 1 || rank == 6));
+  if (wanted) {
+    ++searchStats.nPromExt;
+    ++searchStats.nExt;
+  }
+  return wanted;
+}
+
+int AllowedExtension(const SearchState& state, bool wanted) {
+  return wanted && state.extensions + 1 < state.extensionLimit ? 1 : 0;
+}
+
+void WritePv(PvLine& pv, Move move, const PvLine& child) {
+  const int nCopied = std::min(child.length, pvCapacity - 1);
+  pv.moves[0] = move;
+  std::copy(child.moves, child.moves + nCopied, pv.moves + 1);
+  pv.length = nCopied + 1;
+}
+
+void RewardQuietCutoff(const SearchState& state, const Board& board, Move move, int depth,
+                       const Move* tried, int nTried) {
+  AddKiller(board.plyCount, move, state.nodeCount);
+  AddHistoryBonus(move, depth, board.sideToMove);
+  AddHistoryMalus(tried, nTried, move, depth, board.sideToMove);
+}
+
+std::int32_t Search(SearchState& state, Board& board, const NodeInput& input, PvLine* pv) {
+  std::int32_t alpha = input.alpha;
+  const std::int32_t beta = input.beta;
+  const std::int32_t depth = input.depth;
+
+  // 1. Clock and input.
+  if (OutOfTime(state)) return Quiesce(state, board, alpha, beta, 0);
+  PollWhenDue(state);
+  if (searchFlags.StopSearch != 0) return Quiesce(state, board, alpha, beta, 0);
+
+  // 2. A position seen once before is a draw; a capture cannot lead to one.
+  if (!input.afterCapture && IsRepetition(board)) return 0;
+
+  // 3. Horizon.
+  if (depth <= 0 || board.undoDepth >= undoCapacity - quiescenceRoom) {
+    return Quiesce(state, board, alpha, beta, 0);
+  }
+
+  // 4. Transposition table.
+  const int side = board.sideToMove;
+  const bool isPv = beta - alpha > 1;
+  const std::uint64_t key = board.positionKey;
+  const TableHint hint = ProbeTable(key, alpha, beta, depth);
+  if (hint.cutoff && !isPv) return hint.score;
+  Move hashMove = hint.move;
+
+  const bool inCheck = InCheck(board, side);
+
+  // 5. Razoring: far behind just above the horizon, captures decide. The
+  // window is the negated one although no move was made, on purpose.
+  std::int32_t material = 0;
+  if (depth <= 2) material = MaterialEstimate(board);
+  if (depth == 2 && hashMove == noMove && !inCheck && material + pruningMargin < alpha) {
+    const std::int32_t score = Quiesce(state, board, -alpha - 1, -alpha, 0);
+    if (score < alpha) return score;
+  }
+
+  // 6. Null move: still at or above beta after passing.
+  const std::int32_t nullReduction = depth > 5 ? 3 : 2;
+  if (!isPv && !hint.nullForbidden && depth > nullReduction + 1 && !inCheck &&
+      HasPieces(board, side)) {
+    MakeNullMove(board);
+    const std::int32_t score =
+        SearchChild(state, board, beta - 1, beta, depth - nullReduction - 1, false, nullptr);
+    UnmakeNullMove(board);
+    if (score >= beta && !Stopped(state)) {
+      HashStore(TranspositionTable, key, noMove, score, lowerBound, depth);
+      return score;
+    }
+    if (Stopped(state)) return score;
+  }
+
+  // 7. Futility: one ply from the horizon and far behind.
+  const bool futile = depth == 1 && !isPv && !inCheck && material + pruningMargin < alpha;
+
+  // 8. Internal iterative deepening.
+  if (hashMove == noMove && depth > 2 && isPv) {
+    hashMove = FindMoveByDeepening(state, board, input);
+    if (Stopped(state)) return alpha;
+  }
+
+  // 9. The moves.
+  MovePicker picker(board, hashMove, depth, state.iterationDepth);
+  const std::int32_t originalAlpha = alpha;
+  std::int32_t best = -infiniteScore;
+  Move bestMove = noMove;
+  std::int32_t bestDepth = depth;
+  bool anyLegal = false;
+  std::int32_t nMoves = 0;  // searched, the current one included
+  Move quiets[moveListCapacity];
+  std::int32_t nQuiets = 0;
+  PvLine childPv;
+  PvLine* const childPvOrNone = pv != nullptr ? &childPv : nullptr;
+  Move move = noMove;
+  std::int32_t orderScore = 0;
+  while (picker.Next(move, orderScore)) {
+    if (input.excluded != noMove && SameMove(move, input.excluded)) {
+      ++nMoves;
+      continue;
+    }
+    const bool wantsExtension = WantsExtension(move);
+    MakeMove(board, move);
+    if (MoverLeftInCheck(board)) {
+      UnmakeMove(board);
+      continue;
+    }
+    anyLegal = true;
+    ++state.nodeCount;
+    ++searchStats.nNodes;
+    const bool isCapture = IsCapture(move);
+    const int extension = AllowedExtension(state, wantsExtension);
+    const bool givesCheck = InCheck(board, board.sideToMove);
+
+    // 9a. Futility pruning.
+    if (futile) {
+      const int kind = MovingKind(move);
+      const bool kept = isCapture ? orderScore + material + captureMargin >= alpha
+                                  : extension != 0 || givesCheck || kind == pawn || kind == king ||
+                                        nMoves == 0 || ((move ^ hashMove) & fromToMask) == 0;
+      if (!kept) {
+        UnmakeMove(board);
+        continue;
+      }
+    }
+    ++nMoves;
+    state.extensions += extension;
+    const std::int32_t childDepth = depth + extension - 1;
+    std::int32_t score = 0;
+
+    // 9b. The first move takes the full window, later ones have to prove
+    // themselves in a null window, late ones at reduced depth before that.
+    if (nMoves == 1) {
+      score = SearchChild(state, board, alpha, beta, childDepth, isCapture, childPvOrNone);
+    } else {
+      const bool reduce = depth >= 3 && nMoves >= (isPv ? 6 : 4) && picker.Stage() >= stageUnused &&
+                          extension == 0 && !(isCapture && orderScore >= 0) && !givesCheck;
+      bool promising = true;
+      if (reduce) {
+        const std::int32_t reduced = depth - Reduction(isPv, depth, nMoves) - 1;
+        score = SearchChild(state, board, alpha, alpha + 1, reduced, isCapture, nullptr);
+        promising = score > alpha;
+      }
+      if (promising && !Stopped(state)) {
+        score = SearchChild(state, board, alpha, alpha + 1, childDepth, isCapture, nullptr);
+        if (isPv && score > alpha && !Stopped(state)) {
+          score = SearchChild(state, board, alpha, beta, childDepth, isCapture, childPvOrNone);
+        }
+      }
+    }
+    state.extensions -= extension;
+    UnmakeMove(board);
+    if (Stopped(state)) return best > originalAlpha ? best : alpha;
+
+    // 9c. Cut-off, new best, new line.
+    if (score > best) {
+      if (score >= beta) {
+        if (!isCapture) RewardQuietCutoff(state, board, move, depth, quiets, nQuiets);
+        HashStore(TranspositionTable, key, move, score, lowerBound, depth + extension);
+        return score;
+      }
+      best = score;
+      bestMove = move;
+      bestDepth = depth + extension;
+      if (score > alpha) {
+        alpha = score;
+        if (pv != nullptr) WritePv(*pv, move, childPv);
+      }
+    }
+    if (!isCapture && nQuiets < moveListCapacity) quiets[nQuiets++] = move;
+  }
+
+  // 10. Mate and stalemate.
+  if (!anyLegal) {
+    const std::int32_t score = inCheck ? depth - mateScore : 0;
+    HashStore(TranspositionTable, key, noMove, score, inCheck ? exactBound : upperBound, depth);
+    return score;
+  }
+
+  // 11. The node's result. With every legal move pruned it fails low.
+  if (alpha == originalAlpha) {
+    if (nMoves == 0) best = alpha;
+    HashStore(TranspositionTable, key, noMove, best, upperBound, depth);
+    return best;
+  }
+  HashStore(TranspositionTable, key, bestMove, best, exactBound, bestDepth);
+  return best;
+}
+
+}  // namespace mirvo

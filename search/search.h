@@ -1,0 +1,38 @@
+// The main search: principal-variation alpha-beta over one node and below.
+#pragma once
+
+#include <cstdint>
+
+#include "board/board.h"
+#include "board/move.h"
+#include "search/search_flags.h"
+#include "search/search_state.h"
+
+namespace mirvo {
+
+/// Score of the position in the side to move's view. A mate scores the node's
+/// remaining depth - mateScore. `pv`, when given, must be empty and takes the
+/// node's line; it stays empty when the node returns early.
+std::int32_t Search(SearchState& state, Board& board, const NodeInput& input, PvLine* pv);
+
+/// The search must unwind: its time is up or a front end asked it to stop.
+/// Nothing returned from then on may change a line, a table or a best move.
+inline bool Stopped(const SearchState& state) {
+  return state.stopFlag != 0 || searchFlags.StopSearch != 0;
+}
+
+/// Whether a move deserves one ply more by its kind: promotions and pawn moves
+/// to the second or seventh rank. Counts it in the statistics.
+bool WantsExtension(Move move);
+
+/// The extension (0 or 1) that the path's limit leaves for a wanting move.
+int AllowedExtension(const SearchState& state, bool wanted);
+
+/// Replaces `pv` by `move` followed by `child`.
+void WritePv(PvLine& pv, Move move, const PvLine& child);
+
+/// A quiet move made the cut: killer, history bonus, malus for those before.
+void RewardQuietCutoff(const SearchState& state, const Board& board, Move move, int depth,
+                       const Move* tried, int nTried);
+
+}  // namespace mirvo

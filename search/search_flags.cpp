@@ -1,0 +1,7 @@
+#include "search/search_flags.h"
+
+namespace mirvo {
+
+constinit SearchFlags searchFlags;
+
+}  // namespace mirvo

@@ -1,0 +1,7 @@
+#include "search/search_hooks.h"
+
+namespace mirvo {
+
+constinit SearchHooks searchHooks;
+
+}  // namespace mirvo

@@ -1,0 +1,50 @@
+#include "search/time_control.h"
+
+#include <algorithm>
+
+#include "shell/clock.h"
+#include "shell/output.h"
+#include "shell/text.h"
+
+namespace mirvo {
+
+constinit TimeControl timeControl;
+
+namespace {
+
+constexpr std::int32_t panicTimeLeft = 100;     // ms; below this with an increment
+constexpr std::int32_t panicTime = 30;          // ms for the move
+constexpr std::int32_t safetyMargin = 50;       // ms kept back per move with an increment
+constexpr std::int32_t shortTimeLeft = 5000;    // ms
+constexpr std::int32_t mediumTimeLeft = 30000;  // ms
+
+std::int64_t TimeForMove(std::int64_t movesToGo, std::int64_t timeLeft, std::int64_t increment) {
+  if (movesToGo != 0) return timeLeft / movesToGo;
+  if (increment != 0) {
+    if (timeLeft < panicTimeLeft) return panicTime;
+    return timeLeft / 25 + increment / 2 - safetyMargin;
+  }
+  if (timeLeft < shortTimeLeft) return timeLeft / 40;
+  if (timeLeft <= mediumTimeLeft) return timeLeft / 30;
+  return timeLeft / 25;
+}
+
+}  // namespace
+
+void AllocateTime(EngineConfig& config, std::int32_t movesToGo, std::int32_t timeLeft,
+                  std::int32_t increment) {
+  const std::int64_t time = TimeForMove(movesToGo, timeLeft, increment);
+  config.FixedTimePerMove = Saturate(std::max<std::int64_t>(time, 0));
+  Output(output, "Allowing %d ms for move (%d, %d, %d)\n", config.FixedTimePerMove, movesToGo,
+         timeLeft, increment);
+}
+
+void DoubleAllottedTime(EngineConfig& config) {
+  config.FixedTimePerMove = MultiplySaturated(config.FixedTimePerMove, 2);
+}
+
+bool TimeIsUp(const EngineConfig& config) {
+  return ElapsedSince(timeControl.startTime) > config.FixedTimePerMove;
+}
+
+}  // namespace mirvo
