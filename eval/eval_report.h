@@ -1,0 +1,16 @@
+// The printed table of evaluation terms.
+#pragma once
+
+#include <cstdint>
+
+#include "eval/eval_record.h"
+
+namespace mirvo {
+
+/// Prints the term rows in White's view and the total (`score`, in the view
+/// of the record's side) to the console only. `phase` is 0 in a bare end game
+/// and 1 with all pieces. The amounts that have no row, such as threats and
+/// passed pawns, are part of the total only. May exchange the record's rows.
+void PrintEvalReport(EvalRecord& record, std::int32_t score, float phase);
+
+}  // namespace mirvo

@@ -1,0 +1,172 @@
+// Every number of the evaluation, in centipawns: weights that are single
+// numbers here, tables in eval_tables.cpp. Data only.
+#pragma once
+
+#include <cstdint>
+
+#include "board/coding.h"
+#include "eval/score.h"
+
+namespace mirvo {
+
+/// One value per side and square, ready to read without mirroring.
+struct SquareValues {
+  std::int16_t of[nSides][nSquares];
+};
+
+// ---------------------------------------------------------------- material
+
+inline constexpr std::int32_t pawnMg = 100;
+inline constexpr std::int32_t pawnEg = 110;
+inline constexpr std::int32_t knightBase = 400;
+inline constexpr std::int32_t bishopValue = 400;
+inline constexpr std::int32_t rookBase = 600;
+inline constexpr std::int32_t queenValue = 1100;
+
+/// A knight gains 100/16 per own pawn above this count, a rook loses 100/8.
+inline constexpr std::int32_t usualPawnCount = 5;
+inline constexpr std::int32_t pawnCountScale = 100;
+inline constexpr std::int32_t knightPawnDivisor = 16;
+inline constexpr std::int32_t rookPawnDivisor = 8;
+
+/// 1 / 7800: non-pawn material of both sides that makes the phase 1.
+inline constexpr float phasePerCentipawn = 0.00012820512f;
+
+/// Below this non-pawn material of either side the end-game stage begins.
+inline constexpr std::int32_t endgameMaterial = 1101;
+/// Last ply at which the opening stage is possible.
+inline constexpr std::int32_t openingPlies = 20;
+
+// ------------------------------------------------- piece-square and outposts
+
+extern const SquareValues PawnSquareMg;
+extern const SquareValues PawnSquareEg;
+extern const SquareValues KnightSquare;
+extern const SquareValues BishopSquare;
+extern const SquareValues RookSquare;
+extern const SquareValues QueenSquare;           // not mirrored for Black
+extern const SquareValues KingOpeningSquare;     // both halves
+extern const SquareValues KingMiddlegameSquare;  // negative entries doubled already
+extern const SquareValues KingEndgameSquare;     // not mirrored for Black
+extern const SquareValues KnightOutpost;
+
+// ------------------------------------------------------------------- pawns
+
+/// Entries of tables indexed by a number of pawns; larger counts use the last.
+inline constexpr int nPawnCounts = 9;
+
+extern const std::int16_t DoubledByCount[nPawnCounts];
+extern const std::int16_t IsolatedByFile[8];
+inline constexpr std::int32_t doubledWithoutRook = -5;
+inline constexpr std::int32_t doubledBehindEnemy = -10;
+inline constexpr std::int32_t doubledAdvanced = -5;
+inline constexpr std::int32_t protectedPawn = 10;
+inline constexpr std::int32_t doubledIsolated = -10;
+inline constexpr std::int32_t freeSpanDoubled = 3;
+inline constexpr std::int32_t freeSpan = 10;
+inline constexpr std::int32_t freeSpanNotIsolated = 10;
+inline constexpr ScorePair backwardPawn = {-10, -20};
+
+// ------------------------------------------------------------ passed pawns
+
+/// By relative rank less one: 0 on the second rank, 5 on the seventh.
+inline constexpr int nPassedRanks = 6;
+extern const ScorePair PassedByRank[nPassedRanks];
+inline constexpr std::int32_t ownMajorInFront = -20;
+inline constexpr std::int32_t ownMajorBehind = 15;
+inline constexpr std::int32_t enemyMajorBehind = -15;
+inline constexpr std::int32_t ownBlocker = -4;
+inline constexpr std::int32_t enemyBlocker = -2;
+inline constexpr ScorePair wonRace = {10, 20};
+inline constexpr std::int32_t pathControl = 5;
+/// Most enemy non-pawn material for the rook-pawn bonus (one minor piece).
+inline constexpr std::int32_t rookPawnMaterial = 400;
+inline constexpr std::int32_t rookPawnFree = 10;
+inline constexpr std::int32_t rookPawnOpposed = -10;
+
+// ------------------------------------------------------------------ pieces
+
+/// Indexed by kind, knight to queen.
+extern const std::int16_t AttackedByPawn[nKinds];
+extern const std::int16_t KingAttackWeight[nKinds];
+inline constexpr std::int32_t unsafeSquare = -4;
+inline constexpr std::int32_t isolatedPawnHit = 10;
+inline constexpr std::int32_t ringSquare = 5;
+inline constexpr std::int32_t centreSquare = 10;
+inline constexpr std::int32_t enemyZoneSquare = 4;
+inline constexpr std::int32_t ownZoneSquare = 2;
+
+// Mobility by number of squares; the range is what the geometry allows.
+extern const std::int16_t KnightMobility[9];
+extern const std::int16_t RookMobilityMg[16];
+extern const std::int16_t RookMobilityEg[16];
+extern const std::int16_t QueenMobilityMg[28];
+extern const std::int16_t QueenMobilityEg[28];
+
+extern const std::int16_t SingleBishop[nPawnCounts];
+inline constexpr ScorePair bishopPair = {30, 50};
+inline constexpr ScorePair bishopMobilityBase = {-12, -20};
+inline constexpr std::int32_t bishopSquareAhead = 5;
+inline constexpr std::int32_t bishopSquareBehind = 3;
+inline constexpr std::int32_t trappedBishop = -80;
+
+inline constexpr std::int32_t rookBehindOwnPawn = -5;
+inline constexpr std::int32_t rookHalfOpenFile = 6;  // plus half the enemy pawns
+inline constexpr std::int32_t rookOpenFile = 16;     // plus the enemy pawns
+inline constexpr std::int32_t trappedRook = -20;
+inline constexpr std::int32_t rookSeventhKing = 15;
+inline constexpr std::int32_t rookSeventhPawns = 10;
+
+// -------------------------------------------------------------------- king
+
+inline constexpr int nKingDanger = 100;
+/// Centipawns by danger points. Built at start-up, read-only afterwards.
+extern std::int32_t KingDangerTable[nKingDanger];
+inline constexpr float kingDangerScale = 0.05f;
+inline constexpr std::int32_t dangerPerZoneSquare = 3;
+
+inline constexpr std::int32_t shelterPawn = 5;
+inline constexpr std::int32_t shelterBase = -15;
+inline constexpr std::int32_t shelterScale = 4;
+inline constexpr std::int32_t fullShelter = 3;
+inline constexpr std::int32_t shelterAdvanced = 10;
+inline constexpr std::int32_t shelterMissing = -20;
+
+inline constexpr std::int32_t lostCastling = -50;
+inline constexpr std::int32_t uncastledEg = -35;
+inline constexpr std::int32_t uncastledPawn = 10;
+inline constexpr std::int32_t uncastledBase = -95;
+inline constexpr std::int32_t uncastledWingPawns = 6;
+inline constexpr std::int32_t uncastledHole = -5;
+
+inline constexpr std::int32_t kingFileBare = -30;
+inline constexpr std::int32_t kingNeighbourFileBare = -15;
+
+// Tropism: so much per step of Manhattan distance, from such a base.
+inline constexpr std::int32_t knightTropismStep = 2;
+inline constexpr std::int32_t knightTropismBase = -28;
+inline constexpr std::int32_t longTropismStep = 1;  // bishops and rooks
+inline constexpr std::int32_t longTropismBase = -14;
+inline constexpr std::int32_t queenTropismStep = 5;
+inline constexpr std::int32_t queenTropismBase = -70;
+
+inline constexpr std::int32_t backRankShut = -10;
+inline constexpr int presenceRadius = 3;
+inline constexpr std::int32_t zonePresence = 5;
+inline constexpr std::int32_t pawnStorm = -10;
+
+/// A king off its back rank has a zone of this Manhattan radius.
+inline constexpr int kingZoneRadius = 2;
+
+// ------------------------------------------------- the driver's own amounts
+
+inline constexpr std::int32_t centreBlockade = -10;
+inline constexpr std::int32_t wingPawnsEg = 20;
+inline constexpr std::int32_t minorAtHome = -15;
+inline constexpr std::int32_t minorAtHomeQueenOut = -5;
+inline constexpr std::int32_t noCornerRook = -50;
+
+/// Rows: attacker pawn to queen; columns: victim pawn to queen.
+extern const std::int16_t Threat[king][king];
+
+}  // namespace mirvo

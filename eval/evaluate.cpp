@@ -1,0 +1,188 @@
+#include "eval/evaluate.h"
+
+#include "board/bits.h"
+#include "board/keys.h"
+#include "eval/eval_report.h"
+#include "eval/eval_tables.h"
+#include "eval/side_geometry.h"
+#include "eval/terms.h"
+#include "search/hash_table.h"
+#include "shell/config.h"
+
+namespace mirvo {
+
+namespace {
+
+/// The slot of `key`, noted as the table's last one.
+HashEntry& FindSlot(HashTable& table, std::uint64_t key) {
+  const std::uint32_t index = HashIndex(table, key);
+  table.lastIndex = static_cast<std::int32_t>(index);
+  table.lastKey = key;
+  return table.entries[index];
+}
+
+/// Whether the slot answers for `key`; counts the probe. Key 0 marks an empty
+/// slot and never matches.
+bool CountProbe(HashTable& table, const HashEntry& slot, std::uint64_t key) {
+  const bool hit = slot.key == key && key != 0;
+  ++(hit ? table.hits : table.conflicts);
+  return hit;
+}
+
+/// Claims the slot for `key` with a score. False, and nothing stored, for the
+/// key that empty slots have.
+bool StoreScore(HashTable& table, HashEntry& slot, std::uint64_t key, std::int32_t score) {
+  if (key == 0) return false;
+  slot.key = key;
+  slot.evalScore = score;
+  ++table.stores;
+  return true;
+}
+
+std::int32_t Blend(ScorePair score, float phase) {
+  const float blended =
+      (1.0f - phase) * static_cast<float>(score.eg) + phase * static_cast<float>(score.mg);
+  return static_cast<std::int32_t>(blended);
+}
+
+void ResetRecord(EvalRecord& record, Board& board, int side) {
+  record.board = &board;
+  record.side = side;
+  for (int c = 0; c < nSides; ++c) {
+    record.passed[c] = 0;
+    record.isolated[c] = 0;
+    record.kingAttackers[c] = 0;
+    record.kingAttackWeight[c] = 0;
+    for (Bitboard& set : record.attacks[c]) set = 0;
+    record.kingZone[c] = KingZone(board, c);
+  }
+}
+
+EvalStage StageOf(const EvalRecord& record) {
+  const Board& board = *record.board;
+  const bool nobodyCastled =
+      board.castling.hasCastled[white] == 0 && board.castling.hasCastled[black] == 0;
+  if (nobodyCastled && board.plyCount <= openingPlies) return Opening;
+  const bool littleLeft = record.nonPawnMaterial[white] < endgameMaterial ||
+                          record.nonPawnMaterial[black] < endgameMaterial;
+  return littleLeft ? Endgame : Middlegame;
+}
+
+/// Runs one term for both sides, keeps the results for the report and returns
+/// own minus enemy.
+template <typename Term>
+ScorePair TermDifference(EvalRecord& record, EvalTerm row, Term term) {
+  const ScorePair own = term(record, record.side);
+  const ScorePair enemy = term(record, record.side ^ 1);
+  record.terms[0][row] = own;
+  record.terms[1][row] = enemy;
+  return own - enemy;
+}
+
+/// Key of the pawn structure, with the side to move: scores are kept in the
+/// view of one side.
+std::uint64_t PawnKey(const Board& board) {
+  std::uint64_t key = board.sideToMove == white ? SideKey() : 0;
+  for (int side = white; side <= black; ++side) {
+    for (Bitboard pawns = board.pieces[PieceIndex(side, pawn)]; pawns != 0;) {
+      key ^= PieceKey(side, pawn, PopHighest(pawns));
+    }
+  }
+  return key;
+}
+
+/// Pawn structure through its cache. A hit adds the blended score of the
+/// position that stored it to both halves, so it differs slightly from a miss
+/// at another phase; this engine accepts that for the speed.
+ScorePair PawnStructure(EvalRecord& record, float phase) {
+  const std::uint64_t key = PawnKey(*record.board);
+  HashEntry& slot = FindSlot(PawnHashTable, key);
+  if (CountProbe(PawnHashTable, slot, key)) {
+    record.passed[white] = slot.evalData[0];
+    record.passed[black] = slot.evalData[1];
+    record.isolated[white] = slot.evalData[2];
+    record.isolated[black] = slot.evalData[3];
+    return {slot.evalScore, slot.evalScore};
+  }
+  const ScorePair difference = TermDifference(record, pawnsTerm, EvaluatePawns);
+  if (StoreScore(PawnHashTable, slot, key, Blend(difference, phase))) {
+    slot.evalData[0] = record.passed[white];
+    slot.evalData[1] = record.passed[black];
+    slot.evalData[2] = record.isolated[white];
+    slot.evalData[3] = record.isolated[black];
+  }
+  return difference;
+}
+
+void FormUnion(EvalRecord& record, int side) {
+  const Bitboard* sets = record.attacks[side];
+  record.attacks[side][unionAttacks] =
+      sets[pawn] | sets[knight] | sets[bishop] | sets[rook] | sets[queen];
+}
+
+ScorePair DevelopmentOf(const EvalRecord& record, int side, std::int32_t mgSoFar) {
+  if (record.stage == Endgame) return {};
+  const int minors = MinorsAtHome(*record.board, side);
+  const std::int32_t given = minorAtHome * minors;
+  if (record.stage != Opening) return {given, 0};
+  return {EvaluateDevelopment(record, side, given, mgSoFar, minors), 0};
+}
+
+/// Everything but caches and report: own minus enemy of all terms. Writes the
+/// phase, which both the pawn cache and the caller blend with.
+ScorePair SumTerms(EvalRecord& record, float& phase) {
+  Board& board = *record.board;
+  const int own = record.side;
+  const int enemy = own ^ 1;
+
+  ScorePair sum = TermDifference(record, materialTerm, EvaluateMaterial);
+  phase = static_cast<float>(record.nonPawnMaterial[white] + record.nonPawnMaterial[black]) *
+          phasePerCentipawn;
+  record.stage = StageOf(record);
+
+  sum += PawnStructure(record, phase);
+  record.attacks[white][pawn] = PawnAttackSet<white>(PiecesOf<white>(board)[pawn]);
+  record.attacks[black][pawn] = PawnAttackSet<black>(PiecesOf<black>(board)[pawn]);
+
+  sum.mg += EvaluateCentreBlockade(record, own) - EvaluateCentreBlockade(record, enemy);
+  sum += TermDifference(record, knightsTerm, EvaluateKnights);
+  sum += TermDifference(record, bishopsTerm, EvaluateBishops);
+  sum += TermDifference(record, rooksTerm, EvaluateRooks);
+  sum += TermDifference(record, queensTerm, EvaluateQueens);
+  FormUnion(record, white);
+  FormUnion(record, black);
+  sum += TermDifference(record, kingsTerm, EvaluateKing);
+
+  sum.eg += EvaluateWingPawns(record, own) - EvaluateWingPawns(record, enemy);
+  const std::int32_t mgSoFar = sum.mg;
+  sum += TermDifference(record, develTerm, [mgSoFar](const EvalRecord& r, int side) {
+    return DevelopmentOf(r, side, mgSoFar);
+  });
+  sum.AddBoth(EvaluateThreats(record, own) - EvaluateThreats(record, enemy));
+  if (record.passed[own] != 0) sum += EvaluatePassedPawns(record, own);
+  if (record.passed[enemy] != 0) sum -= EvaluatePassedPawns(record, enemy);
+  return sum;
+}
+
+}  // namespace
+
+std::int32_t Evaluate(EvalRecord& record, Board& board, int side) {
+  const std::uint64_t key = board.positionKey;
+  HashEntry& slot = FindSlot(EvalHashTable, key);
+  if (CountProbe(EvalHashTable, slot, key)) return slot.evalScore;
+
+  ResetRecord(record, board, side);
+  if (InsufficientMaterial(board)) {
+    StoreScore(EvalHashTable, slot, key, 0);
+    return 0;
+  }
+
+  float phase = 0.0f;
+  const ScorePair sum = SumTerms(record, phase);
+  const std::int32_t score = Blend(sum, phase);
+  StoreScore(EvalHashTable, slot, key, score);
+  if (engineConfig.RunMode == RunModeCode::eval) PrintEvalReport(record, score, phase);
+  return score;
+}
+
+}  // namespace mirvo

@@ -1,0 +1,203 @@
+#include <algorithm>
+
+#include "board/attack_tables.h"
+#include "board/bits.h"
+#include "board/geometry_tables.h"
+#include "eval/eval_tables.h"
+#include "eval/evaluate.h"
+#include "eval/side_geometry.h"
+#include "eval/terms.h"
+
+namespace mirvo {
+
+std::int32_t KingDangerTable[nKingDanger];
+
+void BuildKingDangerTable() {
+  for (int points = 0; points < nKingDanger; ++points) {
+    const float square = static_cast<float>(points * points);
+    KingDangerTable[points] = static_cast<std::int32_t>(square * kingDangerScale);
+  }
+}
+
+namespace {
+
+constexpr Bitboard queenSideFiles = 0x0F0F0F0F0F0F0F0FULL;  // a-d
+constexpr Bitboard kingSideFiles = ~queenSideFiles;
+constexpr Bitboard filesAToC = 0x0707070707070707ULL;
+constexpr Bitboard filesFToH = 0xE0E0E0E0E0E0E0E0ULL;
+constexpr Bitboard centreFiles = 0x1818181818181818ULL;  // d and e
+constexpr Bitboard lowerHalf = 0x00000000FFFFFFFFULL;    // ranks 1-4
+
+/// A king on its back rank is guarded by the three files of its wing up to
+/// the third rank; e1 and e8 count as king side already. Elsewhere the zone
+/// is the neighbourhood of Manhattan radius 2.
+template <int side>
+Bitboard ZoneOf(const Board& board) {
+  constexpr Bitboard threeRanks =
+      RelativeRankSet<side>(0) | RelativeRankSet<side>(1) | RelativeRankSet<side>(2);
+  if (RelativeRank<side>(board.kingRank[side]) == 0) {
+    return threeRanks & (board.kingFile[side] < 4 ? filesAToC : filesFToH);
+  }
+  return ManhattanWithin[KingSquare(board, side)][kingZoneRadius];
+}
+
+/// One king with the sets that most of its amounts look at.
+template <int side>
+struct KingView {
+  explicit KingView(const EvalRecord& evalRecord)
+      : record(evalRecord),
+        board(*evalRecord.board),
+        own(PiecesOf<side>(board)),
+        enemy(PiecesOf<side ^ 1>(board)),
+        square(KingSquare(board, side)),
+        file(FileOf(square)),
+        relativeRank(RelativeRank<side>(RankOf(square))) {}
+
+  const EvalRecord& record;
+  const Board& board;
+  const Bitboard* own;
+  const Bitboard* enemy;
+  int square;
+  int file;
+  int relativeRank;
+};
+
+template <int side>
+ScorePair PlaceAmount(const KingView<side>& view) {
+  if (view.record.stage == Opening) {
+    const std::int32_t amount = KingOpeningSquare.of[side][view.square];
+    return {amount, amount};
+  }
+  return {KingMiddlegameSquare.of[side][view.square], KingEndgameSquare.of[side][view.square]};
+}
+
+/// Files (as bits of one rank) that hold one of `pawns` on a relative rank.
+template <int side>
+Bitboard FilesOnRank(Bitboard pawns, int relativeRank) {
+  return (pawns >> (8 * RelativeRank<side>(relativeRank))) & 0xFF;
+}
+
+/// Pawn shelter on the wing a side has castled to; middle game only.
+template <int side>
+std::int32_t CastledShelter(const KingView<side>& view) {
+  const Bitboard wing = (view.file < 4 ? filesAToC : filesFToH) & 0xFF;
+  const Bitboard second = FilesOnRank<side>(view.own[pawn], 1) & wing;
+  const Bitboard missing = wing & ~second;
+  std::int32_t amount = (shelterPawn * PopCount(second) + shelterBase) * shelterScale;
+  if (missing != 0) {
+    const Bitboard third = FilesOnRank<side>(view.own[pawn], 2) & missing;
+    amount += shelterAdvanced * PopCount(third) + shelterMissing * PopCount(missing & ~third);
+  }
+  // A king that has stepped out has little to do with those pawns.
+  return view.relativeRank > 1 ? amount / 2 : amount;
+}
+
+/// A side that has not castled: what it has lost and what shelter it keeps.
+template <int side>
+ScorePair UncastledAmount(const KingView<side>& view) {
+  constexpr Bitboard wings = ~centreFiles & 0xFF;
+  const CastlingFlags& flags = view.board.castling;
+  const Bitboard second = FilesOnRank<side>(view.own[pawn], 1) & wings;
+  const std::int32_t count = PopCount(second);
+  ScorePair score = {uncastledPawn * count + uncastledBase, uncastledEg};
+  if (count < uncastledWingPawns) {
+    const Bitboard third = FilesOnRank<side>(view.own[pawn], 2);
+    score.mg += uncastledHole * PopCount(wings & ~(second | third));
+  }
+  const bool bothRooksMoved = flags.queenRookMoved[side] != 0 && flags.kingRookMoved[side] != 0;
+  if (flags.kingMoved[side] != 0 || bothRooksMoved) score.AddBoth(lostCastling);
+  return score;
+}
+
+/// Files at the king without an own pawn; middle game only.
+template <int side>
+std::int32_t BareFiles(const KingView<side>& view) {
+  const Bitboard pawns = view.own[pawn];
+  std::int32_t amount = 0;
+  if ((pawns & FileSet(view.file)) == 0) amount += kingFileBare;
+  if (view.file > 0 && (pawns & FileSet(view.file - 1)) == 0) amount += kingNeighbourFileBare;
+  if (view.file < 7 && (pawns & FileSet(view.file + 1)) == 0) amount += kingNeighbourFileBare;
+  return amount;
+}
+
+/// The nearer an enemy piece, the worse.
+template <int side>
+std::int32_t Tropism(const KingView<side>& view) {
+  const std::int32_t* distance = ManhattanDistance[view.square];
+  std::int32_t amount = 0;
+  for (Bitboard set = view.enemy[knight]; set != 0;) {
+    amount += knightTropismStep * distance[PopHighest(set)] + knightTropismBase;
+  }
+  for (Bitboard set = view.enemy[bishop] | view.enemy[rook]; set != 0;) {
+    amount += longTropismStep * distance[PopHighest(set)] + longTropismBase;
+  }
+  for (Bitboard set = view.enemy[queen]; set != 0;) {
+    amount += queenTropismStep * distance[PopHighest(set)] + queenTropismBase;
+  }
+  return amount;
+}
+
+/// King on the back rank, shut in by its own pawns, heavy enemy pieces about.
+template <int side>
+bool BackRankIsShut(const KingView<side>& view) {
+  if (view.relativeRank != 0 || (view.enemy[rook] | view.enemy[queen]) == 0) return false;
+  const Bitboard exits = KingAttacks[view.square] & RelativeRankSet<side>(1);
+  return (exits & ~view.own[pawn]) == 0;
+}
+
+/// Own against enemy pieces close to the king; pawns and kings do not count.
+template <int side>
+std::int32_t Presence(const KingView<side>& view) {
+  const Bitboard near = ManhattanWithin[view.square][presenceRadius];
+  const Bitboard own = view.board.sideOccupancyNoKing[side] & ~view.own[pawn];
+  const Bitboard enemy = view.board.sideOccupancyNoKing[side ^ 1] & ~view.enemy[pawn];
+  return zonePresence * (PopCount(near & own) - PopCount(near & enemy));
+}
+
+/// Enemy pawns in the king's quarter of the board; middle game only.
+template <int side>
+std::int32_t PawnStorm(const KingView<side>& view) {
+  if (view.relativeRank > 1) return 0;
+  const Bitboard files = view.file < 4 ? queenSideFiles : kingSideFiles;
+  const Bitboard ranks = side == white ? lowerHalf : ~lowerHalf;
+  return pawnStorm * PopCount(view.enemy[pawn] & files & ranks);
+}
+
+/// Danger points by zone squares the enemy has to itself and by the number
+/// and weight of the pieces that bear on the zone.
+template <int side>
+std::int32_t Danger(const KingView<side>& view) {
+  const EvalRecord& record = view.record;
+  const Bitboard lost = record.kingZone[side] & record.attacks[side ^ 1][unionAttacks] &
+                        ~record.attacks[side][unionAttacks];
+  const std::int32_t points = dangerPerZoneSquare * PopCount(lost) +
+                              record.kingAttackWeight[side] * record.kingAttackers[side] / 2;
+  return KingDangerTable[std::min(points, nKingDanger - 1)];
+}
+
+template <int side>
+ScorePair KingOf(const EvalRecord& record) {
+  const KingView<side> view(record);
+  ScorePair score = PlaceAmount<side>(view);
+  if (view.board.castling.hasCastled[side] != 0) {
+    score.mg += CastledShelter<side>(view);
+  } else {
+    score += UncastledAmount<side>(view);
+  }
+  score.mg += BareFiles<side>(view) + PawnStorm<side>(view);
+  score.AddBoth(Tropism<side>(view) + Presence<side>(view) - Danger<side>(view));
+  if (BackRankIsShut<side>(view)) score.AddBoth(backRankShut);
+  return score;
+}
+
+}  // namespace
+
+Bitboard KingZone(const Board& board, int side) {
+  return side == white ? ZoneOf<white>(board) : ZoneOf<black>(board);
+}
+
+ScorePair EvaluateKing(EvalRecord& record, int side) {
+  return side == white ? KingOf<white>(record) : KingOf<black>(record);
+}
+
+}  // namespace mirvo

@@ -1,0 +1,82 @@
+#include <algorithm>
+
+#include "board/bits.h"
+#include "board/geometry_tables.h"
+#include "eval/eval_tables.h"
+#include "eval/side_geometry.h"
+#include "eval/terms.h"
+
+namespace mirvo {
+
+namespace {
+
+/// Rooks and queens on the pawn's file, each way counted once; what stands
+/// between does not matter.
+template <int side>
+std::int32_t MajorsOnFile(const Board& board, Bitboard front, Bitboard behind) {
+  const Bitboard ownMajors = PiecesOf<side>(board)[rook] | PiecesOf<side>(board)[queen];
+  const Bitboard enemyMajors = PiecesOf<side ^ 1>(board)[rook] | PiecesOf<side ^ 1>(board)[queen];
+  std::int32_t amount = 0;
+  if ((ownMajors & front) != 0) amount += ownMajorInFront;
+  if ((ownMajors & behind) != 0) amount += ownMajorBehind;
+  if ((enemyMajors & behind) != 0) amount += enemyMajorBehind;
+  return amount;
+}
+
+/// Whether the enemy king, alone with its pawns, is too far from the queening
+/// square. The tempo counts against the side to move: a cautious estimate
+/// that this engine keeps.
+template <int side>
+bool WinsRace(const EvalRecord& record, int square) {
+  if (record.nonPawnMaterial[side ^ 1] != 0) return false;
+  const Board& board = *record.board;
+  const int promotion = SquareAt(RelativeRank<side>(7), FileOf(square));
+  const int enemyKing = KingSquare(board, side ^ 1);
+  const std::int32_t tempo = board.sideToMove == side ? 1 : 0;
+  return ChebyshevDistance[square][promotion] - ChebyshevDistance[enemyKing][promotion] + tempo < 0;
+}
+
+/// End-game amount for a pawn on the a or h file, which a lone minor piece
+/// can hardly stop and a heavy piece easily holds.
+template <int side>
+std::int32_t RookPawnAmount(const EvalRecord& record) {
+  if (record.nonPawnMaterial[side ^ 1] <= rookPawnMaterial) return rookPawnFree;
+  const Bitboard* enemy = PiecesOf<side ^ 1>(*record.board);
+  return (enemy[rook] | enemy[queen]) != 0 ? rookPawnOpposed : 0;
+}
+
+template <int side>
+ScorePair OnePassedPawn(const EvalRecord& record, int square) {
+  const Board& board = *record.board;
+  const int file = FileOf(square);
+  const int rank = RankOf(square);
+  const Bitboard front = FileSet(file) & RanksAhead<side>(rank);
+  const Bitboard behind = FileSet(file) & ~front;
+
+  ScorePair score = PassedByRank[std::clamp(RelativeRank<side>(rank) - 1, 0, nPassedRanks - 1)];
+  score.AddBoth(MajorsOnFile<side>(board, front, behind));
+  score.AddBoth(ownBlocker * PopCount(front & board.sideOccupancy[side]));
+  score.AddBoth(enemyBlocker * PopCount(front & board.sideOccupancy[side ^ 1]));
+  if (WinsRace<side>(record, square)) score += wonRace;
+  score.AddBoth(pathControl * (PopCount(front & record.attacks[side][unionAttacks]) -
+                               PopCount(front & record.attacks[side ^ 1][unionAttacks])));
+  if (file == 0 || file == 7) score.eg += RookPawnAmount<side>(record);
+  return score;
+}
+
+template <int side>
+ScorePair PassedPawnsOf(const EvalRecord& record) {
+  ScorePair score;
+  for (Bitboard pawns = record.passed[side]; pawns != 0;) {
+    score += OnePassedPawn<side>(record, PopHighest(pawns));
+  }
+  return score;
+}
+
+}  // namespace
+
+ScorePair EvaluatePassedPawns(EvalRecord& record, int side) {
+  return side == white ? PassedPawnsOf<white>(record) : PassedPawnsOf<black>(record);
+}
+
+}  // namespace mirvo

@@ -1,0 +1,92 @@
+#include <algorithm>
+
+#include "board/bits.h"
+#include "board/geometry_tables.h"
+#include "eval/eval_tables.h"
+#include "eval/side_geometry.h"
+#include "eval/terms.h"
+
+namespace mirvo {
+
+namespace {
+
+/// The side's pawn structure seen whole; one per call of the term.
+template <int side>
+struct PawnView {
+  explicit PawnView(const Board& board)
+      : own(PiecesOf<side>(board)[pawn]),
+        enemy(PiecesOf<side ^ 1>(board)[pawn]),
+        defended(PawnAttackSet<side>(own)),
+        attacked(PawnAttackSet<side ^ 1>(enemy)),
+        doubled(DoubledByCount[std::min(PopCount(own), nPawnCounts - 1)]) {
+    if (PiecesOf<side>(board)[rook] == 0) doubled += doubledWithoutRook;
+  }
+
+  Bitboard own;
+  Bitboard enemy;
+  Bitboard defended;     // by own pawns
+  Bitboard attacked;     // by enemy pawns
+  std::int32_t doubled;  // amount for a doubled pawn before its own circumstances
+};
+
+/// Amount for a pawn with another own pawn ahead of it on its file.
+template <int side>
+std::int32_t DoubledAmount(const PawnView<side>& view, int rank, Bitboard front) {
+  std::int32_t amount = view.doubled;
+  if ((front & view.enemy) != 0) amount += doubledBehindEnemy;
+  if (RelativeRank<side>(rank) != 1) amount += doubledAdvanced;
+  return amount;
+}
+
+/// No own pawn beside or behind can ever protect the pawn, and its next step
+/// runs into an enemy pawn's capture. A pawn on its last rank has no step.
+template <int side>
+bool IsBackward(const PawnView<side>& view, int square, Bitboard adjacent) {
+  if ((adjacent & RanksBehind<side>(RankOf(square)) & view.own) != 0) return false;
+  const Bitboard next = side == white ? Bit(square) << 8 : Bit(square) >> 8;
+  return (next & view.attacked & ~view.defended) != 0;
+}
+
+template <int side>
+ScorePair OnePawn(const PawnView<side>& view, int square, EvalRecord& record) {
+  const int file = FileOf(square);
+  const int rank = RankOf(square);
+  const Bitboard adjacent = AdjacentFileSet(file);
+  const Bitboard front = FileSet(file) & RanksAhead<side>(rank);
+  const bool doubled = (front & view.own) != 0;
+  const bool isolated = (adjacent & view.own) == 0;
+
+  ScorePair score = {PawnSquareMg.of[side][square], PawnSquareEg.of[side][square]};
+  if (doubled) score.AddBoth(DoubledAmount<side>(view, rank, front));
+  if ((view.defended & Bit(square)) != 0) score.AddBoth(protectedPawn);
+  if (isolated) {
+    score.AddBoth(IsolatedByFile[file]);
+    record.isolated[side] |= Bit(square);
+    if (doubled && file != 0 && file != 7) score.AddBoth(doubledIsolated);
+  }
+  if ((FrontSpan(side, square) & view.enemy) == 0) {
+    score.AddBoth(doubled ? freeSpanDoubled : freeSpan);
+    if (!doubled) record.passed[side] |= Bit(square);
+    if (!isolated) score.AddBoth(freeSpanNotIsolated);
+  }
+  if (IsBackward<side>(view, square, adjacent)) score += backwardPawn;
+  return score;
+}
+
+template <int side>
+ScorePair PawnsOf(EvalRecord& record) {
+  const PawnView<side> view(*record.board);
+  ScorePair score;
+  for (Bitboard pawns = view.own; pawns != 0;) {
+    score += OnePawn<side>(view, PopHighest(pawns), record);
+  }
+  return score;
+}
+
+}  // namespace
+
+ScorePair EvaluatePawns(EvalRecord& record, int side) {
+  return side == white ? PawnsOf<white>(record) : PawnsOf<black>(record);
+}
+
+}  // namespace mirvo
