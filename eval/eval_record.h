@@ -29,8 +29,8 @@ inline constexpr int unionAttacks = 5;
 inline constexpr int nAttackSets = 7;  // one set is spare
 
 struct EvalRecord {
-  Board* board;        // borrowed
-  std::int32_t side;   // whose view the result takes
+  Board* board;       // borrowed
+  std::int32_t side;  // whose view the result takes
   EvalStage stage;
   Bitboard passed[nSides];
   Bitboard isolated[nSides];

@@ -1,0 +1,72 @@
+// What the evaluation tests share: small cold caches and boards from FEN text.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+#include "board/attack_tables.h"
+#include "board/fen.h"
+#include "eval/evaluate.h"
+#include "eval/terms.h"
+#include "search/hash_table.h"
+#include "shell/config.h"
+
+namespace mirvo {
+
+/// Gives every test its own empty one-megabyte caches and the engine run mode.
+class EvalTest : public testing::Test {
+ protected:
+  EvalTest() {
+    InitAttackTables();
+    BuildKingDangerTable();
+    for (HashTable* table : {&EvalHashTable, &PawnHashTable}) {
+      HashInitialise(*table);
+      table->size = 1;
+      HashAllocate(*table);
+    }
+    engineConfig.RunMode = RunModeCode::engine;
+  }
+
+  ~EvalTest() override {
+    HashRelease(EvalHashTable);
+    HashRelease(PawnHashTable);
+    engineConfig.RunMode = RunModeCode::engine;
+  }
+
+  EvalTest(const EvalTest&) = delete;
+  EvalTest& operator=(const EvalTest&) = delete;
+
+  /// Sets `board` to the first three fields of a FEN.
+  void SetUp3(const std::string& fen) {
+    const std::size_t first = fen.find(' ');
+    const std::size_t second = fen.find(' ', first + 1);
+    BeginFromFen(fen.substr(0, first).c_str(), fen.substr(first + 1, second - first - 1).c_str(),
+                 fen.substr(second + 1).c_str(), board);
+  }
+
+  /// Cold score of a position for its side to move; leaves `record` filled.
+  std::int32_t Cold(const std::string& fen) {
+    HashClear(EvalHashTable);
+    HashClear(PawnHashTable);
+    SetUp3(fen);
+    return Evaluate(record, board, board.sideToMove);
+  }
+
+  /// A term of one side after a cold evaluation.
+  ScorePair TermOf(EvalTerm term, int side) const { return record.terms[side ^ record.side][term]; }
+  ScorePair TermOf(const std::string& fen, EvalTerm term, int side) {
+    Cold(fen);
+    return TermOf(term, side);
+  }
+
+  Board board;
+  EvalRecord record{};
+};
+
+inline std::ostream& operator<<(std::ostream& stream, ScorePair score) {
+  return stream << "{" << score.mg << ", " << score.eg << "}";
+}
+
+}  // namespace mirvo
