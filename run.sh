@@ -1,0 +1,31 @@
+#!/bin/bash
+# Builds Mirvo for this machine, if needed, and starts it. Arguments are the
+# engine's own. Standard output carries the engine's text only, so an interface
+# can use this script as its engine command.
+set -euo pipefail
+
+root=$(cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")" && pwd)
+build=$root/build/run
+
+. "$root/tools/packages.sh"
+
+# The compiler's presence is what counts; package names matter only when
+# something has to be installed.
+if ! command -v g++ >/dev/null || ! command -v cmake >/dev/null || ! command -v ninja >/dev/null; then
+  need_packages g++ cmake ninja-build
+fi
+
+configure() {
+  cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DMIRVO_NATIVE=ON \
+    -DMIRVO_LTO=ON -DMIRVO_TESTS=OFF </dev/null >&2
+}
+
+# A build folder made under another path (a copied tree) is of no use here.
+if [ -f "$build/CMakeCache.txt" ] &&
+  ! grep -qxF "CMAKE_HOME_DIRECTORY:INTERNAL=$root" "$build/CMakeCache.txt"; then
+  rm -rf "$build"
+fi
+[ -f "$build/build.ninja" ] || configure
+cmake --build "$build" --target mirvo </dev/null >&2
+
+exec "$build/shell/mirvo" "$@"

@@ -1,0 +1,37 @@
+#!/bin/bash
+# Installs what the tests need, builds everything and runs every test: first
+# the release build, then the same tests under the sanitizers. The last line
+# printed is "N passed, N failed" (and skipped ones, if any).
+#
+#   ./test.sh                 all of it
+#   ./test.sh release         one stage only: release or sanitize
+set -uo pipefail
+
+root=$(cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")" && pwd)
+cd "$root" || exit 1
+. tools/packages.sh
+
+stages=("$@")
+[ ${#stages[@]} -gt 0 ] || stages=(release sanitize)
+
+# Compiler and test library; format check; scripts; referees, peers and
+# clients of the tests that play whole games.
+if ! need_packages g++ cmake ninja-build libgtest-dev libgmock-dev libbenchmark-dev \
+  clang-format python3 polyglot stockfish xboard fairymax xvfb xauth; then
+  echo "Some packages could not be installed; tests that need them are skipped." >&2
+fi
+# Debian keeps its games in a folder that root's PATH lacks.
+export PATH="$PATH:/usr/games"
+
+results=()
+for stage in "${stages[@]}"; do
+  echo "== $stage"
+  result=build/$stage/test-results.xml
+  results+=("$stage=$result")
+  rm -f "$result"
+  cmake --preset "$stage" &&
+    cmake --build --preset "$stage" &&
+    ctest --preset "$stage" --parallel "$(nproc)" --output-junit test-results.xml
+done </dev/null
+
+exec python3 tools/summarise_tests.py "${results[@]}"

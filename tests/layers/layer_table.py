@@ -1,0 +1,68 @@
+"""The layers of the source tree: which files are whose, and who may use whom.
+
+`FILES` maps path patterns to layers, first match wins; `USES` names the layers
+whose headers a layer may include besides its own.
+"""
+
+import fnmatch
+import pathlib
+
+FILES = [
+    ("shell/output*", "base"),
+    ("shell/clock*", "base"),
+    ("shell/text*", "base"),
+    ("protocol/protocol_mode.h", "base"),
+    ("board/*", "board"),
+    ("shell/config*", "config"),
+    ("search/hash_*", "hash"),
+    ("book/*", "book"),
+    ("eval/*", "eval"),
+    ("search/*", "search"),
+    ("epd/*", "epd"),
+    ("protocol/*", "protocol"),
+    ("shell/*", "shell"),
+]
+
+USES = {
+    "base": [],
+    "board": ["base"],
+    "config": ["board", "base"],
+    "hash": ["config", "board", "base"],
+    "book": ["config", "board", "base"],
+    "eval": ["hash", "config", "board", "base"],
+    "search": ["eval", "book", "hash", "config", "board", "base"],
+    "epd": ["search", "eval", "book", "hash", "config", "board", "base"],
+    "protocol": ["search", "eval", "book", "hash", "config", "board", "base"],
+    "shell": ["protocol", "epd", "search", "eval", "book", "hash", "config", "board", "base"],
+}
+
+# Headers of the operating system stay behind the files written for it.
+PLATFORM_HEADERS = {
+    "*_windows*.cpp": ["windows.h", "io.h", "conio.h", "fcntl.h", "process.h"],
+    "*_posix*.cpp": ["unistd.h", "poll.h", "time.h", "signal.h", "fcntl.h", "sched.h", "errno.h",
+                     "sys/*"],
+}
+UNWANTED_HEADERS = ["iostream", "sstream", "fstream", "regex", "locale"]
+
+FOLDERS = ["board", "book", "epd", "eval", "protocol", "search", "shell"]
+
+
+def layer_of(path):
+    """The layer that owns a path relative to the source root, or None."""
+    for pattern, layer in FILES:
+        if fnmatch.fnmatch(path, pattern):
+            return layer
+    return None
+
+
+def may_include(layer, other):
+    return other == layer or other in USES[layer]
+
+
+def sources(root, suffixes):
+    """Every engine source under `root` with one of the suffixes, sorted."""
+    root = pathlib.Path(root)
+    found = []
+    for folder in FOLDERS:
+        found += [p for p in (root / folder).rglob("*") if p.suffix in suffixes]
+    return sorted(p.relative_to(root).as_posix() for p in found)

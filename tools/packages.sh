@@ -1,0 +1,41 @@
+# Sourced by run.sh and test.sh: installs Debian packages that are missing.
+# Everything it prints goes to standard error.
+
+# Prints those of the packages named that are not installed.
+missing_packages() {
+  local package
+  for package in "$@"; do
+    [ "$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null)" = installed ] ||
+      printf '%s\n' "$package"
+  done
+}
+
+# Runs a command as root: directly, or through sudo.
+as_root() {
+  if [ "$(id -u)" -eq 0 ]; then
+    "$@"
+  elif command -v sudo >/dev/null; then
+    sudo "$@"
+  else
+    echo "Not root and no sudo: cannot run: $*" >&2
+    return 1
+  fi
+}
+
+# Installs what is missing of the packages named; silent, quick and without
+# network when nothing is. Fails when a package could not be installed.
+need_packages() {
+  if ! command -v dpkg-query >/dev/null; then
+    echo "Not a Debian machine: please install the counterparts of: $*" >&2
+    return 0
+  fi
+  local missing
+  mapfile -t missing < <(missing_packages "$@")
+  [ ${#missing[@]} -eq 0 ] && return 0
+  echo "Installing: ${missing[*]}" >&2
+  # A fresh machine has no package lists yet, so they come first. A list that
+  # cannot be refreshed is no reason to stop: the cached one may do.
+  as_root apt-get update -q </dev/null >&2 || true
+  as_root env DEBIAN_FRONTEND=noninteractive \
+    apt-get install -y -q --no-install-recommends "${missing[@]}" </dev/null >&2
+}

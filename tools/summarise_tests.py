@@ -1,0 +1,51 @@
+"""Adds up CTest result files: prints one line per stage and the total.
+
+Usage: summarise_tests.py STAGE=FILE...   Exit status 1 when anything failed.
+A stage whose file is missing did not build; it counts as one failure.
+"""
+
+import sys
+import xml.etree.ElementTree as ElementTree
+
+
+def count(path):
+    """(passed, failed, skipped, names of the failed) of one result file."""
+    passed, skipped, failed_names = 0, 0, []
+    for case in ElementTree.parse(path).getroot().iter("testcase"):
+        if case.get("status") == "run":
+            passed += 1
+        elif case.find("skipped") is not None and "SKIP" in case.find("skipped").get("message", ""):
+            skipped += 1
+        elif case.get("status") == "disabled":
+            skipped += 1
+        else:
+            failed_names.append(case.get("name"))
+    return passed, len(failed_names), skipped, failed_names
+
+
+def summary(passed, failed, skipped):
+    text = f"{passed} passed, {failed} failed"
+    return text + (f", {skipped} skipped" if skipped else "")
+
+
+def main():
+    total = [0, 0, 0]
+    print()
+    for argument in sys.argv[1:]:
+        stage, path = argument.split("=", 1)
+        try:
+            passed, failed, skipped, names = count(path)
+            if passed + failed + skipped == 0:
+                failed, names = 1, ["(no test was run)"]
+        except (OSError, ElementTree.ParseError):
+            passed, failed, skipped, names = 0, 1, 0, ["(the build)"]
+        for name in names:
+            print(f"failed in {stage}: {name}")
+        print(f"stage {stage}: {summary(passed, failed, skipped)}")
+        total = [total[0] + passed, total[1] + failed, total[2] + skipped]
+    print(summary(*total))
+    return 1 if total[1] or not total[0] else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
