@@ -1,0 +1,162 @@
+#include "book/pgn_reader.h"
+
+#include <cstdio>
+#include <cstring>
+
+#include "board/bb_move_generator.h"
+#include "board/fen.h"
+#include "board/make_move.h"
+#include "board/san.h"
+#include "book/pgn_scanner.h"
+#include "shell/output.h"
+#include "shell/text.h"
+
+namespace mirvo {
+namespace {
+
+// Follows the order of tags and moves in a file: which game a token belongs to
+// and what that game is worth. Shared by counting and reading.
+class GameTracker {
+ public:
+  /// Takes a tag. True when it begins a new game.
+  bool TakeTag(const PgnScanner& scanner) {
+    const bool newGame = hasMoves;
+    if (!inTags) points[white] = points[black] = 0;
+    inTags = true;
+    hasMoves = false;
+    if (scanner.TagHasResult()) {
+      points[white] = scanner.WhitePoints();
+      points[black] = scanner.BlackPoints();
+    }
+    return newGame;
+  }
+
+  /// Takes a word and returns the move in it, or null.
+  const char* TakeWord(const PgnScanner& scanner) {
+    inTags = false;
+    const char* move = MoveInWord(scanner.Word());
+    if (move != nullptr) hasMoves = true;
+    return move;
+  }
+
+  std::int32_t Points(int side) const { return points[side]; }
+  bool HasMoves() const { return hasMoves; }
+
+ private:
+  std::int32_t points[nSides] = {0, 0};
+  bool inTags = true;
+  bool hasMoves = false;
+};
+
+// Plays the words of one game after another.
+struct GamePlayer {
+  Board board;
+  GameRecord game;
+
+  void Begin() {
+    BeginFromStart(board);
+    game.plyCount = 0;
+  }
+
+  void Append(const char* word, const GameTracker& tracker) {
+    char text[pgnWordCapacity];
+    CopyText(text, sizeof(text), word);
+    // A "$" begins an annotation number that was written without a blank.
+    text[std::strcspn(text, "$")] = '\0';
+    for (std::size_t n = std::strlen(text); n > 0 && std::strchr("!?", text[n - 1]); --n) {
+      text[n - 1] = '\0';
+    }
+    Move move = noMove;
+    const Move matched = MatchSan(board, text, move);
+    if (matched != noMove) {
+      MakeMove(board, matched);
+      move = matched;
+    }
+    if (game.plyCount >= gamePlyCapacity) return;
+    game.moves[game.plyCount] = move;
+    game.weights[game.plyCount] = tracker.Points(board.sideToMove ^ 1);
+    ++game.plyCount;
+  }
+};
+
+std::FILE* OpenGames(const char* path) {
+  std::FILE* file = std::fopen(path, "r");
+  if (file == nullptr) Output(output, "Problem reading opening file!!\n");
+  return file;
+}
+
+// A pawn's text names its file first, and where that is not the file of the
+// square it goes to, only a capture can be meant.
+bool ComesFromStatedFile(Move candidate, Move partial, const char* text) {
+  const int from = FileOf(FromSquare(candidate));
+  if ((partial & sanFileMark) != 0 && from != FileOf(FromSquare(partial))) return false;
+  const bool namesFile = text[0] >= 'a' && text[0] <= 'h';
+  if (MovingKind(candidate) == pawn && namesFile && (IsCapture(candidate) || text[1] == 'x')) {
+    return from == text[0] - 'a';
+  }
+  return true;
+}
+
+}  // namespace
+
+Move MatchSan(Board& board, const char* text, Move& partial) {
+  partial = SanToPartialMove(text, board.sideToMove);
+  BBMoveGenerator2 generator(board, board.sideToMove);
+  generator.GenerateAll();
+  for (std::int32_t i = 0; i < generator.count; ++i) {
+    const Move move = generator.moves[i];
+    if (ToSquare(move) == ToSquare(partial) && MovingKind(move) == MovingKind(partial) &&
+        ComesFromStatedFile(move, partial, text)) {
+      return move;
+    }
+  }
+  return noMove;
+}
+
+bool ReadPgnGames(const char* path, int plyLimit, GameReceiver receive, void* context,
+                  std::int32_t& gameCount) {
+  gameCount = 0;
+  std::FILE* file = OpenGames(path);
+  if (file == nullptr) return false;
+  PgnScanner scanner(file);
+  GameTracker tracker;
+  static GamePlayer player;
+  player.Begin();
+  PgnToken token = scanner.Next();
+  for (; token != PgnToken::end; token = scanner.Next()) {
+    if (token == PgnToken::word) {
+      const char* move = tracker.TakeWord(scanner);
+      if (move != nullptr && player.game.plyCount < plyLimit) player.Append(move, tracker);
+    } else if (tracker.TakeTag(scanner)) {
+      ++gameCount;
+      receive(context, player.game);
+      player.Begin();
+    }
+  }
+  if (tracker.HasMoves()) {
+    ++gameCount;
+    receive(context, player.game);
+  }
+  std::fclose(file);
+  return true;
+}
+
+bool CountPgnGames(const char* path, std::int32_t& gameCount) {
+  gameCount = 0;
+  std::FILE* file = OpenGames(path);
+  if (file == nullptr) return false;
+  PgnScanner scanner(file);
+  GameTracker tracker;
+  for (PgnToken token = scanner.Next(); token != PgnToken::end; token = scanner.Next()) {
+    if (token == PgnToken::word) {
+      tracker.TakeWord(scanner);
+    } else if (tracker.TakeTag(scanner)) {
+      ++gameCount;
+    }
+  }
+  if (tracker.HasMoves()) ++gameCount;
+  std::fclose(file);
+  return true;
+}
+
+}  // namespace mirvo
