@@ -1,0 +1,154 @@
+#include "protocol/game_record.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "protocol/xboard_game.h"
+#include "shell/config.h"
+#include "tests/protocol/xboard_test_kit.h"
+
+namespace mirvo {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Runs each test in an empty directory of its own.
+class GameFiles : public XBoardTest {
+ protected:
+  void SetUp() override {
+    XBoardTest::SetUp();
+    home = fs::current_path();
+    const auto* info = testing::UnitTest::GetInstance()->current_test_info();
+    folder = fs::temp_directory_path() / (std::string("mirvo_games_") + info->name());
+    fs::remove_all(folder);
+    fs::create_directories(folder);
+    fs::current_path(folder);
+  }
+
+  void TearDown() override {
+    fs::current_path(home);
+    fs::remove_all(folder);
+    engineConfig.LoggingMode = 0;
+    XBoardTest::TearDown();
+  }
+
+  static std::string Read(const char* name) {
+    std::ifstream file(name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+
+  static std::size_t FileCount() {
+    return static_cast<std::size_t>(
+        std::distance(fs::directory_iterator("."), fs::directory_iterator()));
+  }
+
+  void PlayOneGame(const char* result) {
+    script = {{{}, "e7e5"}};
+    Play({"new\n", "e2e4\n", result});
+  }
+
+  fs::path home;
+  fs::path folder;
+};
+
+TEST_F(GameFiles, NothingIsSavedWithoutLoggingMode) {
+  PlayOneGame("result 1-0\n");
+  EXPECT_EQ(FileCount(), 0u);
+}
+
+TEST_F(GameFiles, AFinishedGameIsTheTagSectionAndBlankLines) {
+  engineConfig.LoggingMode = 1;
+  script = {{{}, "e7e5"}};
+  Play({"new\n", "name Rival 2\n", "ics freechess.org\n", "rating 2000 1800\n", "e2e4\n",
+        "result 1/2-1/2 {Draw by agreement}\n"});
+  EXPECT_EQ(Read("game000000.pgn"),
+            "[Event \"\"]\n[Site \"freechess.org\"]\n[Date \"\"]\n[Round \"-\"]\n"
+            "[White \"Rival 2\"]\n[Black \"Mirvo 0.2.7_d\"]\n[Result \"1/2-1/2\"]\n"
+            "[WhiteElo \"1800\"]\n[BlackElo \"2000\"]\n[WhiteType \"human\"]\n"
+            "[BlackType \"program\"]\n\n\n\n\n\n");
+}
+
+TEST_F(GameFiles, AGameWithoutIcsHasAnEmptySite) {
+  engineConfig.LoggingMode = 1;
+  PlayOneGame("result 0-1\n");
+  EXPECT_NE(Read("game000000.pgn").find("[Site \"\"]\n"), std::string::npos);
+}
+
+TEST_F(GameFiles, EveryGameTakesTheFirstFreeName) {
+  engineConfig.LoggingMode = 1;
+  std::ofstream("game000000.pgn") << "mine";
+  std::ofstream("game000002.pgn") << "mine";
+  PlayOneGame("result 1-0\n");
+  PlayOneGame("result *\n");
+  EXPECT_EQ(Read("game000000.pgn"), "mine");
+  EXPECT_EQ(Read("game000002.pgn"), "mine");
+  EXPECT_NE(Read("game000001.pgn").find("[Result \"1-0\"]"), std::string::npos);
+  EXPECT_NE(Read("game000003.pgn").find("[Result \"*\"]"), std::string::npos);
+}
+
+TEST_F(GameFiles, AResultOutsideAGameSavesNothing) {
+  engineConfig.LoggingMode = 1;
+  Play({"new\n", "force\n", "e2e4\n", "result 1-0\n"});
+  EXPECT_EQ(FileCount(), 0u);
+  PlayOneGame("result 1-0\n");
+  Play({"result 1-0\n"});
+  EXPECT_EQ(FileCount(), 1u);
+}
+
+TEST_F(GameFiles, ANameInUseForADirectoryIsNotFree) {
+  engineConfig.LoggingMode = 1;
+  fs::create_directory("game000000.pgn");
+  PlayOneGame("result 1-0\n");
+  EXPECT_TRUE(fs::exists("game000001.pgn"));
+}
+
+TEST_F(GameFiles, AFileThatCannotBeWrittenIsSkipped) {
+  engineConfig.LoggingMode = 1;
+  // A dangling link: reading it says "no such file", and so does writing it
+  // when its folder is missing.
+  fs::create_symlink("missing/folder", "game000000.pgn");
+  PlayOneGame("result 1-0\n");
+  EXPECT_EQ(FileCount(), 1u);
+  EXPECT_EQ(xboardGame.record.file, nullptr);
+}
+
+TEST(GameRecordHeader, HoldsElevenFullTags) {
+  GameTags tags;
+  for (char* tag : {tags.event, tags.site, tags.date, tags.white, tags.black, tags.result,
+                    tags.whiteElo, tags.blackElo, tags.whiteType, tags.blackType}) {
+    std::memset(tag, 'x', tagCapacity - 1);
+  }
+  char text[headerCapacity];
+  BuildHeader(tags, text);
+  const std::string header = text;
+  EXPECT_LT(header.size(), headerCapacity - 1);
+  EXPECT_EQ(header.substr(header.size() - 4), "x\"]\n");
+}
+
+TEST(GameRecordState, AStartedRecordIsOpenAndItsMoveTextEmpty) {
+  GameRecord record;
+  GameTags tags;
+  StartRecord(record, tags);
+  EXPECT_EQ(record.headerOpen, 1);
+  EXPECT_EQ(record.movesOpen, 1);
+  EXPECT_EQ(record.tags, &tags);
+  ASSERT_NE(record.moveText, nullptr);
+  EXPECT_EQ(record.moveText[0], 0);
+  EXPECT_EQ(record.moveText[moveTextBytes - 1], 0);
+  StartRecord(record, tags);
+  ReleaseRecord(record);
+}
+
+TEST(GameRecordState, SavingBeforeAnyGameDoesNothing) {
+  GameRecord record;
+  SaveGame(record, 1);
+  EXPECT_EQ(record.file, nullptr);
+}
+
+}  // namespace
+}  // namespace mirvo

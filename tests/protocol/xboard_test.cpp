@@ -1,0 +1,424 @@
+#include "protocol/xboard.h"
+
+#include <cstring>
+
+#include "board/display.h"
+#include "board/keys.h"
+#include "book/opening_book.h"
+#include "search/game_counters.h"
+#include "search/move_order.h"
+#include "tests/protocol/xboard_test_kit.h"
+
+namespace mirvo {
+namespace {
+
+constexpr char startLine[] = "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq -\n";
+constexpr char afterE4[] = "rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq -\n";
+constexpr char afterE4E5[] = "rnbqkbnr/pppp1ppp/8/4p3/4P3/8/PPPP1PPP/RNBQKBNR w KQkq -\n";
+
+using XBoardCommands = XBoardTest;
+
+TEST_F(XBoardCommands, AMoveAfterNewIsAnsweredWithBlackAndFillsTheHeader) {
+  script = {{{}, "e7e5"}};
+  const std::string printed = Play({"new\n", "e2e4\n"});
+  EXPECT_EQ(printed, std::string(afterE4) + "Allowing 0 ms for move (0, 0, 0)\n" + afterE4E5 +
+                         "move e7e5\n");
+  EXPECT_STREQ(xboardGame.tags.black, "Mirvo 0.2.7_d");
+  EXPECT_EQ(xboardGame.gameInProgress, 1);
+  EXPECT_EQ(xboardGame.gameStarted, 1);
+}
+
+TEST_F(XBoardCommands, ForceModeRecordsBothSidesWithoutAReply) {
+  EXPECT_EQ(Play({"new\n", "force\n", "e2e4\n", "e7e5\n"}), std::string(afterE4) + afterE4E5);
+  EXPECT_TRUE(searchKinds.empty());
+  EXPECT_EQ(xboardGame.gameInProgress, 0);
+}
+
+TEST_F(XBoardCommands, AClockCommandInForceModeDoesNotStartTheGame) {
+  Play({"new\n", "force\n", "time 6000\n", "e2e4\n"});
+  EXPECT_EQ(xboardGame.gameInProgress, 0);
+}
+
+TEST_F(XBoardCommands, GoPlaysTheSideToMoveAndNamesItInTheHeader) {
+  script = {{{}, "e2e4"}};
+  EXPECT_EQ(Play({"new\n", "go\n"}),
+            std::string("Allowing 0 ms for move (0, 0, 0)\n") + afterE4 + "move e2e4\n");
+  EXPECT_EQ(xboardGame.engineColour, white);
+  EXPECT_STREQ(xboardGame.tags.white, "Mirvo 0.2.7_d");
+  EXPECT_STREQ(xboardGame.tags.whiteType, "program");
+  EXPECT_STREQ(xboardGame.tags.blackType, "human");
+}
+
+TEST_F(XBoardCommands, GoLeavesForceMode) {
+  script = {{{}, "e7e5"}};
+  Play({"new\n", "force\n", "e2e4\n", "go\n"});
+  EXPECT_EQ(xboardGame.force, 0);
+  EXPECT_EQ(Position(), afterE4E5);
+}
+
+TEST_F(XBoardCommands, GoodbyeIsAGo) {
+  script = {{{}, "e2e4"}};
+  Play({"new\n", "goodbye\n"});
+  EXPECT_EQ(Position(), afterE4);
+}
+
+TEST_F(XBoardCommands, TheHeaderIsFilledOncePerGame) {
+  script = {{{}, "d2d4"}};
+  // The move in force mode names the engine as Black; "go" with White to move
+  // comes too late to change that.
+  Play({"new\n", "force\n", "e2e4\n", "e7e5\n", "go\n"});
+  EXPECT_STREQ(xboardGame.tags.black, "Mirvo 0.2.7_d");
+  EXPECT_STREQ(xboardGame.tags.white, "");
+}
+
+TEST_F(XBoardCommands, NamesRatingsAndTypesFallByColour) {
+  script = {{{}, "e7e5"}};
+  Play({"new\n", "name Rival 1.0\r\n", "rating 2100 1900\n", "computer\n", "e2e4\n"});
+  EXPECT_STREQ(xboardGame.tags.white, "Rival 1.0");
+  EXPECT_STREQ(xboardGame.tags.whiteElo, "1900");
+  EXPECT_STREQ(xboardGame.tags.blackElo, "2100");
+  EXPECT_STREQ(xboardGame.tags.whiteType, "program");
+  EXPECT_STREQ(xboardGame.tags.blackType, "program");
+}
+
+TEST_F(XBoardCommands, ClocksAreReadInCentiseconds) {
+  Play({"time 1234\n", "otim 77\n"});
+  EXPECT_EQ(xboardGame.ownTime, 12340);
+  EXPECT_EQ(xboardGame.opponentTime, 770);
+  EXPECT_EQ(xboardGame.clockReceived, 1);
+  Play({"time 2000000000\n"});
+  EXPECT_EQ(xboardGame.ownTime, 2147483647);
+  Play({"time soon\n"});
+  EXPECT_EQ(xboardGame.ownTime, 0);
+}
+
+TEST_F(XBoardCommands, OnlyTheIncrementOfALevelIsUsed) {
+  Play({"level 40 5 12\n"});
+  EXPECT_EQ(xboardGame.ownIncrement, 12000);
+  EXPECT_EQ(xboardGame.opponentIncrement, 12000);
+  EXPECT_EQ(xboardGame.movesToGo, 0);
+  EXPECT_EQ(xboardGame.ownTime, 0);
+  Play({"level 0 0:02 0.02\n"});
+  EXPECT_EQ(xboardGame.ownIncrement, 0);
+  Play({"level 40\n"});
+  EXPECT_EQ(xboardGame.ownIncrement, 0);
+}
+
+TEST_F(XBoardCommands, TheTimeIsAllottedFromTheOwnClockAndIncrement) {
+  script = {{{}, "e7e5"}};
+  // 10000 / 25 + 2000 / 2 - 50
+  EXPECT_NE(Play({"new\n", "level 0 1 2\n", "time 1000\n", "otim 9999\n", "e2e4\n"})
+                .find("Allowing 1350 ms for move (0, 10000, 2000)\n"),
+            std::string::npos);
+}
+
+TEST_F(XBoardCommands, HardAndEasySwitchPondering) {
+  Play({"easy\n"});
+  EXPECT_EQ(engineConfig.Ponder, 0);
+  Play({"hard\n"});
+  EXPECT_EQ(engineConfig.Ponder, 1);
+}
+
+TEST_F(XBoardCommands, WhiteAndBlackSetTheEngineColour) {
+  Play({"white\n"});
+  EXPECT_EQ(xboardGame.engineColour, white);
+  Play({"black\n"});
+  EXPECT_EQ(xboardGame.engineColour, black);
+}
+
+TEST_F(XBoardCommands, TextsAreCutAt127AndLoseTheirLineEnds) {
+  Play({"ics freechess.org\r\n"});
+  EXPECT_STREQ(xboardGame.tags.site, "freechess.org");
+  for (const std::size_t length : {126u, 127u, 128u, 4000u}) {
+    Play({"ics " + std::string(length, 'x') + "\n", "name " + std::string(length, 'y') + "\n"});
+    EXPECT_EQ(std::strlen(xboardGame.tags.site), length < 127 ? length : 127);
+    EXPECT_EQ(std::strlen(xboardGame.opponentName), length < 127 ? length : 127);
+  }
+  Play({"ics", "name"});
+  EXPECT_STREQ(xboardGame.tags.site, "");
+  EXPECT_STREQ(xboardGame.opponentName, "");
+}
+
+TEST_F(XBoardCommands, AResultKeepsAsManyCharactersAsItsKindHas) {
+  const struct {
+    const char* line;
+    const char* tag;
+  } cases[] = {
+      {"result 1-0 {White mates}\n", "1-0"},
+      {"result 0-1 {Resigns}\n", "0-1"},
+      {"result 1/2-1/2 {Stalemate}\n", "1/2-1/2"},
+      {"result * {Aborted}\n", "*"},
+      {"result *\n", "*"},
+      {"result 1-\n", "1-"},
+      {"result 1/2\n", "1/2"},
+      {"result\n", ""},
+      {"result", ""},
+      {"result 1\n", "1"},
+  };
+  for (const auto& item : cases) {
+    Play({item.line});
+    EXPECT_STREQ(xboardGame.tags.result, item.tag) << item.line;
+  }
+}
+
+TEST_F(XBoardCommands, AResultEndsTheGame) {
+  script = {{{}, "e7e5", "g1f3"}};
+  Play({"new\n", "e2e4\n"});
+  const std::size_t nSearches = searchKinds.size();
+  EXPECT_EQ(Play({"result 1-0\n"}), "");
+  EXPECT_EQ(xboardGame.gameInProgress, 0);
+  EXPECT_EQ(xboardGame.gameStarted, 0);
+  EXPECT_EQ(searchFlags.StopSearch, 1);
+  EXPECT_EQ(searchKinds.size(), nSearches);
+}
+
+TEST_F(XBoardCommands, AStopFromForceDoesNotReachTheNextSearch) {
+  script = {{{}, "e2e4"}};
+  Play({"new\n", "force\n"});
+  EXPECT_EQ(searchFlags.StopSearch, 1);
+  Play({"go\n"});
+  EXPECT_EQ(searchFlags.StopSearch, 0);
+}
+
+TEST_F(XBoardCommands, SetboardLoadsThreeFieldsAndPrintsTheBoardAlone) {
+  engineConfig.Quiet = 0;
+  Play({"new\n", "e2e4\n", "e7e5\n"});
+  const std::string printed = Play({"setboard r3k2r/p6p/8/8/8/8/P6P/R3K2R b Kq e3 0 1\n"});
+  char diagram[diagramCapacity];
+  FormatBoard(gameBoard, BoardLayout::wide, diagram);
+  EXPECT_EQ(printed, std::string(diagram) + "\n");
+  EXPECT_EQ(Position(), "r3k2r/p6p/8/8/8/8/P6P/R3K2R b Kq -\n");
+  EXPECT_EQ(gameBoard.undoDepth, 0);
+  EXPECT_FALSE(HasEnPassant(gameBoard));
+  EXPECT_EQ(gameBoard.positionKey, ComputeKey(gameBoard));
+  EXPECT_EQ(KeyHistory[0], gameBoard.positionKey);
+}
+
+TEST_F(XBoardCommands, BoardsStandAroundEveryMoveUnlessQuiet) {
+  engineConfig.Quiet = 0;
+  script = {{{}, "e7e5"}};
+  char diagram[diagramCapacity];
+  FormatBoard(gameBoard, BoardLayout::wide, diagram);
+  const std::string before = std::string(diagram) + "\n";
+  const std::string printed = Play({"e2e4\n"});
+  EXPECT_EQ(printed.substr(0, before.size()), before);
+  FormatBoard(gameBoard, BoardLayout::wide, diagram);
+  const std::string tail = std::string(diagram) + "\n" + afterE4E5 + "move e7e5\n";
+  ASSERT_GE(printed.size(), tail.size());
+  EXPECT_EQ(printed.substr(printed.size() - tail.size()), tail);
+}
+
+TEST_F(XBoardCommands, ForceModePrintsTheBoardOnlyAfterTheMove) {
+  engineConfig.Quiet = 0;
+  Play({"force\n"});
+  const std::string printed = Play({"e2e4\n"});
+  char diagram[diagramCapacity];
+  FormatBoard(gameBoard, BoardLayout::wide, diagram);
+  EXPECT_EQ(printed, std::string(diagram) + "\n" + afterE4);
+}
+
+TEST_F(XBoardCommands, NewStartsAgainButKeepsTheOpponentsName) {
+  xboardGame.LastMoveFlagged = 1;
+  Play({"name Rival\n", "ics here\n", "rating 1 2\n", "computer\n", "time 100\n", "white\n",
+        "force\n", "e2e4\n", "d7d5\n"});
+  HistoryTable[white][12][28] = 7;
+  gameCounters = {55, 1};
+  ponderStats = {3, 4};
+  searchFlags.pondering = 1;
+  EXPECT_EQ(Play({"new\n"}), "");
+  EXPECT_EQ(Position(), startLine);
+  EXPECT_FALSE(HasEnPassant(gameBoard));
+  EXPECT_STREQ(xboardGame.opponentName, "Rival");
+  EXPECT_STREQ(xboardGame.tags.site, "");
+  EXPECT_STREQ(xboardGame.tags.black, "");
+  EXPECT_EQ(xboardGame.ownRating, 0);
+  EXPECT_EQ(xboardGame.opponentRating, 0);
+  EXPECT_EQ(xboardGame.computerOpponent, 0);
+  EXPECT_EQ(xboardGame.clockReceived, 0);
+  EXPECT_EQ(xboardGame.engineColour, black);
+  EXPECT_EQ(xboardGame.force, 0);
+  EXPECT_EQ(xboardGame.gameStarted, 0);
+  EXPECT_EQ(xboardGame.ownTime, 1000);
+  EXPECT_EQ(HistoryTable[white][12][28], 0);
+  EXPECT_EQ(gameCounters.reversibleMoves, 0);
+  EXPECT_EQ(gameCounters.hundredReached, 0);
+  EXPECT_EQ(ponderStats.hits, 0u);
+  EXPECT_EQ(ponderStats.misses, 0u);
+  EXPECT_EQ(searchFlags.StopSearch, 0);
+  EXPECT_EQ(searchFlags.pondering, 0);
+}
+
+TEST_F(XBoardCommands, NewAsksABookThatHoldsAnythingAgain) {
+  const OpeningBook saved = openingBook;
+  engineConfig.UseOpeningBook = 0;
+  openingBook.count = 0;
+  Play({"new\n"});
+  EXPECT_EQ(engineConfig.UseOpeningBook, 0);
+  EXPECT_EQ(searchFlags.BookInUse, 0);
+  openingBook.count = 1;
+  Play({"new\n"});
+  EXPECT_EQ(engineConfig.UseOpeningBook, 1);
+  EXPECT_EQ(searchFlags.BookInUse, 1);
+  openingBook = saved;
+}
+
+TEST_F(XBoardCommands, OtherLinesDoNothing) {
+  const XBoardGame before = xboardGame;
+  const SearchFlags flags = searchFlags;
+  for (const char* line : {"xboard\n",
+                           "protover 2\n",
+                           "post\n",
+                           "nopost\n",
+                           "?\n",
+                           "undo\n",
+                           "remove\n",
+                           "st 5\n",
+                           "sd 4\n",
+                           "ping 1\n",
+                           "variant normal\n",
+                           "random\n",
+                           "hint\n",
+                           "bk\n",
+                           "edit\n",
+                           "exit\n",
+                           "analyze\n",
+                           "cores 4\n",
+                           "depth 3\n",
+                           "draw\n",
+                           "accepted setboard\n",
+                           "rejected ics\n",
+                           "usermove e2e4\n",
+                           "e2\n",
+                           "e9e4\n",
+                           "i2i4\n",
+                           "\n",
+                           "",
+                           " e2e4\n",
+                           "New\n",
+                           "a"}) {
+    EXPECT_EQ(Play({line}), "") << line;
+    EXPECT_EQ(Position(), startLine) << line;
+    EXPECT_EQ(xboardGame.gameStarted, before.gameStarted) << line;
+    EXPECT_EQ(xboardGame.clockReceived, before.clockReceived) << line;
+    EXPECT_EQ(searchFlags.StopSearch, flags.StopSearch) << line;
+  }
+  EXPECT_TRUE(searchKinds.empty());
+}
+
+TEST_F(XBoardCommands, NoLegalMoveMeansNoReply) {
+  script = {{{}, ""}};
+  EXPECT_EQ(Play({"new\n", "e2e4\n"}), std::string(afterE4) + "Allowing 0 ms for move (0, 0, 0)\n");
+  EXPECT_FALSE(XBoardHasOwnLine());
+}
+
+TEST_F(XBoardCommands, TheMateMarkIsKeptAndNotPlayed) {
+  script = {{{}, "e7e5", "g1f3", mateMark}};
+  Play({"new\n", "e2e4\n"});
+  EXPECT_EQ(xboardGame.LastMoveFlagged, 1);
+  EXPECT_EQ(gameBoard.undoStack[1].move & mateMark, 0u);
+  EXPECT_EQ(searchKinds.size(), 1u);
+}
+
+TEST_F(XBoardCommands, AnIllegalMoveIsMade) {
+  Play({"force\n", "e2e5\n"});
+  EXPECT_EQ(Position(), "rnbqkbnr/pppppppp/8/4P3/8/8/PPPP1PPP/RNBQKBNR b KQkq -\n");
+}
+
+TEST_F(XBoardCommands, AMoveFromASquareWithoutAPiecePassesTheTurn) {
+  EXPECT_EQ(Play({"force\n", "e4e5\n"}), "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR b KQkq -\n");
+}
+
+TEST_F(XBoardCommands, ReversibleMovesOfTheOpponentAreCounted) {
+  Play({"new\n", "force\n", "g1f3\n", "g8f6\n"});
+  EXPECT_EQ(gameCounters.reversibleMoves, 2);
+  Play({"e2e4\n"});
+  EXPECT_EQ(gameCounters.reversibleMoves, 0);
+  gameCounters.reversibleMoves = 98;
+  Play({"f6g8\n"});
+  EXPECT_EQ(gameCounters.hundredReached, 0);
+  Play({"f3g1\n"});
+  EXPECT_EQ(gameCounters.hundredReached, 1);
+  // A capture starts the count again; the flag stays.
+  Play({"setboard 4k3/8/8/8/8/8/r7/R3K3 w Q\n", "a1a2\n"});
+  EXPECT_EQ(gameCounters.reversibleMoves, 0);
+  EXPECT_EQ(gameCounters.hundredReached, 1);
+}
+
+TEST_F(XBoardCommands, AMoveLineMayCarryMoreText) {
+  Play({"force\n", "e2e4 comment\n"});
+  EXPECT_EQ(Position(), afterE4);
+}
+
+TEST(XBoardQuit, EndsTheProcessWithStatusZero) {
+  EXPECT_EXIT(
+      {
+        std::uint8_t state = 0;
+        HandleXBoardLine(state, "quit\n");
+      },
+      testing::ExitedWithCode(0), "");
+}
+
+// During the engine's own search.
+
+using XBoardThinking = XBoardTest;
+
+TEST_F(XBoardThinking, LinesThatNeedTheBoardWaitAndTheOthersActAtOnce) {
+  for (const char* line : {"go\n", "setboard 8/8/8/8/8/8/8/8 w -\n", "e2e4\n", "h7h8q\n"}) {
+    EXPECT_TRUE(XBoardLineMustWait(line)) << line;
+    EXPECT_EQ(searchFlags.StopSearch, 0) << line;
+  }
+  for (const char* line :
+       {"quit\n",        "force\n",      "result 1-0\n", "time 1\n",     "otim 1\n",
+        "hard\n",        "easy\n",       "computer\n",   "rating 1 2\n", "ics x\n",
+        "level 0 1 0\n", "name x\n",     "white\n",      "black\n",      "draw\n",
+        "accepted x\n",  "rejected x\n", "hint\n",       "?\n",          "\n"}) {
+    EXPECT_FALSE(XBoardLineMustWait(line)) << line;
+  }
+}
+
+TEST_F(XBoardThinking, ForceEndsTheSearchAndItsMoveIsPlayedWithoutPondering) {
+  script = {{{"force\n"}, "e7e5", "g1f3"}};
+  const std::string printed = Play({"new\n", "e2e4\n"});
+  EXPECT_NE(printed.find("move e7e5\n"), std::string::npos);
+  EXPECT_EQ(printed.find("PONDERING"), std::string::npos);
+  EXPECT_EQ(searchFlags.StopSearch, 1);
+}
+
+TEST_F(XBoardThinking, ResultEndsTheSearchAndItsMoveIsPlayedWithoutPondering) {
+  script = {{{"result 1/2-1/2 {Agreed}\n"}, "e7e5", "g1f3"}};
+  const std::string printed = Play({"new\n", "e2e4\n"});
+  EXPECT_NE(printed.find("move e7e5\n"), std::string::npos);
+  EXPECT_EQ(printed.find("PONDERING"), std::string::npos);
+  EXPECT_STREQ(xboardGame.tags.result, "1/2-1/2");
+}
+
+TEST_F(XBoardThinking, NewDiscardsTheMoveAndThenRunsInOrder) {
+  script = {{{"new\n", "force\n", "time 500\n", "name Next\n"}, "e7e5", "g1f3"}};
+  EXPECT_EQ(Play({"new\n", "e2e4\n"}), std::string(afterE4) + "Allowing 0 ms for move (0, 0, 0)\n");
+  EXPECT_EQ(Position(), startLine);
+  EXPECT_EQ(xboardGame.force, 1);
+  EXPECT_EQ(xboardGame.clockReceived, 1);
+  EXPECT_STREQ(xboardGame.opponentName, "Next");
+}
+
+TEST_F(XBoardThinking, AMoveWaitsForTheEndOfTheSearch) {
+  script = {{{"d2d4\n"}, "e7e5"}, {{}, "e5d4"}};
+  const std::string printed = Play({"new\n", "e2e4\n"});
+  EXPECT_EQ(Position(), "rnbqkbnr/pppp1ppp/8/8/3pP3/8/PPP2PPP/RNBQKBNR w KQkq -\n");
+  EXPECT_LT(printed.find("move e7e5\n"), printed.find("move e5d4\n"));
+}
+
+TEST_F(XBoardThinking, SetboardWaitsForTheEndOfTheSearch) {
+  script = {{{"setboard 4k3/8/8/8/8/8/8/4K3 b -\n"}, "e7e5"}};
+  Play({"new\n", "easy\n", "e2e4\n"});
+  EXPECT_EQ(Position(), "4k3/8/8/8/8/8/8/4K3 b - -\n");
+}
+
+TEST_F(XBoardThinking, AClockThatArrivesCountsForTheNextMove) {
+  script = {{{"time 3000\n", "d2d4\n"}, "e7e5"}, {{}, "e5d4"}};
+  EXPECT_NE(Play({"new\n", "e2e4\n"}).find("Allowing 1000 ms for move (0, 30000, 0)\n"),
+            std::string::npos);
+}
+
+}  // namespace
+}  // namespace mirvo

@@ -1,0 +1,127 @@
+// A fixture that drives the XBoard front end with scripted searches: each one
+// says which lines arrive while it runs and what it answers.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <deque>
+#include <string>
+#include <vector>
+
+#include "board/fen.h"
+#include "board/make_move.h"
+#include "protocol/game_board.h"
+#include "protocol/position_line.h"
+#include "protocol/xboard.h"
+#include "protocol/xboard_game.h"
+#include "protocol/xboard_play.h"
+#include "protocol/xboard_ponder.h"
+#include "search/pondering.h"
+#include "search/search_flags.h"
+#include "shell/config.h"
+
+namespace mirvo {
+
+struct ScriptedSearch {
+  std::vector<std::string> lines;  // arrive while it runs, in order
+  std::string best;                // empty: no legal move
+  std::string ponder = "";         // expected reply
+  Move marks = noMove;             // bits added to the best move's word
+};
+
+class XBoardTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    current = this;
+    xboardGame = XBoardGame{};
+    xboardGame.think = RunScript;
+    xboardPonder = XBoardPonder{};
+    ponderStats = PonderStats{};
+    searchFlags = SearchFlags{};
+    engineConfig.Quiet = 1;
+    engineConfig.Ponder = 1;
+    engineConfig.LoggingMode = 0;
+    BeginFromStart(gameBoard);
+  }
+
+  void TearDown() override {
+    ReleaseRecord(xboardGame.record);
+    xboardGame = XBoardGame{};
+    current = nullptr;
+  }
+
+  /// Handles the lines as the dispatcher does between searches: the front
+  /// end's own line first, then those that waited. Returns what was printed.
+  std::string Play(const std::vector<std::string>& lines) {
+    testing::internal::CaptureStdout();
+    for (const std::string& line : lines) {
+      Handle(line);
+      FinishWaitingLines();
+    }
+    std::fflush(stdout);
+    return testing::internal::GetCapturedStdout();
+  }
+
+  static std::string Position() {
+    char text[positionLineCapacity];
+    FormatPositionLine(gameBoard, text);
+    return text;
+  }
+
+  std::deque<ScriptedSearch> script;
+  std::vector<std::string> searchKinds;  // "timed" or "ponder", one per search
+  std::deque<std::string> waiting;
+
+ private:
+  static void Handle(const std::string& line) {
+    std::uint8_t state = 0;
+    HandleXBoardLine(state, line.c_str());
+  }
+
+  void FinishWaitingLines() {
+    while (XBoardHasOwnLine() || !waiting.empty()) {
+      if (XBoardHasOwnLine()) {
+        char line[32];
+        TakeXBoardOwnLine(line, sizeof line);
+        Handle(line);
+      } else {
+        const std::string line = waiting.front();
+        waiting.pop_front();
+        Handle(line);
+      }
+    }
+  }
+
+  static SearchResult RunScript(SearchRecord& record) { return current->NextSearch(record); }
+
+  SearchResult NextSearch(SearchRecord& record) {
+    searchKinds.push_back(engineConfig.InfiniteThinkingTime != 0 ? "ponder" : "timed");
+    if (script.empty()) return {noMove, noMove};
+    const ScriptedSearch search = script.front();
+    script.pop_front();
+    for (const std::string& line : search.lines) {
+      if (XBoardLineMustWait(line.c_str())) {
+        waiting.push_back(line);
+      } else {
+        Handle(line);
+      }
+    }
+    return Answer(search, *record.gameBoard);
+  }
+
+  static SearchResult Answer(const ScriptedSearch& search, const Board& position) {
+    if (search.best.empty()) return {noMove, noMove};
+    static Board board;
+    board = position;
+    const Move best = CompleteTextMove(search.best.c_str(), board);
+    MakeMove(board, best);
+    const Move ponder =
+        search.ponder.empty() ? noMove : CompleteTextMove(search.ponder.c_str(), board);
+    return {best | search.marks, ponder};
+  }
+
+  inline static XBoardTest* current = nullptr;
+};
+
+}  // namespace mirvo
