@@ -8,7 +8,7 @@ namespace mirvo {
 enum class BoardLayout { wide, compact };
 
 /// Room for the text of either diagram, even with twelve letters on a square.
-inline constexpr int diagramCapacity = 2048;
+inline constexpr int diagramCapacity = 64 * 2 * 12 + 512;
 
 /// Writes the diagram into `text` (diagramCapacity bytes).
 void FormatBoard(const Board& board, BoardLayout layout, char* text);
