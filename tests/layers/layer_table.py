@@ -11,7 +11,7 @@ FILES = [
     ("shell/output*", "base"),
     ("shell/clock*", "base"),
     ("shell/text*", "base"),
-    ("protocol/protocol_mode.h", "base"),
+    ("protocol/protocol_mode*", "base"),
     ("board/*", "board"),
     ("shell/config*", "config"),
     ("search/hash_*", "hash"),

@@ -1,0 +1,9 @@
+#include <signal.h>
+
+#include "shell/process.h"
+
+namespace mirvo {
+
+void PrepareProcess() { signal(SIGPIPE, SIG_IGN); }
+
+}  // namespace mirvo

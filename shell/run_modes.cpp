@@ -1,0 +1,68 @@
+#include "shell/run_modes.h"
+
+#include "board/display.h"
+#include "board/perft.h"
+#include "book/opening_book.h"
+#include "epd/epd_runner.h"
+#include "eval/evaluate.h"
+#include "protocol/dispatcher.h"
+#include "protocol/protocol_mode.h"
+#include "shell/output.h"
+
+namespace mirvo {
+
+namespace {
+
+[[noreturn]] void RunEngine(const EngineConfig& config) {
+  if (config.UseOpeningBook != 0) {
+    LoadBook(openingBook, config.BookName, true);
+  }
+  RunIdleLoop(protocolMode);
+}
+
+void RunPerftMode(EngineConfig& config) {
+  Output(output, "Performing -perft %d\n", config.PerftDepth);
+  PrintBoard(config.CommandLineBoard, BoardLayout::compact, config.Quiet != 0);
+  RunPerft(config.CommandLineBoard, config.PerftDepth);
+  for (int depth = 1; depth <= config.PerftDepth; ++depth) {
+    Output(output, "%u %12llu\n", static_cast<unsigned>(depth),
+           static_cast<unsigned long long>(PerftCountAtDepth(depth)));
+  }
+}
+
+void RunEval(EngineConfig& config) {
+  Board& board = config.CommandLineBoard;
+  PrintBoard(board, BoardLayout::wide, config.Quiet != 0);
+  EvalRecord record{};
+  const std::int32_t score = Evaluate(record, board, board.sideToMove);
+  Output(output, "Full eval: %d\n", score);
+}
+
+}  // namespace
+
+int Run(EngineConfig& config) {
+  // A book tool has done its work while the command line was read.
+  if (config.ToolRunOnly != 0) {
+    return 0;
+  }
+  switch (config.RunMode) {
+    case RunModeCode::engine:
+      RunEngine(config);
+    case RunModeCode::analyze:
+      RunSuite(config.AnalyzeFile, config.AnalyzeFirst, config.AnalyzeCount);
+      break;
+    case RunModeCode::perft:
+      RunPerftMode(config);
+      break;
+    case RunModeCode::eval:
+      RunEval(config);
+      break;
+    case RunModeCode::test:
+      // Loading the position was all: this mode only exercises the set-up.
+    case RunModeCode::createBook:
+      break;
+  }
+  return 0;
+}
+
+}  // namespace mirvo
