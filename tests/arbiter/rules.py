@@ -7,6 +7,7 @@ their FEN letters, "." is an empty square.
 """
 
 import collections
+import re
 
 START = "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1"
 
@@ -213,6 +214,27 @@ def perft(position, depth):
 def find_move(position, text):
     """The legal move with that coordinate text, or None."""
     return next((m for m in position.legal_moves() if move_text(m) == text), None)
+
+
+SAN = re.compile(r"([NBRQK]?)([a-h]?)([1-8]?)x?([a-h][1-8])(?:=?([NBRQ]))?[+#]?$")
+
+
+def find_san(position, text):
+    """The one legal move that short algebraic text names, or None."""
+    legal = position.legal_moves()
+    if text.startswith("O-O"):
+        shift = -2 if text.startswith("O-O-O") else 2
+        found = [m for m in legal if position.cells[m.origin].lower() == "k"
+                 and m.target - m.origin == shift]
+    else:
+        match = SAN.match(text)
+        if match is None:
+            return None
+        kind, file, rank, target, promotion = match.groups("")
+        found = [m for m in legal if position.cells[m.origin].upper() == (kind or "P")
+                 and square_name(m.target) == target and m.promotion == promotion.lower()
+                 and file in square_name(m.origin) and rank in square_name(m.origin)]
+    return found[0] if len(found) == 1 else None
 
 
 def outcome(position, history, ply_limit=400):

@@ -5,7 +5,7 @@ Usage: test_rules.py   (unittest; run by CTest as arbiter.rules)
 
 import unittest
 
-from rules import START, Position, find_move, outcome, perft
+from rules import START, Position, find_move, find_san, move_text, outcome, perft
 
 # The counts that the chess programming community publishes for these
 # positions; the depths are what plain Python counts in a few seconds.
@@ -86,6 +86,19 @@ class Rules(unittest.TestCase):
         for text in ["e2e5", "e7e5", "0000", "", "e1e2", "e2e4q", "E2E4"]:
             with self.subTest(text=text):
                 self.assertIsNone(find_move(Position(), text))
+
+    def test_short_algebraic_text_names_one_move(self):
+        knights = "r3k2r/P7/8/8/8/2N3N1/8/R3K2R w KQkq - 0 1"
+        cases = [("O-O", "e1g1"), ("O-O-O", "e1c1"), ("Nce4", "c3e4"), ("Ne4", None),
+                 ("axb8=Q", None), ("Rb1", "a1b1"), ("Rh1g1", "h1g1"), ("Kd2", "e1d2"),
+                 ("Rxh8+", "h1h8"), ("e4", None), ("nonsense", None)]
+        for text, expected in cases:
+            with self.subTest(text=text):
+                move = find_san(Position(knights), text)
+                self.assertEqual(move and move_text(move), expected)
+        promotion = Position("1n2k3/P7/8/8/8/8/8/4K3 w - - 0 1")
+        self.assertEqual(move_text(find_san(promotion, "axb8=N")), "a7b8n")
+        self.assertEqual(move_text(find_san(promotion, "a8=Q")), "a7a8q")
 
     def test_fen_round_trips(self):
         for _, fen, _ in PERFT:
