@@ -27,14 +27,28 @@ char* WriteRank(const Board& board, int rank, char* out) {
   return out;
 }
 
-/// Rights that are still available: king and rook have not moved and the side
-/// has not castled.
-char* WriteCastling(const CastlingFlags& castling, char* out) {
+/// Whether the rook of one wing and its king still stand where they castle
+/// from; a rook taken on its corner leaves the flags alone.
+bool RookAndKingAtHome(const Board& board, int side, int rookFile) {
+  const int rank = side == white ? 0 : 7;
+  const Bitboard rooks = board.pieces[PieceIndex(side, rook)];
+  const Bitboard kings = board.pieces[PieceIndex(side, king)];
+  return (rooks & Bit(SquareAt(rank, rookFile))) != 0 && (kings & Bit(SquareAt(rank, 4))) != 0;
+}
+
+/// Rights that are still available: neither king nor rook has moved, the side
+/// has not castled, and both are there.
+char* WriteCastling(const Board& board, char* out) {
+  const CastlingFlags& castling = board.castling;
   const char* const first = out;
   for (int side = white; side <= black; ++side) {
     if (castling.hasCastled[side] != 0 || castling.kingMoved[side] != 0) continue;
-    if (castling.kingRookMoved[side] == 0) *out++ = side == white ? 'K' : 'k';
-    if (castling.queenRookMoved[side] == 0) *out++ = side == white ? 'Q' : 'q';
+    if (castling.kingRookMoved[side] == 0 && RookAndKingAtHome(board, side, 7)) {
+      *out++ = side == white ? 'K' : 'k';
+    }
+    if (castling.queenRookMoved[side] == 0 && RookAndKingAtHome(board, side, 0)) {
+      *out++ = side == white ? 'Q' : 'q';
+    }
   }
   if (out == first) *out++ = '-';
   return out;
@@ -51,7 +65,7 @@ void FormatPositionLine(const Board& board, char* text) {
   *out++ = ' ';
   *out++ = board.sideToMove == white ? 'w' : 'b';
   *out++ = ' ';
-  out = WriteCastling(board.castling, out);
+  out = WriteCastling(board, out);
   for (const char* tail = " -\n"; *tail != 0; ++tail) *out++ = *tail;
   *out = 0;
 }

@@ -52,6 +52,19 @@ TEST(PositionLine, LosesRightsWithTheKingAndRookThatMove) {
   EXPECT_STREQ(text, "2kr3r/8/8/8/7R/8/8/R3K3 w Q -\n");
 }
 
+TEST(PositionLine, LosesTheRightWhoseRookIsTaken) {
+  static Board board;
+  BeginFromFen("r3k2r/8/8/8/8/8/8/R3K2R", "w", "KQkq", board);
+  MakeMove(board, CompleteTextMove("h1h8", board));
+  char text[positionLineCapacity];
+  FormatPositionLine(board, text);
+  EXPECT_STREQ(text, "r3k2R/8/8/8/8/8/8/R3K3 b Qq -\n");
+}
+
+TEST(PositionLine, NamesNoRightWithoutKingAndRookAtHome) {
+  EXPECT_EQ(LineOf("r2k3r/8/8/8/8/8/8/1R2K1R1", "w", "KQkq"), "r2k3r/8/8/8/8/8/8/1R2K1R1 w - -\n");
+}
+
 TEST(PositionLine, FitsABoardThatTextInputHasSpoiled) {
   static Board board;
   BeginFromStart(board);
