@@ -1,0 +1,277 @@
+#include "search/hash_table.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+namespace mirvo {
+namespace {
+
+class HashTableTest : public testing::Test {
+ protected:
+  HashTableTest() {
+    table.size = 1;
+    HashAllocate(table);
+  }
+  ~HashTableTest() override { HashRelease(table); }
+
+  bool Probe(std::uint64_t key, std::int32_t alpha, std::int32_t beta, std::int32_t depth) {
+    move = untouchedMove;
+    score = untouchedScore;
+    return HashProbe(table, key, move, score, alpha, beta, depth);
+  }
+
+  static constexpr Move untouchedMove = 0x7777;
+  static constexpr std::int32_t untouchedScore = 4242;
+  static constexpr std::uint64_t key = 0x123456789ABCDEF0ULL;
+  // Another key of the same slot: 16384 slots, low word unchanged.
+  static constexpr std::uint64_t rival = key ^ (1ULL << 40);
+
+  HashTable table{};
+  Move move = untouchedMove;
+  std::int32_t score = untouchedScore;
+};
+
+std::uint32_t SlotsOf(std::int32_t megabytes) {
+  HashTable table{};
+  table.size = static_cast<std::uint32_t>(megabytes);
+  HashAllocate(table);
+  const std::uint32_t slots = table.size;
+  const bool aligned = reinterpret_cast<std::uintptr_t>(table.entries) % 64 == 0;
+  EXPECT_TRUE(aligned);
+  EXPECT_NE(table.entries, nullptr);
+  HashRelease(table);
+  return slots;
+}
+
+TEST(HashAllocation, MegabytesGiveSlotsOf64Bytes) {
+  EXPECT_EQ(SlotsOf(1), 16384U);
+  EXPECT_EQ(SlotsOf(64), 1048576U);
+  EXPECT_EQ(SlotsOf(100), 1638400U);
+}
+
+TEST(HashAllocation, SizesAreCountedIn32Bits) {
+  EXPECT_EQ(SlotsOf(4097), 16384U);  // wraps to 1 MB
+  EXPECT_EQ(SlotsOf(100000), ((100000U << 20) >> 6));
+}
+
+TEST(HashAllocation, ASizeThatGivesNoSlotsGivesASmallTable) {
+  EXPECT_EQ(SlotsOf(0), minHashSlots);
+  EXPECT_EQ(SlotsOf(4096), minHashSlots);
+}
+
+TEST(HashAllocation, NegativeSizesGetATable) { EXPECT_GT(SlotsOf(-5), 0U); }
+
+TEST(HashAllocation, ReallocationEmptiesTheTable) {
+  HashTable table{};
+  table.size = 1;
+  HashAllocate(table);
+  HashStore(table, 99, 7, 1, exactBound, 3);
+  table.size = 2;
+  HashAllocate(table);
+  EXPECT_EQ(table.size, 32768U);
+  Move move = noMove;
+  std::int32_t score = 0;
+  EXPECT_FALSE(HashProbe(table, 99, move, score, -1, 1, 0));
+  EXPECT_EQ(table.conflicts, 1U);
+  HashRelease(table);
+}
+
+TEST_F(HashTableTest, IndexIsTheLowWordModuloTheSlots) {
+  EXPECT_EQ(HashIndex(table, 0xFFFFFFFF00000000ULL + 16384U + 5U), 5U);
+  table.size = 1000;  // need not be a power of two
+  EXPECT_EQ(HashIndex(table, 0x100000000ULL * 77 + 4321U), 321U);
+  table.size = 16384;
+}
+
+TEST_F(HashTableTest, ProbeAndStoreRememberTheirSlot) {
+  HashStore(table, key, 1, 2, exactBound, 3);
+  EXPECT_EQ(table.lastKey, key);
+  EXPECT_EQ(table.lastIndex, static_cast<std::int32_t>(HashIndex(table, key)));
+  Probe(0x55, -1, 1, 1);
+  EXPECT_EQ(table.lastKey, 0x55U);
+  EXPECT_EQ(table.lastIndex, 0x55);
+}
+
+TEST_F(HashTableTest, AnUnknownKeyIsAConflictAndTouchesNothing) {
+  EXPECT_FALSE(Probe(key, -100, 100, 1));
+  EXPECT_EQ(table.conflicts, 1U);
+  EXPECT_EQ(table.hits + table.misses, 0U);
+  EXPECT_EQ(move, untouchedMove);
+  EXPECT_EQ(score, untouchedScore);
+}
+
+TEST_F(HashTableTest, KeyZeroIsNeverStoredNorFound) {
+  HashStore(table, 0, 5, 10, exactBound, 20);
+  EXPECT_FALSE(Probe(0, -100, 100, 1));
+  EXPECT_EQ(table.conflicts, 1U);
+  EXPECT_EQ(table.entries[0].move, noMove);
+}
+
+TEST_F(HashTableTest, TooSmallADepthIsAMissThatHandsTheMoveBack) {
+  HashStore(table, key, 11, 50, exactBound, 4);
+  EXPECT_FALSE(Probe(key, -100, 100, 5));
+  EXPECT_EQ(table.misses, 1U);
+  EXPECT_EQ(move, 11U);
+  EXPECT_EQ(score, untouchedScore);
+}
+
+TEST_F(HashTableTest, AnExactSlotGivesItsScoreWithoutTheMove) {
+  HashStore(table, key, 11, 50, exactBound, 5);
+  EXPECT_TRUE(Probe(key, -100, 100, 5));
+  EXPECT_EQ(table.hits, 1U);
+  EXPECT_EQ(score, 50);
+  EXPECT_EQ(move, untouchedMove);
+}
+
+TEST_F(HashTableTest, AnUpperBoundDecidesAtOrBelowAlpha) {
+  HashStore(table, key, 11, -100, upperBound, 5);
+  EXPECT_TRUE(Probe(key, -100, 100, 5));
+  EXPECT_EQ(score, -100);
+  EXPECT_EQ(move, 11U);
+  EXPECT_FALSE(Probe(key, -101, 100, 5));
+  EXPECT_EQ(table.hits, 1U);
+  EXPECT_EQ(table.misses, 1U);
+  EXPECT_EQ(move, 11U);
+  EXPECT_EQ(score, untouchedScore);
+}
+
+TEST_F(HashTableTest, ALowerBoundDecidesAtOrAboveBeta) {
+  HashStore(table, key, 11, 100, lowerBound, 5);
+  EXPECT_TRUE(Probe(key, -100, 100, 5));
+  EXPECT_EQ(score, 100);
+  EXPECT_EQ(move, 11U);
+  EXPECT_FALSE(Probe(key, -100, 101, 5));
+  EXPECT_EQ(table.misses, 1U);
+}
+
+TEST_F(HashTableTest, ASlotWithoutABoundOnlyHandsItsMoveBack) {
+  HashStore(table, key, 11, 0, noBound, 5);
+  EXPECT_FALSE(Probe(key, -100, 100, 5));
+  EXPECT_EQ(table.misses, 1U);
+  EXPECT_EQ(move, 11U);
+}
+
+TEST_F(HashTableTest, AShallowerResultDoesNotReplaceADeeperOne) {
+  HashStore(table, key, 11, 50, exactBound, 5);
+  HashStore(table, rival, 12, 60, exactBound, 4);
+  EXPECT_EQ(HashSlot(table, key).key, key);
+  HashStore(table, rival, 12, 60, exactBound, 5);
+  EXPECT_EQ(HashSlot(table, key).key, rival);
+}
+
+TEST_F(HashTableTest, ASlotWithoutAMoveIsReplacedWhateverTheDepth) {
+  HashStore(table, key, noMove, 50, exactBound, 5);
+  HashStore(table, rival, 12, 60, exactBound, 1);
+  EXPECT_EQ(HashSlot(table, key).key, rival);
+}
+
+TEST_F(HashTableTest, ASlotWithoutAScoreIsReplacedWhateverTheDepth) {
+  HashStore(table, key, 11, EmptyScore, exactBound, 5);
+  HashStore(table, rival, 12, 60, exactBound, 1);
+  EXPECT_EQ(HashSlot(table, key).key, rival);
+}
+
+TEST_F(HashTableTest, NoMoveForTheSameKeyKeepsTheEarlierMove) {
+  HashStore(table, key, 11, 50, exactBound, 5);
+  HashStore(table, key, noMove, 40, upperBound, 6);
+  EXPECT_EQ(HashSlot(table, key).move, 11U);
+  EXPECT_EQ(HashSlot(table, key).score, 40);
+  EXPECT_EQ(HashSlot(table, key).bound, upperBound);
+  EXPECT_EQ(HashSlot(table, key).depth, 6);
+}
+
+TEST_F(HashTableTest, NoMoveForAnotherKeyClearsTheMove) {
+  HashStore(table, key, 11, 50, exactBound, 5);
+  HashStore(table, rival, noMove, 40, upperBound, 5);
+  EXPECT_EQ(HashSlot(table, key).move, noMove);
+}
+
+TEST_F(HashTableTest, ClearingWritesEmptyValuesAndKeepsTheMove) {
+  HashStore(table, key, 11, 50, exactBound, 5);
+  HashClear(table);
+  const HashEntry& slot = HashSlot(table, key);
+  EXPECT_EQ(slot.key, 0U);
+  EXPECT_EQ(slot.evalScore, -123456);
+  EXPECT_EQ(slot.depth, 0);
+  EXPECT_EQ(slot.score, -123456);
+  EXPECT_EQ(slot.bound, noBound);
+  EXPECT_EQ(slot.move, 11U);
+}
+
+TEST_F(HashTableTest, TheSearchResetKeepsTheEvaluationAndDropsTheMove) {
+  HashStore(table, key, 11, 50, exactBound, 5);
+  HashSlot(table, key).evalScore = 77;
+  HashResetSearch(table);
+  const HashEntry& slot = HashSlot(table, key);
+  EXPECT_EQ(slot.key, 0U);
+  EXPECT_EQ(slot.evalScore, 77);
+  EXPECT_EQ(slot.depth, 0);
+  EXPECT_EQ(slot.score, EmptyScore);
+  EXPECT_EQ(slot.bound, noBound);
+  EXPECT_EQ(slot.move, noMove);
+}
+
+TEST(HashClearing, ATableWithoutMemoryIsLeftAlone) {
+  HashTable table{};
+  HashClear(table);
+  HashResetSearch(table);
+  EXPECT_EQ(table.entries, nullptr);
+}
+
+TEST(HashMoveLookupTest, CopiesTheScoreAndAlwaysSaysNo) {
+  EvalHashTable.size = 1;
+  HashAllocate(EvalHashTable);
+  HashSlot(EvalHashTable, 77).key = 77;
+  HashSlot(EvalHashTable, 77).score = 31;
+  std::int32_t score = 5;
+  EXPECT_FALSE(HashMoveLookup(77, score));
+  EXPECT_EQ(score, 31);
+  EXPECT_EQ(EvalHashTable.lastKey, 77U);
+  EXPECT_FALSE(HashMoveLookup(78, score));
+  EXPECT_EQ(score, 31);
+  HashRelease(EvalHashTable);
+}
+
+std::string Captured(void (*print)()) {
+  testing::internal::CaptureStdout();
+  print();
+  return testing::internal::GetCapturedStdout();
+}
+
+TEST(HashReport, UsageLineShowsCountsAndPercentages) {
+  HashTable table{};
+  table.hits = 1;
+  table.misses = 2;
+  table.conflicts = 5;
+  testing::internal::CaptureStdout();
+  PrintCacheUsage(table);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(),
+            "Cache usage: hits=1(12.50%) misses=2(25.00%) conflicts=5(62.50%)\n");
+}
+
+TEST(HashReport, NamesTheThreeTablesInOrder) {
+  EvalHashTable.hits = 1;
+  PawnHashTable.conflicts = 1;
+  TranspositionTable.misses = 1;
+  EXPECT_EQ(Captured([] { PrintHashReport(false); }),
+            "Eval hash: Cache usage: hits=1(100.00%) misses=0(0.00%) conflicts=0(0.00%)\n"
+            "Pawn hash: Cache usage: hits=0(0.00%) misses=0(0.00%) conflicts=1(100.00%)\n"
+            "TT:        Cache usage: hits=0(0.00%) misses=1(100.00%) conflicts=0(0.00%)\n");
+  EXPECT_EQ(Captured([] { PrintHashReport(true); }), "");
+}
+
+TEST(HashReport, ResettingTheCountersKeepsTheStores) {
+  EvalHashTable.hits = 3;
+  EvalHashTable.stores = 9;
+  PawnHashTable.conflicts = 4;
+  TranspositionTable.misses = 5;
+  ResetHashCounters();
+  EXPECT_EQ(EvalHashTable.hits, 0U);
+  EXPECT_EQ(EvalHashTable.stores, 9U);
+  EXPECT_EQ(PawnHashTable.conflicts, 0U);
+  EXPECT_EQ(TranspositionTable.misses, 0U);
+}
+
+}  // namespace
+}  // namespace mirvo

@@ -1,0 +1,45 @@
+#include "search/reductions.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace mirvo {
+namespace {
+
+TEST(Reductions, FollowTheirFormulaInDoublePrecision) {
+  BuildReductionTables();
+  for (int row = 0; row < 64; ++row) {
+    for (int column = 0; column < 64; ++column) {
+      const double product = std::log(2.0 * row + 1.0) * std::log(column + 1.0);
+      const double nonPv = product / 3.0 + 0.5;
+      const double pv = product / 6.0 + 0.5;
+      // Single precision may fall on the other side only next to an integer.
+      if (std::abs(nonPv - std::round(nonPv)) > 1e-5) {
+        EXPECT_EQ(NonPvReductions[row][column], static_cast<int>(std::floor(nonPv)));
+      }
+      if (std::abs(pv - std::round(pv)) > 1e-5) {
+        EXPECT_EQ(PvReductions[row][column], static_cast<int>(std::floor(pv)));
+      }
+    }
+  }
+}
+
+TEST(Reductions, KnownEntries) {
+  BuildReductionTables();
+  EXPECT_EQ(NonPvReductions[0][63], 0);   // log 1 = 0
+  EXPECT_EQ(NonPvReductions[3][3], 1);    // log 7 * log 4 / 3 = 0.90
+  EXPECT_EQ(NonPvReductions[7][9], 2);    // log 15 * log 10 / 3 = 2.08
+  EXPECT_EQ(NonPvReductions[63][63], 7);  // log 127 * log 64 / 3 = 6.72
+  EXPECT_EQ(PvReductions[63][63], 3);     // half of it, 3.36
+}
+
+TEST(Reductions, DepthsAndMoveNumbersPastTheTableUseItsEdge) {
+  BuildReductionTables();
+  EXPECT_EQ(Reduction(false, 400, 250), NonPvReductions[63][63]);
+  EXPECT_EQ(Reduction(true, 64, 3), PvReductions[63][3]);
+  EXPECT_EQ(Reduction(true, -4, -1), PvReductions[0][0]);
+}
+
+}  // namespace
+}  // namespace mirvo

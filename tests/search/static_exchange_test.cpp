@@ -1,0 +1,148 @@
+#include "search/static_exchange.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "board/bb_move_generator.h"
+#include "search/move_order.h"
+#include "tests/support/search_support.h"
+
+namespace mirvo {
+namespace {
+
+Move FindMove(Board& board, const std::string& text) {
+  BBMoveGenerator2 generator(board, board.sideToMove);
+  generator.GenerateAll();
+  for (int i = 0; i < generator.count; ++i) {
+    if (test::MoveText(generator.moves[i]) == text) return generator.moves[i];
+  }
+  ADD_FAILURE() << "no move " << text;
+  return noMove;
+}
+
+std::int32_t Exchange(const std::string& position, const std::string& text) {
+  test::PrepareEngine();
+  Board board;
+  test::SetPosition(board, position);
+  const Move move = FindMove(board, text);
+  return StaticExchange(board, move, CaptureVictim(board, move));
+}
+
+// Every generated capture of the reference positions, in generation order.
+TEST(StaticExchange, AgreesWithTheReferenceValues) {
+  test::PrepareEngine();
+  Board board;
+  int nChecked = 0;
+  const std::string prefix = "position: ";
+  std::string position;
+  for (const std::string& line : test::ReferenceLines("see.txt")) {
+    if (line.starts_with(prefix)) {
+      position = line.substr(prefix.size());
+      test::SetPosition(board, position);
+      continue;
+    }
+    if (line.empty()) continue;
+    BBMoveGenerator2 generator(board, board.sideToMove);
+    generator.GenerateCaptures();
+    std::string values;
+    for (int i = 0; i < generator.count; ++i) {
+      const Move move = generator.moves[i];
+      const std::int32_t value = StaticExchange(board, move, CaptureVictim(board, move));
+      values += (i > 0 ? " " : "") + test::MoveText(move) + ":" + std::to_string(value);
+    }
+    EXPECT_EQ(values, line) << position;
+    ++nChecked;
+  }
+  EXPECT_GT(nChecked, 20);
+}
+
+TEST(StaticExchange, AnUndefendedPieceIsWon) {
+  EXPECT_EQ(Exchange("4k3/8/8/3n4/8/8/8/3RK3 w -", "d1d5"), 400);
+}
+
+TEST(StaticExchange, ARookForADefendedPawnLoses) {
+  EXPECT_EQ(Exchange("4k3/8/2p5/3p4/8/8/8/3RK3 w -", "d1d5"), 100 - 600);
+}
+
+TEST(StaticExchange, SlidersBehindSlidersJoinIn) {
+  // Rook behind rook: pawn, rook for rook, pawn's defender gone.
+  EXPECT_EQ(Exchange("3rk3/8/8/3p4/8/8/3R4/3RK3 w -", "d2d5"), 100);
+}
+
+TEST(StaticExchange, ABishopBehindACapturingPawnJoinsIn) {
+  // exd5 exd5 Bxd5: a pawn for a pawn and a pawn.
+  EXPECT_EQ(Exchange("4k3/8/4p3/3p4/4P3/5B2/8/4K3 w -", "e4d5"), 100);
+}
+
+TEST(StaticExchange, TheSideThatWouldLoseStops) {
+  // Queen takes a pawn that a pawn defends: black takes back, nothing more.
+  EXPECT_EQ(Exchange("4k3/8/2p5/3p4/8/8/3Q4/4K3 w -", "d2d5"), 100 - 1100);
+}
+
+TEST(StaticExchange, KingsTakePartEvenIntoAttack) {
+  // Kxd5 is met by ...cxd5 in the exchange, legal or not.
+  EXPECT_EQ(Exchange("4k3/8/2p5/3p4/3K4/8/8/8 w -", "d4d5"), 100 - 20000);
+}
+
+TEST(StaticExchange, EnPassantCountsAPawnAndLeavesItStanding) {
+  test::PrepareEngine();
+  Board board;
+  test::SetPosition(board, "startpos moves e2e4 a7a6 e4e5 d7d5");
+  const Move move = FindMove(board, "e5d6");
+  EXPECT_EQ(CaptureVictim(board, move), pawn);
+  // exd6 exd6: a pawn for a pawn.
+  EXPECT_EQ(StaticExchange(board, move, pawn), 0);
+}
+
+TEST(StaticExchange, LeavesTheBoardAsItIs) {
+  test::PrepareEngine();
+  Board board;
+  test::SetPosition(board, "r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq");
+  const std::uint64_t key = board.positionKey;
+  const std::uint64_t rotated = board.occupiedRot90;
+  const Move move = FindMove(board, "f3f6");
+  StaticExchange(board, move, knight);
+  EXPECT_EQ(board.positionKey, key);
+  EXPECT_EQ(board.occupiedRot90, rotated);
+}
+
+TEST(StaticExchange, ABoardFullOfQueensStaysWithinItsList) {
+  const std::string position =
+      "QQQqQQQQ/QqQqQqQQ/QQqqqQQQ/qqqqqqqq/QQqqqQQk/QqQqQqQQ/qQQqQQqQ/QQQqQQQK w -";
+  test::PrepareEngine();
+  Board board;
+  test::SetPosition(board, position);
+  BBMoveGenerator2 generator(board, white);
+  generator.GenerateCaptures();
+  for (int i = 0; i < generator.count; ++i) StaticExchange(board, generator.moves[i], queen);
+  EXPECT_GT(generator.count, 10);
+}
+
+TEST(ScoreCapture, ACheaperOrEqualAttackerIsScoredByVictimAndAttacker) {
+  test::PrepareEngine();
+  Board board;
+  // A knight takes a defended bishop: no exchange is looked at.
+  test::SetPosition(board, "4k3/8/2p5/3b4/8/4N3/8/4K3 w -");
+  const Move move = FindMove(board, "e3d5");
+  EXPECT_EQ(ScoreCapture(board, move, bishop), MvvLva[bishop][knight]);
+}
+
+TEST(ScoreCapture, ABishopForADefendedKnightStaysAGoodCapture) {
+  test::PrepareEngine();
+  Board board;
+  test::SetPosition(board, "4k3/8/2p5/3n4/8/5B2/8/4K3 w -");
+  const Move move = FindMove(board, "f3d5");
+  EXPECT_EQ(StaticExchange(board, move, knight), 0);
+  EXPECT_EQ(ScoreCapture(board, move, knight), MvvLva[knight][bishop]);
+}
+
+TEST(ScoreCapture, ALosingCaptureScoresItsExchange) {
+  test::PrepareEngine();
+  Board board;
+  test::SetPosition(board, "4k3/8/2p5/3p4/8/8/8/3RK3 w -");
+  EXPECT_EQ(ScoreCapture(board, FindMove(board, "d1d5"), pawn), -500);
+}
+
+}  // namespace
+}  // namespace mirvo

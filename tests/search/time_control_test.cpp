@@ -1,0 +1,137 @@
+#include "search/time_control.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <limits>
+#include <string>
+
+#include "search/pondering.h"
+#include "search/search_flags.h"
+#include "shell/clock.h"
+
+namespace mirvo {
+namespace {
+
+struct AllocationCase {
+  const char* name;
+  std::int32_t movesToGo;
+  std::int32_t timeLeft;
+  std::int32_t increment;
+  std::int32_t expected;
+};
+
+class Allocation : public testing::TestWithParam<AllocationCase> {};
+
+TEST_P(Allocation, StoresAndPrintsTheTime) {
+  const AllocationCase& c = GetParam();
+  testing::internal::CaptureStdout();
+  AllocateTime(engineConfig, c.movesToGo, c.timeLeft, c.increment);
+  const std::string printed = testing::internal::GetCapturedStdout();
+  EXPECT_EQ(engineConfig.FixedTimePerMove, c.expected);
+  EXPECT_EQ(printed, "Allowing " + std::to_string(c.expected) + " ms for move (" +
+                         std::to_string(c.movesToGo) + ", " + std::to_string(c.timeLeft) + ", " +
+                         std::to_string(c.increment) + ")\n");
+}
+
+constexpr std::int32_t lowest = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t highest = std::numeric_limits<std::int32_t>::max();
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, Allocation,
+    testing::Values(AllocationCase{"IncrementAndLittleTime", 0, 99, 1000, 30},
+                    AllocationCase{"IncrementAtTheLimit", 0, 100, 1000, 454},
+                    AllocationCase{"IncrementTooSmallForTheMargin", 0, 1000, 2, 0},
+                    AllocationCase{"NegativeTimeWithIncrement", 0, -500, 100, 30},
+                    AllocationCase{"ShortTime", 0, 4999, 0, 124},
+                    AllocationCase{"MediumTimeFrom5000", 0, 5000, 0, 166},
+                    AllocationCase{"MediumTimeTo30000", 0, 30000, 0, 1000},
+                    AllocationCase{"LongTime", 0, 30001, 0, 1200},
+                    AllocationCase{"MovesToGo", 40, 60000, 0, 1500},
+                    AllocationCase{"MovesToGoIgnoresTheIncrement", 40, 60000, 5000, 1500},
+                    AllocationCase{"NegativeBecomesZero", 40, -60000, 0, 0},
+                    AllocationCase{"NegativeMovesToGo", -1, lowest, 0, highest},
+                    AllocationCase{"NothingKnown", 0, 0, 0, 0},
+                    AllocationCase{"HugeIncrement", 0, highest, highest, 1159641118}),
+    [](const auto& info) { return info.param.name; });
+
+TEST(Allotment, DoublingSaturates) {
+  engineConfig.FixedTimePerMove = 1500;
+  DoubleAllottedTime(engineConfig);
+  EXPECT_EQ(engineConfig.FixedTimePerMove, 3000);
+  engineConfig.FixedTimePerMove = highest - 1;
+  DoubleAllottedTime(engineConfig);
+  EXPECT_EQ(engineConfig.FixedTimePerMove, highest);
+}
+
+std::uint32_t fakeTicks = 0;
+
+class Clock : public testing::Test {
+ protected:
+  Clock() {
+    SetTickSource([] { return fakeTicks; });
+  }
+  ~Clock() override { SetTickSource(nullptr); }
+};
+
+TEST_F(Clock, TheTimeIsUpWhenMoreThanTheAllotmentHasPassed) {
+  timeControl.startTime = 5000;
+  engineConfig.FixedTimePerMove = 100;
+  fakeTicks = 5100;
+  EXPECT_FALSE(TimeIsUp(engineConfig));
+  fakeTicks = 5101;
+  EXPECT_TRUE(TimeIsUp(engineConfig));
+}
+
+TEST_F(Clock, TheDefaultAllotmentIsUpAtOnce) {
+  timeControl.startTime = 5000;
+  fakeTicks = 5000;
+  engineConfig.FixedTimePerMove = noFixedTime;
+  EXPECT_TRUE(TimeIsUp(engineConfig));
+}
+
+TEST_F(Clock, TimesAreRightAcrossTheWrapOfTheClock) {
+  timeControl.startTime = 0xFFFFFFF0U;
+  engineConfig.FixedTimePerMove = 100;
+  fakeTicks = 0x10U;  // 32 ms later
+  EXPECT_FALSE(TimeIsUp(engineConfig));
+  fakeTicks = 0x55U;  // 101 ms later
+  EXPECT_TRUE(TimeIsUp(engineConfig));
+}
+
+TEST_F(Clock, AClockStepBackwardsDoesNotEndTheSearch) {
+  timeControl.startTime = 5000;
+  engineConfig.FixedTimePerMove = 100;
+  fakeTicks = 4000;
+  EXPECT_FALSE(TimeIsUp(engineConfig));
+}
+
+TEST_F(Clock, APonderHitTurnsTheSearchIntoATimedOne) {
+  fakeTicks = 7777;
+  searchFlags.pondering = 1;
+  engineConfig.InfiniteThinkingTime = 1;
+  ponderStats = PonderStats{2, 1};
+  testing::internal::CaptureStdout();
+  PonderHit(engineConfig, 0, 60000, 0);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(),
+            "PONDER HIT. CONTINUING\n"
+            "Allowing 2400 ms for move (0, 60000, 0)\n"
+            "Ponder hits = 3, misses = 1, percenthits = 75.0%\n");
+  EXPECT_EQ(engineConfig.InfiniteThinkingTime, 0);
+  EXPECT_EQ(searchFlags.pondering, 0);
+  EXPECT_EQ(timeControl.startTime, 7777U);
+  EXPECT_EQ(engineConfig.FixedTimePerMove, 2400);
+  searchFlags = SearchFlags{};
+  ponderStats = PonderStats{};
+}
+
+TEST(PonderStatistics, NothingCountedReadsAsZero) {
+  ponderStats = PonderStats{};
+  testing::internal::CaptureStdout();
+  PrintPonderStats();
+  EXPECT_EQ(testing::internal::GetCapturedStdout(),
+            "Ponder hits = 0, misses = 0, percenthits = 0.0%\n");
+}
+
+}  // namespace
+}  // namespace mirvo
