@@ -15,10 +15,10 @@ class HashTableTest : public testing::Test {
   }
   ~HashTableTest() override { HashRelease(table); }
 
-  bool Probe(std::uint64_t key, std::int32_t alpha, std::int32_t beta, std::int32_t depth) {
+  bool Probe(std::uint64_t wanted, std::int32_t alpha, std::int32_t beta, std::int32_t depth) {
     move = untouchedMove;
     score = untouchedScore;
-    return HashProbe(table, key, move, score, alpha, beta, depth);
+    return HashProbe(table, wanted, move, score, alpha, beta, depth);
   }
 
   static constexpr Move untouchedMove = 0x7777;

@@ -45,13 +45,14 @@ TEST(StaticExchange, AgreesWithTheReferenceValues) {
     if (line.empty()) continue;
     BBMoveGenerator2 generator(board, board.sideToMove);
     generator.GenerateCaptures();
-    std::string values;
+    std::ostringstream values;
     for (int i = 0; i < generator.count; ++i) {
       const Move move = generator.moves[i];
       const std::int32_t value = StaticExchange(board, move, CaptureVictim(board, move));
-      values += (i > 0 ? " " : "") + test::MoveText(move) + ":" + std::to_string(value);
+      if (i > 0) values << ' ';
+      values << test::MoveText(move) << ':' << value;
     }
-    EXPECT_EQ(values, line) << position;
+    EXPECT_EQ(values.str(), line) << position;
     ++nChecked;
   }
   EXPECT_GT(nChecked, 20);

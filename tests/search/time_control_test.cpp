@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <limits>
+#include <sstream>
 #include <string>
 
 #include "search/pondering.h"
@@ -29,9 +30,10 @@ TEST_P(Allocation, StoresAndPrintsTheTime) {
   AllocateTime(engineConfig, c.movesToGo, c.timeLeft, c.increment);
   const std::string printed = testing::internal::GetCapturedStdout();
   EXPECT_EQ(engineConfig.FixedTimePerMove, c.expected);
-  EXPECT_EQ(printed, "Allowing " + std::to_string(c.expected) + " ms for move (" +
-                         std::to_string(c.movesToGo) + ", " + std::to_string(c.timeLeft) + ", " +
-                         std::to_string(c.increment) + ")\n");
+  std::ostringstream line;
+  line << "Allowing " << c.expected << " ms for move (" << c.movesToGo << ", " << c.timeLeft << ", "
+       << c.increment << ")\n";
+  EXPECT_EQ(printed, line.str());
 }
 
 constexpr std::int32_t lowest = std::numeric_limits<std::int32_t>::min();
@@ -53,7 +55,7 @@ INSTANTIATE_TEST_SUITE_P(
                     AllocationCase{"NegativeMovesToGo", -1, lowest, 0, highest},
                     AllocationCase{"NothingKnown", 0, 0, 0, 0},
                     AllocationCase{"HugeIncrement", 0, highest, highest, 1159641118}),
-    [](const auto& info) { return info.param.name; });
+    [](const auto& named) { return named.param.name; });
 
 TEST(Allotment, DoublingSaturates) {
   engineConfig.FixedTimePerMove = 1500;
