@@ -1,0 +1,236 @@
+#include "protocol/dispatcher.h"
+
+#include <cstdlib>
+#include <string>
+#include <utility>
+
+#include "protocol/held_lines.h"
+#include "protocol/input_lines.h"
+#include "protocol/signals.h"
+#include "protocol/uci.h"
+#include "protocol/xboard.h"
+#include "protocol/xboard_ponder.h"
+#include "search/search_flags.h"
+#include "shell/clock.h"
+#include "shell/output.h"
+#include "shell/text.h"
+
+namespace mirvo {
+namespace {
+
+/// Sleep of one idle turn after the end of input, and between two looks at
+/// the input while an answer is withheld.
+constexpr std::uint32_t endedPause = 10;    // ms
+constexpr std::uint32_t withheldPause = 5;  // ms
+
+/// Most lines that one poll reads, so that a flood of them cannot keep the
+/// search from its clock.
+constexpr int maxLinesPerPoll = 1024;
+
+/// Everything that has been read and not been handled.
+struct PendingInput {
+  LineReader reader;
+  HeldLines held;
+};
+
+PendingInput pending;
+
+LineReader& Reader() {
+  if (pending.reader.source == nullptr) pending.reader.source = &SystemInput();
+  return pending.reader;
+}
+
+bool IsUciWord(const char* line) { return StartsWith(line, "uci"); }
+bool IsXBoardWord(const char* line) { return StartsWith(line, "xboard"); }
+
+void SwitchToUci(ProtocolMode& mode) {
+  mode.detected = 1;
+  if (mode.mode == xboardProtocol) {
+    XBoardLeave();
+    FollowSignals(false);
+  }
+  mode.mode = uciProtocol;
+}
+
+void SwitchToXBoard(ProtocolMode& mode) {
+  mode.detected = 1;
+  if (mode.mode == uciProtocol) UciLeave();
+  if (mode.mode != xboardProtocol) FollowSignals(true);
+  mode.mode = xboardProtocol;
+  Output(output, "feature myname=\"%s %s\" name=1 setboard=1 ics=1 done=1\n", engineName,
+         engineVersion);
+}
+
+/// Either word counts on every line, not only on the first.
+void DetectProtocol(ProtocolMode& mode, const char* line) {
+  if (IsUciWord(line)) {
+    SwitchToUci(mode);
+  } else if (IsXBoardWord(line)) {
+    SwitchToXBoard(mode);
+  }
+}
+
+/// Before a protocol is known every line is dropped.
+void Route(ProtocolMode& mode, const char* line) {
+  if (mode.mode == xboardProtocol) HandleXBoardLine(mode.xboardState, line);
+  if (mode.mode == uciProtocol) HandleUciLine(mode.uciState, line);
+}
+
+void HandleReadLine(ProtocolMode& mode, const char* line) {
+  if (line[0] == 0) return;
+  DetectProtocol(mode, line);
+  Route(mode, line);
+}
+
+/// A request to terminate is followed once every waiting line was handled.
+void EndIfRequested() {
+  if (TerminationRequested() && pending.held.lines.empty() && !InputWaits(Reader())) std::exit(0);
+}
+
+// ---- Inside a search ----
+
+/// No more commands will come for the running search.
+void EndCommands(const ProtocolMode& mode) {
+  if (mode.mode == xboardProtocol) XBoardInputEnded();
+  if (mode.mode == uciProtocol) UciInputEnded();
+}
+
+bool SwitchesProtocol(const ProtocolMode& mode, const char* line) {
+  return mode.mode == uciProtocol ? IsXBoardWord(line) : IsUciWord(line);
+}
+
+/// Whether a line that arrived during a search has to wait for its end. Asked
+/// once for each line and search, in order: the answer may end the search.
+bool MustWait(const ProtocolMode& mode, HeldLines& held, const char* line) {
+  if (SwitchesProtocol(mode, line)) {
+    held.hasSwitch = true;
+    // Whoever speaks the other protocol has no command to end this search.
+    EndCommands(mode);
+    return true;
+  }
+  if (mode.mode == uciProtocol) {
+    if (UciLineMustWait(line, held.hasGo)) {
+      held.hasGo = held.hasGo || UciLineSearches(line);
+      return true;
+    }
+    return held.hasSwitch && !UciLineIsUrgent(line);
+  }
+  // Behind a switch to the other protocol the lines are no longer XBoard's.
+  if (held.hasSwitch) return !StartsWith(line, "quit");
+  return XBoardLineMustWait(line);
+}
+
+/// Handles a line that acts at once; false when it has to wait.
+bool HandleDuringSearch(ProtocolMode& mode, const char* line) {
+  if (MustWait(mode, pending.held, line)) return false;
+  HandleReadLine(mode, line);
+  return true;
+}
+
+/// Asks about the lines that an earlier search left behind.
+void JudgeHeldLines(ProtocolMode& mode) {
+  HeldLines& held = pending.held;
+  while (held.nJudged < held.lines.size() && !XBoardHasOwnLine()) {
+    const auto position = held.lines.begin() + static_cast<std::ptrdiff_t>(held.nJudged);
+    const std::string line = std::move(*position);
+    if (HandleDuringSearch(mode, line.c_str())) {
+      held.lines.erase(position);
+    } else {
+      *position = line;
+      ++held.nJudged;
+    }
+  }
+}
+
+/// Reads what waits. While the front end itself has the next line, the rest
+/// keeps its place behind that one.
+void ReadDuringSearch(ProtocolMode& mode) {
+  HeldLines& held = pending.held;
+  char line[lineCapacity];
+  for (int i = 0; i < maxLinesPerPoll && !XBoardHasOwnLine(); ++i) {
+    // With no room left nothing is read any more: to this search that is the
+    // end of its input.
+    LineStatus status = LineStatus::ended;
+    if (held.lines.size() < maxHeldLines) status = ReadLine(Reader(), false, line);
+    if (status == LineStatus::ended) EndCommands(mode);
+    if (status != LineStatus::line) return;
+    if (line[0] == 0) continue;
+    if (!HandleDuringSearch(mode, line)) {
+      held.lines.emplace_back(line);
+      held.nJudged = held.lines.size();
+    }
+  }
+}
+
+void DispatchDuringSearch(ProtocolMode& mode) {
+  JudgeHeldLines(mode);
+  if (InputWaits(Reader())) ReadDuringSearch(mode);
+  EndIfRequested();
+}
+
+// ---- Idle ----
+
+/// An interface that crashed leaves no engine behind; otherwise the process
+/// stays, without using the processor.
+void PassIdleTurnAfterEnd() {
+  const InputSource& source = *Reader().source;
+  if (source.abandoned()) std::exit(0);
+  source.pause(endedPause);
+}
+
+/// Takes the next line: the front end's own, then held ones, then new input.
+LineStatus TakeLine(ProtocolMode& mode, char* line) {
+  HeldLines& held = pending.held;
+  if (mode.mode == xboardProtocol && XBoardHasOwnLine()) {
+    TakeXBoardOwnLine(line, lineCapacity);
+    return LineStatus::line;
+  }
+  if (held.lines.empty()) return ReadLine(Reader(), true, line);
+  CopyText(line, lineCapacity, held.lines.front().c_str());
+  held.lines.pop_front();
+  return LineStatus::line;
+}
+
+void DispatchIdle(ProtocolMode& mode) {
+  HeldLines& held = pending.held;
+  held.nJudged = 0;
+  held.hasGo = false;
+  held.hasSwitch = false;
+  char line[lineCapacity];
+  const LineStatus status = TakeLine(mode, line);
+  if (status == LineStatus::line) HandleReadLine(mode, line);
+  if (!XBoardHasOwnLine()) EndIfRequested();
+  if (status == LineStatus::ended) PassIdleTurnAfterEnd();
+}
+
+}  // namespace
+
+void Dispatch(ProtocolMode& mode, bool poll) {
+  if (poll) {
+    DispatchDuringSearch(mode);
+  } else {
+    DispatchIdle(mode);
+  }
+}
+
+void PollInput() { Dispatch(protocolMode, true); }
+
+void WaitForInput() {
+  Reader().source->pause(withheldPause);
+  PollInput();
+}
+
+void RunIdleLoop(ProtocolMode& mode) {
+  SystemInput();
+  for (;;) {
+    Dispatch(mode, false);
+    YieldTimeSlice();
+  }
+}
+
+void SetInputSource(const InputSource* source) {
+  pending = PendingInput{};
+  pending.reader.source = source;
+}
+
+}  // namespace mirvo

@@ -1,0 +1,7 @@
+#include "protocol/game_board.h"
+
+namespace mirvo {
+
+Board gameBoard;
+
+}  // namespace mirvo

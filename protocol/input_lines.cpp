@@ -1,0 +1,67 @@
+#include "protocol/input_lines.h"
+
+#include <cstring>
+
+namespace mirvo {
+namespace {
+
+constexpr char byteOrderMark[] = "\xEF\xBB\xBF";
+constexpr std::size_t byteOrderMarkSize = sizeof byteOrderMark - 1;
+
+/// Characters of one line, its line feed included.
+constexpr std::size_t maxLineLength = lineCapacity - 1;
+
+/// Hands the collected characters over as a line.
+LineStatus FinishLine(LineReader& reader, char* line) {
+  const char* begin = reader.partial;
+  std::size_t length = reader.nPartial;
+  if (reader.atStart && length >= byteOrderMarkSize &&
+      std::memcmp(begin, byteOrderMark, byteOrderMarkSize) == 0) {
+    begin += byteOrderMarkSize;
+    length -= byteOrderMarkSize;
+  }
+  std::memcpy(line, begin, length);
+  line[length] = 0;
+  reader.atStart = false;
+  reader.nPartial = 0;
+  return LineStatus::line;
+}
+
+/// Takes characters out of the chunk until a line is complete. A full buffer
+/// completes one too, unless only the line feed behind a carriage return may
+/// be missing.
+LineStatus ScanChunk(LineReader& reader, char* line) {
+  while (reader.chunkBegin < reader.chunkEnd) {
+    const char next = reader.chunk[reader.chunkBegin];
+    if (reader.nPartial == maxLineLength && next != '\n') return FinishLine(reader, line);
+    ++reader.chunkBegin;
+    if (next == '\n') {
+      if (reader.nPartial > 0 && reader.partial[reader.nPartial - 1] == '\r') --reader.nPartial;
+      return FinishLine(reader, line);
+    }
+    reader.partial[reader.nPartial++] = next;
+    if (reader.nPartial == maxLineLength && next != '\r') return FinishLine(reader, line);
+  }
+  return LineStatus::nothing;
+}
+
+}  // namespace
+
+LineStatus ReadLine(LineReader& reader, bool wait, char* line) {
+  for (;;) {
+    if (ScanChunk(reader, line) == LineStatus::line) return LineStatus::line;
+    const int nRead = reader.source->read(reader.chunk, sizeof reader.chunk, wait);
+    if (nRead == nothingToRead) return LineStatus::nothing;
+    if (nRead == inputEnded) {
+      return reader.nPartial > 0 ? FinishLine(reader, line) : LineStatus::ended;
+    }
+    reader.chunkBegin = 0;
+    reader.chunkEnd = static_cast<std::size_t>(nRead);
+  }
+}
+
+bool InputWaits(const LineReader& reader) {
+  return reader.chunkBegin < reader.chunkEnd || reader.source->waiting() != 0;
+}
+
+}  // namespace mirvo

@@ -1,0 +1,51 @@
+#include <poll.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "protocol/input.h"
+#include "shell/clock.h"
+
+namespace mirvo {
+namespace {
+
+/// A waiting read gives its caller a turn this often, so that a signal that
+/// arrived just before the wait is noticed too.
+constexpr int waitSlice = 250;  // ms
+
+pid_t starter = 0;
+
+/// Whether standard input can be read, or has ended, within `milliseconds`.
+bool Readable(int milliseconds) {
+  pollfd input{STDIN_FILENO, POLLIN, 0};
+  return poll(&input, 1, milliseconds) > 0;
+}
+
+std::uint32_t BytesWaiting() {
+  if (!Readable(0)) return 0;
+  int nBytes = 0;
+  const bool known = ioctl(STDIN_FILENO, FIONREAD, &nBytes) == 0 && nBytes > 0;
+  return known ? static_cast<std::uint32_t>(nBytes) : 1;
+}
+
+int ReadBytes(char* buffer, std::size_t size, bool wait) {
+  if (!Readable(wait ? waitSlice : 0)) return nothingToRead;
+  const ssize_t nBytes = read(STDIN_FILENO, buffer, size);
+  if (nBytes >= 0) return static_cast<int>(nBytes);
+  return errno == EINTR || errno == EAGAIN || errno == EWOULDBLOCK ? nothingToRead : inputEnded;
+}
+
+/// A process whose parent has ended is handed to another one.
+bool StarterIsGone() { return getppid() != starter; }
+
+constexpr InputSource systemInput{BytesWaiting, ReadBytes, StarterIsGone, SleepMilliseconds};
+
+}  // namespace
+
+const InputSource& SystemInput() {
+  if (starter == 0) starter = getppid();
+  return systemInput;
+}
+
+}  // namespace mirvo

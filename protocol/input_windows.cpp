@@ -1,0 +1,92 @@
+#include <windows.h>
+
+#include "protocol/input.h"
+#include "shell/clock.h"
+
+namespace mirvo {
+namespace {
+
+constexpr DWORD maxPeekedEvents = 256;
+
+/// Standard input as the first look at it found it.
+struct InputProbe {
+  bool InputProbed = false;
+  bool InputIsPipe = false;  // anything that is not a console
+  HANDLE handle = nullptr;
+};
+
+InputProbe probe;
+
+/// On the first call only: a console is told to queue nothing but keys.
+void ProbeInput() {
+  if (probe.InputProbed) return;
+  probe.InputProbed = true;
+  probe.handle = GetStdHandle(STD_INPUT_HANDLE);
+  DWORD mode = 0;
+  probe.InputIsPipe = GetConsoleMode(probe.handle, &mode) == 0;
+  if (probe.InputIsPipe) return;
+  constexpr DWORD ignoredEvents = ENABLE_MOUSE_INPUT | ENABLE_WINDOW_INPUT;
+  SetConsoleMode(probe.handle, mode & ~ignoredEvents);
+  FlushConsoleInputBuffer(probe.handle);
+}
+
+using EventTest = bool (*)(const INPUT_RECORD& event);
+
+/// Whether a console event that passes `test` waits, nothing being removed.
+bool ConsoleEventWaits(EventTest test) {
+  DWORD nEvents = 0;
+  if (GetNumberOfConsoleInputEvents(probe.handle, &nEvents) == 0 || nEvents == 0) return false;
+  static INPUT_RECORD events[maxPeekedEvents];
+  DWORD nPeeked = 0;
+  if (PeekConsoleInputA(probe.handle, events, maxPeekedEvents, &nPeeked) == 0) return false;
+  for (DWORD i = 0; i < nPeeked; ++i) {
+    if (test(events[i])) return true;
+  }
+  return false;
+}
+
+bool IsKey(const INPUT_RECORD& event) { return event.EventType == KEY_EVENT; }
+
+/// The key that completes a line: only then does a console read return.
+bool IsEnterKey(const INPUT_RECORD& event) {
+  return IsKey(event) && event.Event.KeyEvent.bKeyDown != 0 &&
+         event.Event.KeyEvent.wVirtualKeyCode == VK_RETURN;
+}
+
+/// A peek that fails, for example on a pipe that was closed, reports a byte,
+/// so that the caller reads and meets the end.
+std::uint32_t PipeBytesWaiting() {
+  DWORD nBytes = 0;
+  if (PeekNamedPipe(probe.handle, nullptr, 0, nullptr, &nBytes, nullptr) == 0) return 1;
+  return nBytes;
+}
+
+std::uint32_t BytesWaiting() {
+  ProbeInput();
+  if (!probe.InputIsPipe) return ConsoleEventWaits(IsKey) ? 1 : 0;
+  return PipeBytesWaiting();
+}
+
+int ReadBytes(char* buffer, std::size_t size, bool wait) {
+  ProbeInput();
+  if (!wait) {
+    const bool ready = probe.InputIsPipe ? PipeBytesWaiting() != 0 : ConsoleEventWaits(IsEnterKey);
+    if (!ready) return nothingToRead;
+  }
+  DWORD nBytes = 0;
+  if (ReadFile(probe.handle, buffer, static_cast<DWORD>(size), &nBytes, nullptr) == 0) {
+    return inputEnded;
+  }
+  return static_cast<int>(nBytes);
+}
+
+/// The process lives on until its interface says "quit".
+bool StarterIsGone() { return false; }
+
+constexpr InputSource systemInput{BytesWaiting, ReadBytes, StarterIsGone, SleepMilliseconds};
+
+}  // namespace
+
+const InputSource& SystemInput() { return systemInput; }
+
+}  // namespace mirvo

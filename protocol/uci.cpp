@@ -1,0 +1,131 @@
+#include "protocol/uci.h"
+
+#include <cstdlib>
+#include <cstring>
+
+#include "board/fen.h"
+#include "eval/evaluate.h"
+#include "protocol/game_board.h"
+#include "protocol/uci_go.h"
+#include "protocol/uci_options.h"
+#include "protocol/uci_position.h"
+#include "protocol/uci_session.h"
+#include "search/hash_table.h"
+#include "search/move_order.h"
+#include "search/search_flags.h"
+#include "shell/output.h"
+#include "shell/text.h"
+
+namespace mirvo {
+
+UciSession uciSession;
+
+namespace {
+
+/// `rest` is the text behind the command word and one more character.
+using Action = void (*)(UciSession& session, const char* rest);
+
+/// When a command acts that arrives during a search.
+enum class Timing {
+  atOnce,     // needs neither board nor search
+  onSearch,   // at once, meant for the newest "go"
+  afterward,  // needs the board or a search of its own
+};
+
+struct Command {
+  const char* word;
+  Timing timing;
+  Action action;
+};
+
+void NewGame(UciSession& session, const char*) {
+  session.answerOwed = 0;
+  BeginFromStart(gameBoard);
+  ClearHistory();
+  HashResetSearch(TranspositionTable);
+  // Even without a book: the first probe finds nothing then and ends this.
+  searchFlags.BookInUse = 1;
+}
+
+void Identify(UciSession&, const char*) {
+  Output(output, "id name %s %s\n", engineName, engineVersion);
+  Output(output, "id author %s\n", engineAuthor);
+  PrintUciOptions();
+  Output(output, "uciok\n");
+}
+
+void ReportReady(UciSession&, const char*) { Output(output, "readyok\n"); }
+
+void Position(UciSession& session, const char* rest) {
+  session.answerOwed = 0;
+  SetUpPosition(session, gameBoard, rest);
+}
+
+[[noreturn]] void Quit(UciSession&, const char*) { std::exit(0); }
+
+void StopSearching(UciSession& session, const char*) { Stop(session); }
+
+void HitPonderMove(UciSession& session, const char*) { PonderHitCommand(session); }
+
+void SetOption(UciSession&, const char* rest) { SetUciOption(rest); }
+
+void EvaluateBoard(UciSession&, const char*) {
+  EvalRecord record{};
+  Output(output, "Full eval: %d\n", Evaluate(record, gameBoard, gameBoard.sideToMove));
+}
+
+/// The first word that a line begins with decides, in this order.
+constexpr Command commands[] = {
+    {"ucinewgame", Timing::afterward, NewGame},
+    {"uci", Timing::atOnce, Identify},
+    {"isready", Timing::atOnce, ReportReady},
+    {"position", Timing::afterward, Position},
+    {"quit", Timing::atOnce, Quit},
+    {"stop", Timing::onSearch, StopSearching},
+    {"go", Timing::afterward, Go},
+    {"ponderhi", Timing::onSearch, HitPonderMove},
+    {"setoption name", Timing::afterward, SetOption},
+    {"eval", Timing::afterward, EvaluateBoard},
+};
+
+const Command* FindCommand(const char* line) {
+  for (const Command& command : commands) {
+    if (StartsWith(line, command.word)) return &command;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+void HandleUciLine(std::uint8_t&, const char* line) {
+  const Command* command = FindCommand(line);
+  if (command == nullptr) return;
+  const char* rest = line + std::strlen(command->word);
+  command->action(uciSession, *rest == 0 ? rest : rest + 1);
+}
+
+bool UciLineMustWait(const char* line, bool behindGo) {
+  const Command* command = FindCommand(line);
+  if (command == nullptr) return false;
+  return command->timing == Timing::afterward || (command->timing == Timing::onSearch && behindGo);
+}
+
+bool UciLineSearches(const char* line) {
+  const Command* command = FindCommand(line);
+  return command != nullptr && command->action == Go;
+}
+
+bool UciLineIsUrgent(const char* line) {
+  return StartsWith(line, "isready") || StartsWith(line, "stop") || StartsWith(line, "ponderhi") ||
+         StartsWith(line, "quit");
+}
+
+void UciInputEnded() {
+  const bool ponders =
+      uciSession.answerRule == AnswerRule::onPonderEnd && searchFlags.pondering != 0;
+  if (ponders || uciSession.answerRule == AnswerRule::onCommand) searchFlags.StopSearch = 1;
+}
+
+void UciLeave() { uciSession.answerOwed = 0; }
+
+}  // namespace mirvo

@@ -1,0 +1,41 @@
+// What the UCI front end keeps between commands, for the whole process.
+#pragma once
+
+#include <cstdint>
+
+#include "board/coding.h"
+#include "search/iterate.h"
+
+namespace mirvo {
+
+/// What ends a "go" whose search has nothing left to do.
+enum class AnswerRule : std::uint8_t {
+  whenDone,     // its answer is given at once
+  onCommand,    // "go infinite": withheld until "stop"
+  onPonderEnd,  // "go ponder": withheld until "stop" or "ponderhit"
+};
+
+struct UciSession {
+  /// Colour bit of the next text move and choice of the clock. Counts from
+  /// White at the start of every move list, after any FEN.
+  std::int32_t UciSideToMove = white;
+  // Clock values of the newest "go" that named them: ms and moves.
+  std::int32_t whiteTime = 0;
+  std::int32_t blackTime = 0;
+  std::int32_t whiteIncrement = 0;
+  std::int32_t blackIncrement = 0;
+  std::int32_t movesToGo = 0;
+  /// The last search ended on a mate score.
+  std::uint8_t LastMoveFlagged = 0;
+  /// A "go ponder" was declined; "stop" or "ponderhit" still gets an answer.
+  std::uint8_t answerOwed = 0;
+  /// Of the "go" that is running.
+  AnswerRule answerRule = AnswerRule::whenDone;
+  /// The search; tests install their own.
+  SearchResult (*think)(SearchRecord& record) = Think;
+};
+
+/// Owner: uci.cpp. Writers: the UCI front end.
+extern UciSession uciSession;
+
+}  // namespace mirvo
