@@ -1,0 +1,34 @@
+// The positions that the benchmarks run on, and the set-up they share.
+#pragma once
+
+#include "board/board.h"
+#include "search/hash_table.h"
+
+namespace mirvo::bench {
+
+/// One position as the first three FEN fields.
+struct BenchPosition {
+  const char* name;
+  const char* placement;
+  const char* side;
+  const char* castling;
+};
+
+inline constexpr int nBenchPositions = 6;
+
+/// From the opening to a pawn ending.
+extern const BenchPosition benchPositions[nBenchPositions];
+
+/// Loads position `index` into `board`, key and key history included.
+void LoadPosition(int index, Board& board);
+
+/// Empties a hash table in no time: a fresh zeroed block of its default size.
+void EmptyTable(HashTable& table, std::int32_t megabytes);
+
+/// Builds every table, allocates the hash tables, silences the output.
+void PrepareEngine();
+
+/// As in a fresh process: empty tables, killers, history and previous line.
+void ColdStart();
+
+}  // namespace mirvo::bench
