@@ -36,6 +36,7 @@ struct HashTable {
   void* block;  // what the allocator gave
   std::int32_t lastIndex;
   std::uint64_t lastKey;
+  std::uint64_t reciprocal;  // of `size`, for HashIndex; set by allocation
 };
 
 /// Owner: hash_table.cpp. They live for the whole run.
@@ -62,12 +63,23 @@ void HashClear(HashTable& table);
 /// The search's own clearing: key, depth, score, bound and move; evalScore stays.
 void HashResetSearch(HashTable& table);
 
+/// Slot of a key: its low word modulo the number of slots, which need not be a
+/// power of two. Multiplies by the reciprocal instead of dividing, which is
+/// exact for 32-bit numbers (Lemire, Kaser, Kurz, "Faster remainder by direct
+/// computation", 2019).
 inline std::uint32_t HashIndex(const HashTable& table, std::uint64_t key) {
-  return static_cast<std::uint32_t>(key) % table.size;
+  __extension__ using Wide = unsigned __int128;
+  const std::uint64_t fraction = table.reciprocal * static_cast<std::uint32_t>(key);
+  return static_cast<std::uint32_t>((static_cast<Wide>(fraction) * table.size) >> 64);
 }
 
 inline HashEntry& HashSlot(HashTable& table, std::uint64_t key) {
   return table.entries[HashIndex(table, key)];
+}
+
+/// Starts loading the slot of a key that is about to be probed.
+inline void HashPrefetch(const HashTable& table, std::uint64_t key) {
+  __builtin_prefetch(&table.entries[HashIndex(table, key)]);
 }
 
 /// Looks `key` up for a search of `depth` with the window (alpha, beta). True

@@ -75,6 +75,7 @@ std::int32_t Quiesce(SearchState& state, Board& board, std::int32_t alpha, std::
     scores[index] = consumedScore;
     const Move move = generator.moves[index];
     MakeMove(board, move);
+    HashPrefetch(EvalHashTable, board.positionKey);
     if (MoverLeftInCheck(board)) {
       UnmakeMove(board);
       continue;

@@ -243,6 +243,8 @@ std::int32_t Search(SearchState& state, Board& board, const NodeInput& input, Pv
     }
     const bool wantsExtension = WantsExtension(move);
     MakeMove(board, move);
+    HashPrefetch(TranspositionTable, board.positionKey);
+    HashPrefetch(EvalHashTable, board.positionKey);
     if (MoverLeftInCheck(board)) {
       UnmakeMove(board);
       continue;

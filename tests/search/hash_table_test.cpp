@@ -77,11 +77,25 @@ TEST(HashAllocation, ReallocationEmptiesTheTable) {
   HashRelease(table);
 }
 
-TEST_F(HashTableTest, IndexIsTheLowWordModuloTheSlots) {
-  EXPECT_EQ(HashIndex(table, 0xFFFFFFFF00000000ULL + 16384U + 5U), 5U);
-  table.size = 1000;  // need not be a power of two
-  EXPECT_EQ(HashIndex(table, 0x100000000ULL * 77 + 4321U), 321U);
-  table.size = 16384;
+TEST(HashIndexTest, IsTheLowWordModuloTheSlots) {
+  for (const std::uint32_t megabytes : {1U, 3U, 7U, 30U, 100U, 4095U}) {
+    HashTable table{};
+    table.size = megabytes;
+    HashAllocate(table);
+    const std::uint64_t keys[] = {0,
+                                  1,
+                                  table.size - 1ULL,
+                                  table.size,
+                                  table.size + 1ULL,
+                                  0xFFFFFFFFULL,
+                                  0xFFFFFFFFFFFFFFFFULL,
+                                  0x9D39247E33776D41ULL,
+                                  0x123456789ABCDEF0ULL};
+    for (const std::uint64_t key : keys) {
+      EXPECT_EQ(HashIndex(table, key), static_cast<std::uint32_t>(key) % table.size);
+    }
+    HashRelease(table);
+  }
 }
 
 TEST_F(HashTableTest, ProbeAndStoreRememberTheirSlot) {
