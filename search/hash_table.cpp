@@ -2,8 +2,6 @@
 
 #include <cstdlib>
 
-#include "shell/memory.h"
-
 namespace mirvo {
 
 constinit HashTable TranspositionTable{};
@@ -51,7 +49,6 @@ void HashAllocate(HashTable& table) {
   table.size = nSlots;
   table.reciprocal = nSlots == 0 ? 0 : ~std::uint64_t{0} / nSlots + 1;
   if (table.block == nullptr) return;
-  AdviseLargePages(table.block, static_cast<std::size_t>(nSlots) * slotSize);
   const auto address = reinterpret_cast<std::uintptr_t>(table.block);
   const std::uintptr_t aligned = (address + slotSize - 1) & ~std::uintptr_t{slotSize - 1};
   table.entries = reinterpret_cast<HashEntry*>(aligned);
