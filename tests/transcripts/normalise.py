@@ -1,0 +1,29 @@
+"""What differs from run to run is replaced by "#" before comparing: times,
+speeds, and line ends. Counts, scores and moves stay."""
+
+import re
+
+RULES = [
+    (r"\r\n", "\n"),
+    # Perft.
+    (r"^Time = \d+\.\d\ds$", "Time = #s"),
+    (r"^kNodes/sec = (?!0\.00$)\d+\.\d\d$", "kNodes/sec = #"),
+    # UCI reports.
+    (r"^(info (?:.* )?)time \d+", r"\1time #"),
+    (r"^(info (?:.* )?)nps \d+", r"\1nps #"),
+    # XBoard reports: depth, score, centiseconds, nodes.
+    (r"^([ \d]\d +-?\d+) +\d+( +\d+ (?=[a-hKQRBNO(]))", r"\1 #\2"),
+    # Reports of a test suite: depth, time, score, line, (nodes/speed).
+    (r"^([ \d]\d) \d+:\d+ ([+-]\d+\.\d\d )", r"\1 # \2"),
+    (r"^([ \d]\d # [+-]\d+\.\d\d .* \(\d+)/\d+\)$", r"\1/#)"),
+]
+COMPILED = [(re.compile(pattern, re.MULTILINE), replacement) for pattern, replacement in RULES]
+
+# Printed on the console only.
+CONSOLE_ONLY = "config.txt not found, using default values.\n"
+
+
+def normalise(text, extra=()):
+    for pattern, replacement in [*COMPILED, *extra]:
+        text = pattern.sub(replacement, text)
+    return text

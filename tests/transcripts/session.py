@@ -1,0 +1,102 @@
+"""One start of the program in a folder: scripted input, what came back. Never
+outlives its time limit."""
+
+import queue
+import re
+import subprocess
+import threading
+import time
+
+
+class SessionFault(Exception):
+    """The session did not go as its script says."""
+
+
+class Session:
+    """The program as a child with pipes. Reads both pipes at once, so it cannot
+    block on a full one."""
+
+    def __init__(self, command, folder, time_limit):
+        self.deadline = time.monotonic() + time_limit
+        self.process = subprocess.Popen(command, cwd=folder, stdin=subprocess.PIPE,
+                                        stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        self.chunks = queue.Queue()
+        self.text = b""
+        self.errors = b""
+        self.matched = 0  # output before this offset was met by an "expect"
+        self.ended = False
+        self.readers = [threading.Thread(target=self._read_output, daemon=True),
+                        threading.Thread(target=self._read_errors, daemon=True)]
+        for reader in self.readers:
+            reader.start()
+
+    def _read_output(self):
+        while chunk := self.process.stdout.read1(65536):
+            self.chunks.put(chunk)
+        self.chunks.put(None)
+
+    def _read_errors(self):
+        self.errors = self.process.stderr.read()
+
+    def _left(self):
+        return max(0.0, self.deadline - time.monotonic())
+
+    def _take_chunk(self):
+        """Waits for output; false when there will be none any more."""
+        if self.ended:
+            return False
+        chunk = self.chunks.get(timeout=self._left())
+        if chunk is None:
+            self.ended = True
+            return False
+        self.text += chunk
+        return True
+
+    def send(self, data):
+        try:
+            self.process.stdin.write(data)
+            self.process.stdin.flush()
+        except OSError as error:
+            raise SessionFault(f"the program no longer reads its input ({error})") from error
+
+    def close_input(self):
+        self.process.stdin.close()
+
+    def expect(self, pattern):
+        """Waits for a line that matches, behind the last one that did."""
+        compiled = re.compile(pattern.encode("utf-8", "surrogateescape"))
+        while True:
+            while (end := self.text.find(b"\n", self.matched)) >= 0:
+                line = self.text[self.matched:end].removesuffix(b"\r")
+                self.matched = end + 1
+                if compiled.search(line):
+                    return
+            try:
+                if not self._take_chunk():
+                    raise SessionFault(f"the program ended before a line like {pattern!r} came")
+            except queue.Empty:
+                raise SessionFault(f"no line like {pattern!r} came in time") from None
+
+    def finish(self):
+        """Waits for the end; the exit status."""
+        try:
+            while self._take_chunk():
+                pass
+            return self.process.wait(timeout=self._left() + 1)
+        except (queue.Empty, subprocess.TimeoutExpired):
+            raise SessionFault("the program did not end in time") from None
+
+    def close(self):
+        """Ends the program, whatever it does, and collects the rest of its output."""
+        if self.process.poll() is None:
+            self.process.kill()
+        self.process.wait()
+        for reader in self.readers:
+            reader.join(timeout=2)
+        while not self.chunks.empty():
+            self.text += self.chunks.get() or b""
+        for stream in (self.process.stdin, self.process.stdout, self.process.stderr):
+            try:
+                stream.close()
+            except OSError:
+                pass
