@@ -35,13 +35,15 @@ void PrepareEngine() {
   BuildReductionTables();
   output.toConsole = 0;
   engineConfig.Quiet = 1;
-  ColdStart();
-}
-
-void ColdStart() {
   EmptyTable(EvalHashTable, engineConfig.EvalHashSize);
   EmptyTable(PawnHashTable, engineConfig.PawnHashSize);
   EmptyTable(TranspositionTable, engineConfig.TTHashSize);
+}
+
+void ForgetEverything() {
+  HashClear(EvalHashTable);
+  HashClear(PawnHashTable);
+  HashClear(TranspositionTable);
   ClearKillers();
   ClearHistory();
   ClearPreviousPv();

@@ -25,10 +25,10 @@ void LoadPosition(int index, Board& board);
 /// Empties a hash table in no time: a fresh zeroed block of its default size.
 void EmptyTable(HashTable& table, std::int32_t megabytes);
 
-/// Builds every table, allocates the hash tables, silences the output.
+/// Builds every start-up table, allocates the hash tables, silences the output.
 void PrepareEngine();
 
-/// As in a fresh process: empty tables, killers, history and previous line.
-void ColdStart();
+/// Empties every slot of the tables, killers, history and previous line.
+void ForgetEverything();
 
 }  // namespace mirvo::bench

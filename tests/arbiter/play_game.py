@@ -78,11 +78,15 @@ def position_line(fen, moves):
 
 
 def check_line(name, position, line):
-    """A reported principal variation must be playable from the position."""
+    """A reported principal variation must be playable from the position. While
+    pondering it begins with the expected reply in brackets, already played."""
     words = line.split()
     if words[:1] != ["info"] or "pv" not in words:
         return
-    for text in words[words.index("pv") + 1:]:
+    moves = words[words.index("pv") + 1:]
+    if moves and moves[0].startswith("("):
+        moves.pop(0)
+    for text in moves:
         move = find_move(position, text)
         if move is None:
             raise EngineFault(f"{name} reports the unplayable move {text}: {line}")
