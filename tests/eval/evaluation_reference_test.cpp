@@ -2,6 +2,7 @@
 // implementation of the same rules (tests/data/reference/evaluation.txt):
 // score, the printed rows byte for byte, and everything the rows leave out.
 #include <cinttypes>
+#include <cstdarg>
 #include <cstdio>
 #include <fstream>
 #include <string>
@@ -36,9 +37,14 @@ std::vector<ReferencePosition> ReadReference() {
   return positions;
 }
 
-std::string Line(const char* format, auto... values) {
+std::string Line(const char* format, ...) __attribute__((format(printf, 1, 2)));
+
+std::string Line(const char* format, ...) {
   char text[200];
-  std::snprintf(text, sizeof text, format, values...);
+  std::va_list values;
+  va_start(values, format);
+  std::vsnprintf(text, sizeof text, format, values);
+  va_end(values);
   return text;
 }
 
@@ -75,7 +81,8 @@ class EvaluationReference : public EvalTest {
     const float phase =
         static_cast<float>(record.nonPawnMaterial[white] + record.nonPawnMaterial[black]) *
         phasePerCentipawn;
-    std::string text = Line("phase: %.9g\nstage: %d\n", static_cast<double>(phase), record.stage);
+    std::string text = Line("phase: %.9g\nstage: %d\n", static_cast<double>(phase),
+                            static_cast<int>(record.stage));
     text += Line(
         "passedset: %016" PRIx64 " %016" PRIx64 " isolated: %016" PRIx64 " %016" PRIx64 "\n",
         record.passed[white], record.passed[black], record.isolated[white], record.isolated[black]);
