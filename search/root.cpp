@@ -145,11 +145,11 @@ std::int32_t SearchRoot(SearchState& state, Board& board, const NodeInput& input
     ++state.nodeCount;
     ++searchStats.nNodes;
 
-    // 2b. Mate in one needs no search.
+    // 2b. Mate in one needs no search; its move carries no check mark.
     const bool givesCheck = InCheck(board, board.sideToMove);
     if (givesCheck && FirstLegalMove(board) == noMove) {
       UnmakeMove(board);
-      if (pv != nullptr && !Stopped(state)) WritePv(*pv, move | checkMark, PvLine{});
+      if (pv != nullptr && !Stopped(state)) WritePv(*pv, move, PvLine{});
       return mateScore;
     }
     if (givesCheck) move |= checkMark;
