@@ -38,11 +38,20 @@ struct Command {
   Action action;
 };
 
+/// The slots' own statistics go with their contents.
+void ClearTranspositionTable() {
+  HashResetSearch(TranspositionTable);
+  TranspositionTable.hits = 0;
+  TranspositionTable.misses = 0;
+  TranspositionTable.conflicts = 0;
+  TranspositionTable.stores = 0;
+}
+
 void NewGame(UciSession& session, const char*) {
   session.answerOwed = 0;
   BeginFromStart(gameBoard);
   ClearHistory();
-  HashResetSearch(TranspositionTable);
+  ClearTranspositionTable();
   // Even without a book: the first probe finds nothing then and ends this.
   searchFlags.BookInUse = 1;
 }

@@ -1,0 +1,271 @@
+#include "protocol/dispatcher.h"
+
+#include "protocol/held_lines.h"
+#include "tests/protocol/uci_test_kit.h"
+
+namespace mirvo {
+namespace {
+
+constexpr char featureLine[] = "feature myname=\"Mirvo 0.2.7_d\" name=1 setboard=1 ics=1 done=1\n";
+constexpr char noTime[] = "Allowing 0 ms for move (0, 0, 0)\n";
+constexpr char oneHit[] =
+    "PONDER HIT. CONTINUING\nAllowing 0 ms for move (0, 0, 0)\n"
+    "Ponder hits = 1, misses = 0, percenthits = 100.0%\n";
+
+using Detection = UciTest;
+using Polling = UciTest;
+using EndOfInput = UciTest;
+
+TEST_F(Detection, LinesBeforeAProtocolWordAreDropped) {
+  EXPECT_EQ(Play("isready\nnew\ne2e4\nquit\n\n"), "");
+  EXPECT_EQ(protocolMode.mode, noProtocol);
+  EXPECT_EQ(protocolMode.detected, 0);
+}
+
+TEST_F(Detection, UcinewgameIsAProtocolWord) {
+  EXPECT_EQ(Play("ucinewgame\nisready\n"), "readyok\n");
+  EXPECT_EQ(protocolMode.mode, uciProtocol);
+  EXPECT_EQ(protocolMode.detected, 1);
+}
+
+TEST_F(Detection, TheWordMustBeginTheLine) { EXPECT_EQ(Play(" uci\nisready\n"), ""); }
+
+TEST_F(Detection, XboardPrintsTheFeaturesOncePerLine) {
+  EXPECT_EQ(Play("xboard\n"), featureLine);
+  EXPECT_EQ(protocolMode.mode, xboardProtocol);
+  EXPECT_EQ(protocolMode.detected, 1);
+  EXPECT_EQ(Play("xboard\nprotover 2\n"), featureLine);
+}
+
+TEST_F(Detection, ALaterWordSwitchesTheProtocol) {
+  EXPECT_EQ(Play("ucinewgame\nxboard\nisready\n"), featureLine);
+  EXPECT_EQ(Play("ucinewgame\nisready\n"), "readyok\n");
+}
+
+TEST_F(Detection, SwitchingToUciEndsPonderingUnderXboard) {
+  // The second search ponders on g1f3 until the other protocol is spoken.
+  script = {{{}, "e7e5", "g1f3"}, {{"ucinewgame\nisready\n", "", ""}, "b8c6"}};
+  const std::string printed = Play("xboard\nnew\ne2e4\n");
+  ASSERT_EQ(searches.size(), 2U);
+  EXPECT_TRUE(searches[1].pondering);
+  EXPECT_EQ(printed.find("move b8c6"), std::string::npos);
+  EXPECT_EQ(printed.substr(printed.size() - 8), "readyok\n");
+  EXPECT_FALSE(XBoardHasOwnLine());
+  EXPECT_EQ(gameBoard.plyCount, 0);
+}
+
+TEST_F(Detection, TheOwnLineOfXboardComesBeforeInput) {
+  Play("xboard\nnew\nforce\n");
+  xboardPonder.PendingMove = 1;
+  xboardPonder.heldMove = MoveFromCoordinates("e2e4", gameBoard, white);
+  const std::string printed = Play("e7e5\n");
+  EXPECT_NE(printed.find("/4P3/8/PPPP1PPP/RNBQKBNR b"), std::string::npos);
+  EXPECT_NE(printed.find("/4p3/4P3/8/PPPP1PPP/RNBQKBNR w"), std::string::npos);
+}
+
+TEST_F(Polling, ReturnsAtOnceWithoutInput) {
+  protocolMode.mode = uciProtocol;
+  Dispatch(protocolMode, true);
+  EXPECT_EQ(fakeInput.nReads, 0);
+}
+
+TEST_F(Polling, HalfALineNeverHoldsTheSearchUp) {
+  script = {{{"isre", "ady\nst", "op\n"}, "e2e4"}};
+  EXPECT_EQ(PlayUci("go infinite\n"), std::string(noTime) + "readyok\nbestmove e2e4 \n");
+}
+
+TEST_F(Polling, HandlesEveryWaitingLineInOrder) {
+  script = {{{"isready\nuci\nisready\n"}, "e2e4"}};
+  const std::string printed = PlayUci("go\n");
+  const std::size_t first = printed.find("readyok\n");
+  const std::size_t identified = printed.find("uciok\n");
+  EXPECT_LT(first, identified);
+  EXPECT_LT(identified, printed.rfind("readyok\n"));
+  EXPECT_LT(printed.rfind("readyok\n"), printed.find("bestmove"));
+}
+
+TEST_F(Polling, UnknownLinesAreIgnored) {
+  script = {{{"hello\n\nmove\nready\n"}, "e2e4"}};
+  EXPECT_EQ(PlayUci("go\n"), std::string(noTime) + "bestmove e2e4 \n");
+}
+
+struct HeldCase {
+  const char* name;
+  const char* line;
+};
+
+class HeldLine : public UciTest, public ::testing::WithParamInterface<HeldCase> {};
+
+// Were one of these handled inside the search, the board would have changed
+// under it, or a second search would have been started in it.
+TEST_P(HeldLine, WaitsForTheEndOfTheSearch) {
+  script = {{{std::string(GetParam().line) + "\nisready\n"}, "e2e4"}, {{}, "d2d4"}};
+  const std::string printed = PlayUci("go\n");
+  const std::string atOnce = std::string(noTime) + "readyok\nbestmove e2e4 \n";
+  EXPECT_EQ(printed.substr(0, atOnce.size()), atOnce);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, HeldLine,
+    ::testing::Values(HeldCase{"Position", "position fen 8/8/8/8/8/8/8/8 w -"},
+                      HeldCase{"Go", "go"}, HeldCase{"NewGame", "ucinewgame"},
+                      HeldCase{"Option", "setoption name TT Hash Size value 1"},
+                      HeldCase{"Switch", "xboard"}),
+    [](const ::testing::TestParamInfo<HeldCase>& testCase) { return testCase.param.name; });
+
+TEST_F(Polling, HeldLinesAreHandledInOrderAfterTheSearch) {
+  script = {{{"position startpos moves d2d4\ngo\nposition startpos moves c2c4\n", "go depth 3\n"},
+             "e2e4"},
+            {{}, "d7d5"},
+            {{}, "c7c5"}};
+  EXPECT_EQ(PlayUci("go\n"), std::string(noTime) + "bestmove e2e4 \n" + noTime +
+                                 "bestmove d7d5 \n" + noTime + "bestmove c7c5 \n");
+  ASSERT_EQ(searches.size(), 3U);
+  EXPECT_EQ(searches[2].depth, 3);
+}
+
+TEST_F(Polling, AStopBehindAHeldGoIsMeantForThatGo) {
+  script = {{{"go infinite\nstop\nisready\n", ""}, "e2e4"}, {{"", ""}, "e7e5"}};
+  EXPECT_EQ(PlayUci("go\n"),
+            std::string(noTime) + "readyok\nbestmove e2e4 \n" + noTime + "bestmove e7e5 \n");
+  // The first search was not stopped; the second one at its first poll.
+  EXPECT_EQ(searchFlags.StopSearch, 1);
+  EXPECT_TRUE(fakeInput.pauses.empty());
+}
+
+TEST_F(Polling, APonderhitBehindAHeldGoIsMeantForThatGo) {
+  script = {{{"go ponder\nponderhit\n"}, "e2e4"}, {{""}, "e7e5"}};
+  EXPECT_EQ(PlayUci("go\n"),
+            std::string(noTime) + "bestmove e2e4 \n" + noTime + oneHit + "bestmove e7e5 \n");
+}
+
+TEST_F(Polling, AStopBeforeAHeldGoStopsTheRunningSearch) {
+  script = {{{"position startpos\nstop\ngo\n", "isready\n"}, "e2e4"}, {{}, "d2d4"}};
+  EXPECT_EQ(PlayUci("go infinite\n"),
+            std::string(noTime) + "bestmove e2e4 \n" + noTime + "bestmove d2d4 \n");
+}
+
+TEST_F(Polling, HeldLinesLeftByOneSearchAreJudgedInTheNext) {
+  script = {{{"go\nisready\ngo infinite\nstop\n"}, "e2e4"}, {{"", ""}, "e7e5"}, {{"", ""}, "g1f3"}};
+  EXPECT_EQ(PlayUci("go\n"), std::string(noTime) + "readyok\nbestmove e2e4 \n" + noTime +
+                                 "bestmove e7e5 \n" + noTime + "bestmove g1f3 \n");
+}
+
+TEST_F(Polling, ASwitchOfProtocolIsHeldWithWhatFollows) {
+  script = {{{"xboard\nnew\nforce\ne2e4\nisready\n"}, "d2d4"}};
+  EXPECT_EQ(PlayUci("go\n"), std::string(noTime) + "readyok\nbestmove d2d4 \n" + featureLine +
+                                 "rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq -\n");
+}
+
+TEST_F(Polling, ASwitchOfProtocolEndsASearchThatOnlyACommandCouldEnd) {
+  script = {{{"xboard\n", "isready\n"}, "d2d4"}};
+  EXPECT_EQ(PlayUci("go infinite\n"), std::string(noTime) + "bestmove d2d4 \n" + featureLine);
+}
+
+TEST_F(Polling, UciLinesDuringAnXboardSearchWait) {
+  script = {{{"ucinewgame\nisready\n", "go\nstop\n"}, "e2e4"}, {{}, "d2d4"}};
+  EXPECT_EQ(Play("xboard\nnew\neasy\ngo\n"),
+            std::string(featureLine) + noTime +
+                "rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq -\nmove e2e4\n"
+                "readyok\n" +
+                noTime + "bestmove d2d4 \n");
+}
+
+TEST_F(Polling, TheQueueIsFullAtItsLimitAndReadsNoFurther) {
+  std::string lines;
+  for (std::size_t i = 0; i < maxHeldLines; ++i) lines += "eval\n";
+  // One poll may read a part of them only.
+  script = {{{lines + "isready\n", "", "", "", "", "", ""}, "e2e4"}};
+  protocolMode.mode = uciProtocol;
+  fakeInput.bytes = "go\n";
+  testing::internal::CaptureStdout();
+  Dispatch(protocolMode, false);
+  std::fflush(stdout);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), std::string(noTime) + "bestmove e2e4 \n");
+}
+
+TEST_F(Polling, OneLineLessLeavesRoomInTheQueue) {
+  std::string lines;
+  for (std::size_t i = 0; i + 1 < maxHeldLines; ++i) lines += "eval\n";
+  script = {{{lines + "isready\n", "", "", "", "", "", ""}, "e2e4"}};
+  protocolMode.mode = uciProtocol;
+  fakeInput.bytes = "go\n";
+  testing::internal::CaptureStdout();
+  Dispatch(protocolMode, false);
+  std::fflush(stdout);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(),
+            std::string(noTime) + "readyok\nbestmove e2e4 \n");
+}
+
+// No command can reach an endless search behind a full queue, so it ends.
+TEST_F(Polling, AFullQueueEndsASearchThatOnlyACommandCouldEnd) {
+  std::string lines;
+  for (std::size_t i = 0; i < maxHeldLines; ++i) lines += "position startpos\n";
+  script = {{{lines + "stop\n", "", "", "", "", "", "", "", ""}, "e2e4"}};
+  EXPECT_EQ(PlayUci("go infinite\n"), std::string(noTime) + "bestmove e2e4 \n");
+}
+
+TEST_F(EndOfInput, IdleTheProcessSleepsAndStaysSilent) {
+  protocolMode.mode = uciProtocol;
+  fakeInput.ended = true;
+  testing::internal::CaptureStdout();
+  for (int i = 0; i < 3; ++i) Dispatch(protocolMode, false);
+  std::fflush(stdout);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+  EXPECT_EQ(fakeInput.pauses, (std::vector<std::uint32_t>{10, 10, 10}));
+}
+
+TEST_F(EndOfInput, TheProcessEndsWithStatus0OnceItsStarterIsGone) {
+  fakeInput.ended = true;
+  fakeInput.starterGone = true;
+  EXPECT_EXIT(Dispatch(protocolMode, false), ::testing::ExitedWithCode(0), "");
+}
+
+TEST_F(EndOfInput, TheStarterMayGoWhileInputIsOpen) {
+  fakeInput.starterGone = true;
+  Dispatch(protocolMode, false);
+  EXPECT_EQ(PlayUci("isready\n"), "readyok\n");
+}
+
+TEST_F(EndOfInput, ALastLineWithoutItsEndIsHandled) {
+  fakeInput.ended = true;
+  EXPECT_EQ(PlayUci("isready"), "readyok\n");
+}
+
+TEST_F(EndOfInput, ASearchThatEndsByItselfRunsOn) {
+  script = {{{inputEnds, "", ""}, "e2e4"}};
+  EXPECT_EQ(PlayUci("go depth 5\n"), std::string(noTime) + "bestmove e2e4 \n");
+  EXPECT_EQ(searchFlags.StopSearch, 0);
+}
+
+TEST_F(EndOfInput, AnEndlessSearchIsStoppedAndAnswers) {
+  for (const char* line : {"go infinite\n", "go ponder\n"}) {
+    SetUp();
+    script = {{{"isready\n", inputEnds, ""}, "e2e4"}};
+    EXPECT_EQ(PlayUci(line), std::string(noTime) + "readyok\nbestmove e2e4 \n");
+    EXPECT_EQ(searchFlags.StopSearch, 1);
+  }
+}
+
+TEST_F(EndOfInput, APonderSearchThatWasHitRunsToItsEnd) {
+  script = {{{"ponderhit\n", inputEnds, ""}, "e2e4"}};
+  EXPECT_EQ(PlayUci("go ponder\n"), std::string(noTime) + oneHit + "bestmove e2e4 \n");
+  EXPECT_EQ(searchFlags.StopSearch, 0);
+}
+
+TEST_F(EndOfInput, AWithheldAnswerIsGiven) {
+  script = {{{}, "e2e4"}};
+  fakeInput.afterPause = {"", "", inputEnds};
+  EXPECT_EQ(PlayUci("go infinite\n"), std::string(noTime) + "bestmove e2e4 \n");
+}
+
+TEST_F(EndOfInput, AnXboardPonderSearchIsAbandonedWithoutAWord) {
+  script = {{{}, "e7e5", "g1f3"}, {{inputEnds}, "b8c6"}};
+  searchFlags.BookInUse = 0;
+  const std::string printed = Play("xboard\nnew\ne2e4\n");
+  EXPECT_EQ(printed.find("move b8c6"), std::string::npos);
+  EXPECT_EQ(gameBoard.sideToMove, white);
+}
+
+}  // namespace
+}  // namespace mirvo

@@ -1,0 +1,141 @@
+// A fixture that drives dispatcher and UCI front end from scripted input with
+// scripted searches: each says what arrives at its polls and what it answers.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <deque>
+#include <string>
+#include <vector>
+
+#include "board/attack_tables.h"
+#include "board/fen.h"
+#include "board/make_move.h"
+#include "board/notation.h"
+#include "protocol/dispatcher.h"
+#include "protocol/game_board.h"
+#include "protocol/uci_session.h"
+#include "protocol/xboard_game.h"
+#include "protocol/xboard_ponder.h"
+#include "search/pondering.h"
+#include "search/search_flags.h"
+#include "shell/config.h"
+#include "tests/protocol/fake_input.h"
+
+namespace mirvo {
+
+struct ScriptedSearch {
+  std::vector<std::string> arrivals;  // bytes that arrive before each of its polls
+  std::string best = "";              // empty: no legal move
+  std::string ponder = "";            // empty: no expected reply
+  Move marks = noMove;                // added to the best move's word
+};
+
+/// Limits and flags that a search started with.
+struct SearchSeen {
+  std::int32_t depth;
+  std::int32_t InfiniteThinkingTime;
+  std::int32_t FixedTimePerMove;
+  bool pondering;
+  bool stoppedAtStart;
+};
+
+class UciTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    InitAttackTables();
+    current = this;
+    fakeInput = FakeInput{};
+    SetInputSource(&fakeSource);
+    protocolMode = ProtocolMode{};
+    uciSession = UciSession{};
+    uciSession.think = RunScript;
+    xboardGame = XBoardGame{};
+    xboardGame.think = RunScript;
+    xboardPonder = XBoardPonder{};
+    ponderStats = PonderStats{};
+    searchFlags = SearchFlags{};
+    engineConfig.Quiet = 1;
+    engineConfig.Ponder = 1;
+    engineConfig.DepthSearch = 40;
+    engineConfig.InfiniteThinkingTime = 0;
+    engineConfig.FixedTimePerMove = noFixedTime;
+    BeginFromStart(gameBoard);
+  }
+
+  void TearDown() override {
+    SetInputSource(nullptr);
+    uciSession = UciSession{};
+    xboardGame = XBoardGame{};
+    protocolMode = ProtocolMode{};
+    current = nullptr;
+  }
+
+  /// Sends the text and handles lines until no input is left; what was printed.
+  std::string Play(const std::string& text) {
+    fakeInput.bytes += text;
+    testing::internal::CaptureStdout();
+    RunIdle();
+    std::fflush(stdout);
+    return testing::internal::GetCapturedStdout();
+  }
+
+  /// The same once the interface has introduced itself, which is not shown.
+  std::string PlayUci(const std::string& text) {
+    protocolMode.mode = uciProtocol;
+    return Play(text);
+  }
+
+  static void RunIdle() {
+    fakeInput.ranDry = false;
+    while (!fakeInput.ranDry) Dispatch(protocolMode, false);
+  }
+
+  std::deque<ScriptedSearch> script;
+  std::vector<SearchSeen> searches;
+
+ private:
+  static SearchResult RunScript(SearchRecord& record) { return current->NextSearch(record); }
+
+  SearchResult NextSearch(SearchRecord& record) {
+    searches.push_back({record.maxDepth, engineConfig.InfiniteThinkingTime,
+                        engineConfig.FixedTimePerMove, searchFlags.pondering != 0,
+                        searchFlags.StopSearch != 0});
+    if (script.empty()) return {noMove, noMove};
+    const ScriptedSearch search = script.front();
+    script.pop_front();
+    searchFlags.searching = 1;
+    for (const std::string& arrival : search.arrivals) {
+      FakePauseSends(arrival);
+      PollInput();
+      if (searchFlags.StopSearch != 0) break;
+    }
+    searchFlags.searching = 0;
+    return Answer(search, *record.gameBoard);
+  }
+
+  static void FakePauseSends(const std::string& arrival) {
+    if (arrival == inputEnds) {
+      fakeInput.ended = true;
+    } else {
+      fakeInput.bytes += arrival;
+    }
+  }
+
+  static SearchResult Answer(const ScriptedSearch& search, const Board& position) {
+    if (search.best.empty()) return {noMove, noMove};
+    static Board board;
+    board = position;
+    const Move best = MoveFromCoordinates(search.best.c_str(), board, board.sideToMove);
+    MakeMove(board, best);
+    const Move ponder = search.ponder.empty()
+                            ? noMove
+                            : MoveFromCoordinates(search.ponder.c_str(), board, board.sideToMove);
+    return {best | search.marks, ponder};
+  }
+
+  inline static UciTest* current = nullptr;
+};
+
+}  // namespace mirvo
