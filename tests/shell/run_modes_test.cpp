@@ -1,0 +1,157 @@
+#include "shell/run_modes.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+#include "board/attack_tables.h"
+#include "board/fen.h"
+#include "board/perft.h"
+#include "eval/evaluate.h"
+#include "search/hash_table.h"
+#include "shell/text.h"
+#include "tests/shell/temporary_folder.h"
+
+namespace mirvo {
+namespace {
+
+using testing::internal::CaptureStdout;
+using testing::internal::GetCapturedStdout;
+
+class RunModes : public testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    InitAttackTables();
+    BuildKingDangerTable();
+    for (HashTable* const table : {&EvalHashTable, &PawnHashTable, &TranspositionTable}) {
+      table->size = 1;
+      HashAllocate(*table);
+    }
+  }
+  static void TearDownTestSuite() {
+    for (HashTable* const table : {&EvalHashTable, &PawnHashTable, &TranspositionTable}) {
+      HashRelease(*table);
+    }
+  }
+  // The evaluation reads the mode from the global settings.
+  RunModes() : config(engineConfig) { config = EngineConfig(); }
+  ~RunModes() override { config = EngineConfig(); }
+
+  /// Runs the mode; returns what was printed. Every mode but the engine's
+  /// ends with status 0.
+  std::string RunMode() {
+    CaptureStdout();
+    const int status = mirvo::Run(config);
+    const std::string text = GetCapturedStdout();
+    EXPECT_EQ(status, 0);
+    return text;
+  }
+
+  TemporaryFolder folder;
+  EngineConfig& config;
+};
+
+TEST_F(RunModes, NothingRunsAfterATool) {
+  config.ToolRunOnly = 1;
+  for (const RunModeCode mode :
+       {RunModeCode::engine, RunModeCode::analyze, RunModeCode::perft, RunModeCode::eval}) {
+    config.RunMode = mode;
+    EXPECT_EQ(RunMode(), "");
+  }
+}
+
+TEST_F(RunModes, TestAndUnknownModesDoNothing) {
+  for (const int mode : {2, 5, 6, -1}) {
+    config.RunMode = static_cast<RunModeCode>(mode);
+    EXPECT_EQ(RunMode(), "") << mode;
+  }
+}
+
+constexpr char initialDiagram[] =
+    "\n"
+    " |abcdefgh\n"
+    "-----------\n"
+    "8|rnbqkbnr|\n"
+    "7|pppppppp|\n"
+    "6|........|\n"
+    "5|........|\n"
+    "4|........|\n"
+    "3|........|\n"
+    "2|PPPPPPPP|\n"
+    "1|RNBQKBNR|\n"
+    "-----------\n"
+    "\n";
+
+TEST_F(RunModes, PerftPrintsBoardAndCounts) {
+  config.RunMode = RunModeCode::perft;
+  config.PerftDepth = 3;
+  const std::string text = RunMode();
+  const std::string header = std::string("Performing -perft 3\n") + initialDiagram + "Time = ";
+  EXPECT_EQ(text.substr(0, header.size()), header);
+  const std::string tail = "Splits = 0\n1           20\n2          400\n3         8902\n";
+  ASSERT_GT(text.size(), tail.size());
+  EXPECT_EQ(text.substr(text.size() - tail.size()), tail);
+}
+
+TEST_F(RunModes, PerftBelowDepthOnePrintsNoCounts) {
+  for (const int depth : {0, -1}) {
+    config.RunMode = RunModeCode::perft;
+    config.PerftDepth = depth;
+    const std::string text = RunMode();
+    EXPECT_EQ(text.substr(0, text.find('\n')), "Performing -perft " + std::to_string(depth));
+    const std::string tail = "kNodes/sec = 0.00\nSplits = 0\n";
+    EXPECT_EQ(text.substr(text.size() - tail.size()), tail);
+  }
+}
+
+TEST_F(RunModes, PerftOfAMatedSideCountsNothing) {
+  config.RunMode = RunModeCode::perft;
+  config.PerftDepth = 2;
+  BeginFromFen("7k/6Q1/6K1/8/8/8/8/8", "b", "-", config.CommandLineBoard);
+  const std::string text = RunMode();
+  const std::string tail = "Splits = 0\n1            0\n2            0\n";
+  EXPECT_EQ(text.substr(text.size() - tail.size()), tail);
+}
+
+TEST_F(RunModes, QuietPerftPrintsNoBoard) {
+  config.RunMode = RunModeCode::perft;
+  config.PerftDepth = 1;
+  config.Quiet = 1;
+  const std::string text = RunMode();
+  const std::string header = "Performing -perft 1\nTime = ";
+  EXPECT_EQ(text.substr(0, header.size()), header);
+}
+
+TEST_F(RunModes, EvalPrintsBoardReportAndScore) {
+  config.RunMode = RunModeCode::eval;
+  config.CommandLineBoard.sideToMove = white;
+  const std::string text = RunMode();
+  const std::string header = "\n |a b c d e f g h \n-------------------\n8|r n b q k b n r \n |\n";
+  EXPECT_EQ(text.substr(0, header.size()), header);
+  EXPECT_NE(text.find("\nFull eval: "), std::string::npos);
+  EXPECT_EQ(text.back(), '\n');
+}
+
+TEST_F(RunModes, EvalTakesTheViewOfTheSideToMove) {
+  // A rook up is good for White and as bad for Black.
+  for (const char* const side : {"w", "b"}) {
+    config.RunMode = RunModeCode::eval;
+    config.Quiet = 1;
+    BeginFromFen("4k3/pppp4/8/8/8/8/PPPP4/R3K3", side, "-", config.CommandLineBoard);
+    const std::string text = RunMode();
+    const std::string label = "Full eval: ";
+    const int score = std::stoi(text.substr(text.rfind(label) + label.size()));
+    EXPECT_TRUE(side[0] == 'w' ? score > 300 : score < -300) << score;
+  }
+}
+
+TEST_F(RunModes, AnalyzeReportsAMissingFile) {
+  config.RunMode = RunModeCode::analyze;
+  config.AnalyzeCount = 100000;
+  CopyText(config.AnalyzeFile, sizeof config.AnalyzeFile, "missing.epd");
+  EXPECT_EQ(RunMode(), "File \"missing.epd\" not found.\n");
+}
+
+}  // namespace
+}  // namespace mirvo
