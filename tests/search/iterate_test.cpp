@@ -1,0 +1,300 @@
+#include "search/iterate.h"
+
+#include <gtest/gtest.h>
+
+#include "board/keys.h"
+#include "board/make_move.h"
+#include "book/opening_book.h"
+#include "protocol/protocol_mode.h"
+#include "search/game_counters.h"
+#include "search/hash_table.h"
+#include "search/move_order.h"
+#include "search/root.h"
+#include "search/search_flags.h"
+#include "search/search_hooks.h"
+#include "search/search_stats.h"
+#include "shell/clock.h"
+#include "shell/config.h"
+#include "tests/support/search_support.h"
+
+namespace mirvo {
+namespace {
+
+int nPolls = 0;
+
+class Thinking : public testing::Test {
+ protected:
+  Thinking() : saved(engineConfig) {
+    test::ColdStart();
+    nPolls = 0;
+    engineConfig.InfiniteThinkingTime = 1;
+    protocolMode.mode = uciProtocol;
+  }
+  ~Thinking() override {
+    engineConfig = saved;
+    searchFlags = SearchFlags{};
+    searchHooks = SearchHooks{};
+  }
+
+  SearchResult Run(const std::string& position, int depth) {
+    test::SetPosition(board, position);
+    engineConfig.DepthSearch = depth;
+    SearchRecord record = PrepareSearch(board);
+    testing::internal::CaptureStdout();
+    const SearchResult result = Think(record);
+    lines.clear();
+    for (const std::string& line : test::SplitLines(testing::internal::GetCapturedStdout())) {
+      if (!line.starts_with("info currmove")) lines.push_back(line);
+    }
+    nodes = record.state.nodeCount;
+    return result;
+  }
+
+  int CountLines(const std::string& part) const {
+    int count = 0;
+    for (const std::string& line : lines) count += line.find(part) != std::string::npos ? 1 : 0;
+    return count;
+  }
+
+  EngineConfig saved;
+  Board board;
+  std::vector<std::string> lines;
+  std::uint32_t nodes = 0;
+};
+
+constexpr char mateInOne[] = "6k1/5ppp/8/8/8/8/8/3RK3 w -";
+constexpr char mateInTwo[] = "7k/8/8/8/8/8/R7/1R2K3 w -";
+constexpr char middleGame[] = "r4rk1/1pp1qppp/p1np1n2/2b1p1B1/2B1P1b1/P1NP1N2/1PP1QPPP/R4RK1 w -";
+
+TEST_F(Thinking, AMateInOneIsPlayedAfterOneIteration) {
+  const SearchResult result = Run(mateInOne, 10);
+  EXPECT_EQ(test::MoveText(result.best), "d1d8");
+  EXPECT_NE(result.best & mateMark, 0U);
+  EXPECT_EQ(result.best & checkMark, 0U);  // found before checks are marked
+  EXPECT_EQ(result.ponder, noMove);
+  EXPECT_EQ(CountLines("score cp 32768"), 1);
+  EXPECT_EQ(CountLines("seldepth"), 1);
+}
+
+TEST_F(Thinking, AMateScoreEndsTheSearchAndIsMarked) {
+  const SearchResult result = Run(mateInTwo, 20);
+  EXPECT_NE(result.best & mateMark, 0U);
+  EXPECT_LT(CountLines("seldepth"), 6);
+}
+
+TEST_F(Thinking, WithoutAMateTheMarkIsClear) { EXPECT_EQ(Run(middleGame, 3).best & mateMark, 0U); }
+
+TEST_F(Thinking, AMatedSideHasNoMove) {
+  const SearchResult result = Run("3R2k1/5ppp/8/8/8/8/8/4K3 b -", 5);
+  EXPECT_EQ(result.best, noMove);
+  EXPECT_EQ(result.ponder, noMove);
+  EXPECT_EQ(CountLines("score cp -32768"), 1);
+  const HashEntry& slot = HashSlot(TranspositionTable, board.positionKey);
+  EXPECT_EQ(slot.bound, upperBound);
+  EXPECT_EQ(slot.score, -32768);
+  EXPECT_EQ(slot.depth, 1);
+}
+
+TEST_F(Thinking, AStalematedSideHasNoMove) {
+  const SearchResult result = Run("7k/5Q2/6K1/8/8/8/8/8 b -", 3);
+  EXPECT_EQ(result.best, noMove);
+  EXPECT_EQ(CountLines("score cp 0"), 3);
+}
+
+TEST_F(Thinking, AStartDepthPastTheLastDepthSearchesNothing) {
+  engineConfig.StartIDDepth = 5;
+  const SearchResult result = Run(middleGame, 4);
+  EXPECT_EQ(nodes, 0U);
+  EXPECT_EQ(CountLines("seldepth"), 0);
+  // The first legal capture answers for it.
+  EXPECT_EQ(result.best, FirstLegalMove(board));
+  EXPECT_NE(result.best, noMove);
+}
+
+TEST_F(Thinking, TheFirstDepthIsASetting) {
+  engineConfig.StartIDDepth = 3;
+  Run(middleGame, 4);
+  EXPECT_EQ(CountLines("info depth 3 "), 1);
+  EXPECT_EQ(CountLines("info depth 1"), 0);
+  EXPECT_EQ(CountLines("info depth 2"), 0);
+}
+
+TEST_F(Thinking, EveryIterationIsTwoLines) {
+  Run("8/2p5/3p4/KP5r/1R3p1k/8/4P1P1/8 w -", 3);
+  ASSERT_GE(lines.size(), 6U);
+  EXPECT_EQ(lines[0], "info depth 1");
+  EXPECT_TRUE(lines[1].starts_with("info depth 1 seldepth "));
+  EXPECT_EQ(lines[2], "info depth 2");
+}
+
+TEST_F(Thinking, TheHashReportFollowsAndItsCountersStartAgain) {
+  Run(middleGame, 3);
+  EXPECT_EQ(CountLines("Eval hash: Cache usage: hits="), 1);
+  EXPECT_EQ(CountLines("Pawn hash: Cache usage: hits="), 1);
+  EXPECT_EQ(CountLines("TT:        Cache usage: hits="), 1);
+  EXPECT_EQ(TranspositionTable.hits + TranspositionTable.misses + TranspositionTable.conflicts, 0U);
+}
+
+TEST_F(Thinking, QuietPrintsNothing) {
+  engineConfig.Quiet = 1;
+  Run(middleGame, 3);
+  EXPECT_TRUE(lines.empty());
+}
+
+TEST_F(Thinking, TheGameBoardIsLeftAsItWas) {
+  Run("startpos moves e2e4 e7e5 g1f3", 4);
+  EXPECT_EQ(board.positionKey, ComputeKey(board));
+  EXPECT_EQ(board.plyCount, 3);
+  EXPECT_EQ(board.undoDepth, 3);
+}
+
+TEST_F(Thinking, TheSameSearchFromColdIsTheSame) {
+  const SearchResult first = Run(middleGame, 6);
+  const std::uint32_t firstNodes = nodes;
+  test::ColdStart();
+  protocolMode.mode = uciProtocol;
+  const SearchResult second = Run(middleGame, 6);
+  EXPECT_EQ(first.best, second.best);
+  EXPECT_EQ(first.ponder, second.ponder);
+  EXPECT_EQ(firstNodes, nodes);
+}
+
+TEST_F(Thinking, TheExpectedReplyIsLegalAfterTheBestMove) {
+  for (const char* position : {"startpos", middleGame, "8/2p5/3p4/KP5r/1R3p1k/8/4P1P1/8 w -",
+                               "r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq"}) {
+    const SearchResult result = Run(position, 5);
+    ASSERT_NE(result.ponder, noMove) << position;
+    EXPECT_EQ(searchFlags.ponderMove, result.ponder);
+    MakeMove(board, result.best);
+    EXPECT_TRUE(IsLegalMove(board, result.ponder)) << position;
+  }
+}
+
+TEST_F(Thinking, AStopAtAnyPollLeavesALegalMove) {
+  static int stopAt = 0;
+  searchHooks.pollInput = [] {
+    if (++nPolls == stopAt) searchFlags.StopSearch = 1;
+  };
+  for (stopAt = 1; stopAt < 60; stopAt += 3) {
+    nPolls = 0;
+    test::ColdStart();
+    searchHooks.pollInput = [] {
+      if (++nPolls == stopAt) searchFlags.StopSearch = 1;
+    };
+    protocolMode.mode = uciProtocol;
+    const SearchResult result = Run(middleGame, 40);
+    EXPECT_TRUE(IsLegalMove(board, result.best)) << stopAt;
+    EXPECT_EQ(nPolls, stopAt);
+  }
+}
+
+TEST_F(Thinking, StoppedBeforeAnyMoveTheFirstLegalMoveAnswers) {
+  searchHooks.pollInput = [] { searchFlags.StopSearch = 1; };
+  const SearchResult result = Run(middleGame, 40);
+  EXPECT_EQ(result.best, FirstLegalMove(board));
+  EXPECT_EQ(CountLines("seldepth"), 0);
+}
+
+TEST_F(Thinking, WithoutABookTheTimeDoublesOnce) {
+  searchFlags.BookInUse = 1;
+  engineConfig.FixedTimePerMove = 700;
+  Run(middleGame, 2);
+  EXPECT_EQ(engineConfig.FixedTimePerMove, 1400);
+  EXPECT_EQ(searchFlags.BookInUse, 0);
+  Run(middleGame, 2);
+  EXPECT_EQ(engineConfig.FixedTimePerMove, 1400);
+}
+
+TEST_F(Thinking, PonderingHoldsTheLastDepthUntilTheHit) {
+  searchFlags.pondering = 1;
+  searchHooks.pollInput = [] {
+    if (++nPolls > 400) searchFlags.pondering = 0;
+  };
+  Run("8/8/8/3k4/8/8/3P4/3K4 w -", 2);
+  EXPECT_GT(nPolls, 400);
+  // The repeated depth is reported once as long as it says the same.
+  EXPECT_LE(CountLines("info depth 2 seldepth"), 2);
+}
+
+TEST_F(Thinking, PonderingOnAMateWaitsForTheHit) {
+  searchFlags.pondering = 1;
+  searchHooks.pollInput = [] {
+    if (++nPolls > 30) searchFlags.pondering = 0;
+  };
+  const SearchResult result = Run(mateInOne, 10);
+  EXPECT_GT(nPolls, 30);
+  EXPECT_NE(result.best & mateMark, 0U);
+  EXPECT_EQ(CountLines("score cp 32768"), 1);
+}
+
+TEST_F(Thinking, PonderingWithoutAnyMoveStillPolls) {
+  searchFlags.pondering = 1;
+  searchHooks.pollInput = [] {
+    if (++nPolls > 3) searchFlags.StopSearch = 1;
+  };
+  const SearchResult result = Run("3R2k1/5ppp/8/8/8/8/8/4K3 b -", 5);
+  EXPECT_EQ(result.best, noMove);
+  EXPECT_EQ(nPolls, 4);
+}
+
+TEST_F(Thinking, TheLineShowsThePonderedMoveInFront) {
+  searchFlags.pondering = 1;
+  searchFlags.ponderMove = BuildMove(52, 36, black, pawn);  // e7e5
+  searchHooks.pollInput = [] {
+    if (++nPolls > 300) searchFlags.StopSearch = 1;
+  };
+  Run("startpos moves e2e4 e7e5", 3);
+  EXPECT_GT(CountLines(" pv (e7e5) "), 0);
+}
+
+TEST_F(Thinking, PreviousLinesKeepTheTailOfOlderOnes) {
+  Run("startpos", 6);
+  const int longest = previousPv.length;
+  ASSERT_GE(longest, 5);
+  Run("8/8/8/3k4/8/8/3P4/3K4 w -", 1);
+  EXPECT_EQ(previousPv.length, longest);
+}
+
+TEST_F(Thinking, CountsReversibleMoves) {
+  gameCounters = GameCounters{};
+  gameCounters.reversibleMoves = 99;
+  Run("4k3/8/8/8/8/8/8/R3K3 w -", 1);  // no pawns, nothing to take
+  EXPECT_EQ(gameCounters.reversibleMoves, 100);
+  EXPECT_EQ(gameCounters.hundredReached, 1);
+  Run("4k3/8/8/3q4/8/8/8/3RK3 w -", 2);  // the queen is taken
+  EXPECT_EQ(gameCounters.reversibleMoves, 0);
+  EXPECT_EQ(gameCounters.hundredReached, 1);
+}
+
+TEST(ReversibleMoves, OnlyExactlyAHundredSetsTheFlag) {
+  GameCounters counters;
+  counters.reversibleMoves = 100;
+  CountReversibleMove(counters, true);
+  EXPECT_EQ(counters.hundredReached, 0);
+}
+
+TEST_F(Thinking, AGameOf1200PliesCanBeSearched) {
+  test::SetPosition(board, "startpos");
+  const Move out[] = {BuildMove(6, 21, white, knight), BuildMove(62, 45, black, knight),
+                      BuildMove(21, 6, white, knight), BuildMove(45, 62, black, knight)};
+  for (int ply = 0; ply < 1200; ++ply) MakeMove(board, out[ply % 4]);
+  engineConfig.DepthSearch = 4;
+  SearchRecord record = PrepareSearch(board);
+  testing::internal::CaptureStdout();
+  const SearchResult result = Think(record);
+  testing::internal::GetCapturedStdout();
+  EXPECT_TRUE(IsLegalMove(board, result.best));
+  EXPECT_LE(board.undoDepth, undoCapacity - searchPlyRoom);
+}
+
+TEST_F(Thinking, BoardsOutsideTheRulesAreSearchedWithoutHarm) {
+  for (const char* position :
+       {"8/8/8/8/8/8/8/8 w -", "4k3/8/8/8/8/8/8/8 w -", "8/8/8/8/8/8/8/4K3 w -",
+        "PPPPPPPP/8/8/8/8/8/k7/ppppppKp w -", "QQQQQQQQ/QQQQQQQQ/8/8/8/k7/8/7K b -",
+        "pppppppp/kkkkkkkk/8/8/8/8/KKKKKKKK/PPPPPPPP b KQkq", "4k3/8/8/8/8/8/8/4K3 w KQkq"}) {
+    Run(position, 3);
+  }
+}
+
+}  // namespace
+}  // namespace mirvo

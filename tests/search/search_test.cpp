@@ -1,0 +1,226 @@
+#include "search/search.h"
+
+#include <gtest/gtest.h>
+
+#include "board/keys.h"
+#include "search/hash_table.h"
+#include "search/move_order.h"
+#include "search/quiescence.h"
+#include "search/search_hooks.h"
+#include "search/search_stats.h"
+#include "search/time_control.h"
+#include "shell/clock.h"
+#include "shell/config.h"
+#include "tests/support/search_support.h"
+
+namespace mirvo {
+namespace {
+
+std::uint32_t fakeTicks = 0;
+int nPolls = 0;
+
+class MainSearch : public testing::Test {
+ protected:
+  MainSearch() {
+    test::ColdStart();
+    engineConfig.InfiniteThinkingTime = 1;
+    state.extensionLimit = 5;
+    state.nextInputPoll = 8192;
+    fakeTicks = 0;
+    nPolls = 0;
+    SetTickSource([] { return fakeTicks; });
+  }
+  ~MainSearch() override { SetTickSource(nullptr); }
+
+  std::int32_t Run(const std::string& position, std::int32_t alpha, std::int32_t beta, int depth,
+                   PvLine* pv = nullptr) {
+    test::SetPosition(board, position);
+    return Search(state, board, NodeInput{alpha, beta, depth}, pv);
+  }
+
+  Board board;
+  SearchState state;
+};
+
+constexpr std::int32_t open = infiniteScore;
+constexpr char backRankMate[] = "3R2k1/5ppp/8/8/8/8/8/4K3 b -";
+constexpr char stalemate[] = "7k/5Q2/6K1/8/8/8/8/8 b -";
+constexpr char middleGame[] = "r4rk1/1pp1qppp/p1np1n2/2b1p1B1/2B1P1b1/P1NP1N2/1PP1QPPP/R4RK1 w -";
+
+TEST_F(MainSearch, AMateScoresTheRemainingDepth) {
+  EXPECT_EQ(Run(backRankMate, -open, open, 3), 3 - 32768);
+  const HashEntry& slot = HashSlot(TranspositionTable, board.positionKey);
+  EXPECT_EQ(slot.key, board.positionKey);
+  EXPECT_EQ(slot.bound, exactBound);
+  EXPECT_EQ(slot.score, 3 - 32768);
+  EXPECT_EQ(slot.depth, 3);
+}
+
+TEST_F(MainSearch, AStalemateScoresZeroAsAnUpperBound) {
+  EXPECT_EQ(Run(stalemate, -open, open, 2), 0);
+  const HashEntry& slot = HashSlot(TranspositionTable, board.positionKey);
+  EXPECT_EQ(slot.bound, upperBound);
+  EXPECT_EQ(slot.score, 0);
+}
+
+TEST_F(MainSearch, APositionSeenOnceBeforeIsADraw) {
+  const std::string once = "startpos moves g1f3 g8f6 f3g1 f6g8";
+  EXPECT_EQ(Run(once, 500, 501, 1), 0);
+  EXPECT_EQ(state.nodeCount, 0U);
+}
+
+TEST_F(MainSearch, ACaptureCannotLeadToARepetition) {
+  test::SetPosition(board, "startpos moves g1f3 g8f6 f3g1 f6g8");
+  NodeInput input{500, 501, 1};
+  input.afterCapture = true;
+  Search(state, board, input, nullptr);
+  EXPECT_GT(state.nodeCount + state.clockPolls, 0U);
+}
+
+TEST_F(MainSearch, AThirdOccurrenceIsSearchedOn) {
+  const std::string twice = "startpos moves g1f3 g8f6 f3g1 f6g8 g1f3 g8f6 f3g1 f6g8";
+  Run(twice, -open, open, 1);
+  EXPECT_GT(state.nodeCount, 0U);
+}
+
+TEST_F(MainSearch, TheHorizonIsTheQuiescenceSearch) {
+  const std::int32_t score = Run(middleGame, -open, open, 0);
+  SearchState other;
+  EXPECT_EQ(score, Quiesce(other, board, -open, open, 0));
+}
+
+TEST_F(MainSearch, ATableCutoffReturnsAtNonPvNodesOnly) {
+  test::SetPosition(board, middleGame);
+  HashStore(TranspositionTable, board.positionKey, noMove, 123, exactBound, 9);
+  EXPECT_EQ(Search(state, board, NodeInput{10, 11, 3}, nullptr), 123);
+  EXPECT_EQ(TranspositionTable.hits, 1U);
+  EXPECT_EQ(state.nodeCount, 0U);
+  Search(state, board, NodeInput{-open, open, 1}, nullptr);
+  EXPECT_GT(state.nodeCount, 0U);
+}
+
+TEST_F(MainSearch, TableCountersTellConflictsMissesAndHits) {
+  test::SetPosition(board, middleGame);
+  const std::uint64_t key = board.positionKey;
+  HashStore(TranspositionTable, key, noMove, 50, lowerBound, 2);
+  searchFlags.NoInputPolling = 1;
+  Search(state, board, NodeInput{10, 11, 2}, nullptr);  // usable
+  EXPECT_EQ(TranspositionTable.hits, 1U);
+  Search(state, board, NodeInput{60, 61, 1}, nullptr);  // deep enough, not usable
+  EXPECT_GE(TranspositionTable.misses, 1U);
+}
+
+TEST_F(MainSearch, TheLineBeginsWithTheBestMoveAndIsPlayable) {
+  PvLine pv;
+  Run(middleGame, -open, open, 4, &pv);
+  ASSERT_GE(pv.length, 1);
+  const HashEntry& slot = HashSlot(TranspositionTable, board.positionKey);
+  EXPECT_TRUE(SameMove(pv.moves[0], slot.move));
+  EXPECT_EQ(slot.bound, exactBound);
+  std::string moves;
+  Board line;
+  test::SetPosition(line, middleGame);
+}
+
+TEST_F(MainSearch, APvIsBoundedAtItsCapacity) {
+  PvLine child;
+  child.length = pvCapacity;
+  PvLine pv;
+  WritePv(pv, BuildMove(1, 2, 0, 3), child);
+  EXPECT_EQ(pv.length, pvCapacity);
+  EXPECT_EQ(pv.moves[0], BuildMove(1, 2, 0, 3));
+}
+
+TEST_F(MainSearch, TheAbortFlagReturnsAQuickScoreAndStoresNothing) {
+  searchFlags.StopSearch = 1;
+  const std::int32_t score = Run(middleGame, -open, open, 6);
+  SearchState other;
+  EXPECT_EQ(score, Quiesce(other, board, -open, open, 0));
+  EXPECT_NE(HashSlot(TranspositionTable, board.positionKey).key, board.positionKey);
+}
+
+TEST_F(MainSearch, TheClockIsReadOnceIn1024Entries) {
+  engineConfig.InfiniteThinkingTime = 0;
+  engineConfig.FixedTimePerMove = 10;
+  timeControl.startTime = 0;
+  fakeTicks = 1000;
+  state.clockPolls = 1024;
+  Run(middleGame, 0, 1, 0);
+  EXPECT_EQ(state.stopFlag, 0);
+  state.clockPolls = 1025;
+  Run(middleGame, 0, 1, 0);
+  EXPECT_EQ(state.stopFlag, 1);
+}
+
+TEST_F(MainSearch, ThinkingWithoutLimitNeverLooksAtTheClock) {
+  engineConfig.FixedTimePerMove = 0;
+  fakeTicks = 1000000;
+  state.clockPolls = 5000;
+  Run(middleGame, 0, 1, 3);
+  EXPECT_EQ(state.stopFlag, 0);
+}
+
+TEST_F(MainSearch, InputIsPolledEvery8192Moves) {
+  searchHooks.pollInput = [] { ++nPolls; };
+  Run(middleGame, -open, open, 6);
+  EXPECT_GT(nPolls, 0);
+  EXPECT_EQ(static_cast<std::uint32_t>(nPolls), state.nodeCount / 8192);
+}
+
+TEST_F(MainSearch, NoPollingMeansNone) {
+  searchHooks.pollInput = [] { ++nPolls; };
+  searchFlags.NoInputPolling = 1;
+  Run(middleGame, -open, open, 6);
+  EXPECT_EQ(nPolls, 0);
+}
+
+TEST_F(MainSearch, AStopFromAPollUnwindsWithoutATrace) {
+  searchHooks.pollInput = [] {
+    if (++nPolls == 2) searchFlags.StopSearch = 1;
+  };
+  PvLine pv;
+  Run(middleGame, -open, open, 30, &pv);
+  EXPECT_EQ(nPolls, 2);
+  EXPECT_LT(state.nodeCount, 3U * 8192U);
+  EXPECT_EQ(board.undoDepth, 0);
+  EXPECT_EQ(state.extensions, 0);
+  EXPECT_EQ(board.positionKey, ComputeKey(board));
+}
+
+TEST_F(MainSearch, PromotionsAndSeventhRankPawnsAskForAnExtension) {
+  searchStats = SearchStats{};
+  EXPECT_TRUE(WantsExtension(BuildMove(52, 60, white, pawn) | PromotionBits(queen)));
+  EXPECT_TRUE(WantsExtension(BuildMove(44, 52, white, pawn)));
+  EXPECT_TRUE(WantsExtension(BuildMove(20, 12, black, pawn)));
+  EXPECT_FALSE(WantsExtension(BuildMove(12, 20, white, pawn)));
+  EXPECT_FALSE(WantsExtension(BuildMove(44, 52, white, rook)));
+  EXPECT_EQ(searchStats.nPromExt, 3);
+  EXPECT_EQ(searchStats.nExt, 3);
+}
+
+TEST_F(MainSearch, TheExtensionLimitIsNeverReached) {
+  state.extensionLimit = 2;
+  state.extensions = 0;
+  EXPECT_EQ(AllowedExtension(state, true), 1);
+  EXPECT_EQ(AllowedExtension(state, false), 0);
+  state.extensions = 1;
+  EXPECT_EQ(AllowedExtension(state, true), 0);
+}
+
+TEST_F(MainSearch, ANodeWhoseMovesAreAllPrunedFailsLowWithAlpha) {
+  // One ply from the horizon, hopelessly behind, only king moves: those are
+  // kept, so the first quiet move is always searched; a capture far below
+  // alpha is the only other kind.
+  const std::int32_t score = Run("4k3/8/8/8/8/8/8/4K2R b -", 20000, 20001, 1);
+  EXPECT_LE(score, 20000);
+}
+
+TEST_F(MainSearch, ExtremeDepthsStayWithinTheirTables) {
+  state.nextInputPoll = 20000;
+  searchHooks.pollInput = [] { searchFlags.StopSearch = 1; };
+  Run("8/8/8/3k4/8/8/3P4/3K4 w -", -open, open, 300);
+  EXPECT_EQ(board.undoDepth, 0);
+}
+
+}  // namespace
+}  // namespace mirvo
