@@ -5,7 +5,7 @@
 
 namespace mirvo {
 
-void StartRecord(GameRecord& record, const GameTags& tags) {
+void StartRecord(FinishedGame& record, const GameTags& tags) {
   ReleaseRecord(record);
   record.moveText = static_cast<char*>(std::calloc(moveTextBytes, 1));
   record.tags = &tags;
@@ -13,7 +13,7 @@ void StartRecord(GameRecord& record, const GameTags& tags) {
   record.movesOpen = 1;
 }
 
-void ReleaseRecord(GameRecord& record) {
+void ReleaseRecord(FinishedGame& record) {
   std::free(record.moveText);
   record.moveText = nullptr;
 }
@@ -46,7 +46,7 @@ void BuildHeader(const GameTags& tags, char* text) {
                 tags.whiteElo, tags.blackElo, tags.whiteType, tags.blackType);
 }
 
-void SaveGame(GameRecord& record, std::int32_t loggingMode) {
+void SaveGame(FinishedGame& record, std::int32_t loggingMode) {
   if (loggingMode == 0 || record.tags == nullptr) return;
   char path[gamePathCapacity];
   ChooseGameFile("game", "pgn", path);

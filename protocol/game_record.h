@@ -29,7 +29,7 @@ struct GameTags {
 
 inline constexpr std::size_t moveTextBytes = 1048576;
 
-struct GameRecord {
+struct FinishedGame {
   const GameTags* tags = nullptr;
   char* moveText = nullptr;  // moveTextBytes, zero-filled; stays empty
   std::uint8_t headerOpen = 0;
@@ -45,7 +45,7 @@ inline constexpr std::size_t gamePathCapacity = 64;
 
 /// Begins a record on `tags`, which must outlive it. The move text of the
 /// game before is released.
-void StartRecord(GameRecord& record, const GameTags& tags);
+void StartRecord(FinishedGame& record, const GameTags& tags);
 
 /// Writes the first free name of "base000000.extension", "base000001..." into
 /// `path` (gamePathCapacity bytes). A name is free when no such file exists;
@@ -57,9 +57,9 @@ void BuildHeader(const GameTags& tags, char* text);
 
 /// Saves the game in the working directory: nothing unless `loggingMode` is
 /// non-zero, and nothing when the file cannot be written.
-void SaveGame(GameRecord& record, std::int32_t loggingMode);
+void SaveGame(FinishedGame& record, std::int32_t loggingMode);
 
 /// Releases the move text (tests; the engine keeps its last record to the end).
-void ReleaseRecord(GameRecord& record);
+void ReleaseRecord(FinishedGame& record);
 
 }  // namespace mirvo

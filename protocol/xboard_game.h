@@ -30,7 +30,7 @@ struct XBoardGame {
   std::int32_t opponentIncrement = 0;
   std::int32_t movesToGo = 0;        // no command sets it
   std::uint8_t LastMoveFlagged = 0;  // the last search ended on a mate score
-  GameRecord record;
+  FinishedGame record;
 
   /// The search; tests put their own here.
   SearchResult (*think)(SearchRecord&) = Think;

@@ -131,7 +131,7 @@ TEST(GameRecordHeader, HoldsElevenFullTags) {
 }
 
 TEST(GameRecordState, AStartedRecordIsOpenAndItsMoveTextEmpty) {
-  GameRecord record;
+  FinishedGame record;
   GameTags tags;
   StartRecord(record, tags);
   EXPECT_EQ(record.headerOpen, 1);
@@ -145,7 +145,7 @@ TEST(GameRecordState, AStartedRecordIsOpenAndItsMoveTextEmpty) {
 }
 
 TEST(GameRecordState, SavingBeforeAnyGameDoesNothing) {
-  GameRecord record;
+  FinishedGame record;
   SaveGame(record, 1);
   EXPECT_EQ(record.file, nullptr);
 }
