@@ -73,7 +73,8 @@ class Case:
 
 
 SETUP = {"file": "block", "bytes": "text", "folder": "text", "link": "text", "copy": "text"}
-SCRIPT = {"send": "any", "send-bytes": "text", "expect": "text", "close": "none"}
+SCRIPT = {"send": "any", "send-bytes": "text", "expect": "text", "close": "none",
+          "close-output": "none"}
 CHECKS = {"expect-file": "block", "expect-bytes": "text", "no-file": "text"}
 
 

@@ -64,6 +64,8 @@ def play(session, steps):
             session.expect(step.argument)
         elif step.verb == "close":
             session.close_input()
+        elif step.verb == "close-output":
+            session.close_output()
 
 
 def difference(title, block, actual):

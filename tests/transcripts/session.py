@@ -1,8 +1,10 @@
 """One start of the program in a folder: scripted input, what came back. Never
 outlives its time limit."""
 
+import os
 import queue
 import re
+import select
 import subprocess
 import threading
 import time
@@ -25,14 +27,20 @@ class Session:
         self.errors = b""
         self.matched = 0  # output before this offset was met by an "expect"
         self.ended = False
+        self.stop_reading, self.stop_writer = os.pipe()
         self.readers = [threading.Thread(target=self._read_output, daemon=True),
                         threading.Thread(target=self._read_errors, daemon=True)]
         for reader in self.readers:
             reader.start()
 
     def _read_output(self):
-        while chunk := self.process.stdout.read1(65536):
+        stream = self.process.stdout.fileno()
+        while self.stop_reading not in select.select([stream, self.stop_reading], [], [])[0]:
+            chunk = os.read(stream, 65536)
+            if not chunk:
+                break
             self.chunks.put(chunk)
+        self.process.stdout.close()
         self.chunks.put(None)
 
     def _read_errors(self):
@@ -61,6 +69,11 @@ class Session:
 
     def close_input(self):
         self.process.stdin.close()
+
+    def close_output(self):
+        """Stops reading what the program writes, like an interface that is gone."""
+        os.write(self.stop_writer, b"x")
+        self.readers[0].join()
 
     def expect(self, pattern):
         """Waits for a line that matches, behind the last one that did."""
@@ -95,8 +108,10 @@ class Session:
             reader.join(timeout=2)
         while not self.chunks.empty():
             self.text += self.chunks.get() or b""
-        for stream in (self.process.stdin, self.process.stdout, self.process.stderr):
+        for stream in (self.process.stdin, self.process.stderr):
             try:
                 stream.close()
             except OSError:
                 pass
+        os.close(self.stop_reading)
+        os.close(self.stop_writer)

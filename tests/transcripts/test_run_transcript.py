@@ -128,6 +128,11 @@ class RunnerTest(unittest.TestCase):
     def test_ends_the_input(self):
         self.passes("send a\nclose\noutput\n|args\n|a\n|end of input\n")
 
+    def test_stops_reading_the_output(self):
+        # The stand-in dies of the closed pipe before it gets to its log.
+        self.passes("send a\nexpect ^a$\nclose-output\nsend late\n"
+                    "status 1\noutput\n|args\n|a\n", "--prefix", sys.executable)
+
     def test_sends_bytes(self):
         self.passes("send-bytes ab\\x63\\ndef\nclose\noutput\n|args\n|abc\n|def\n|end of input\n")
 
