@@ -44,14 +44,15 @@ struct SearchSeen {
 class UciTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    InitAttackTables();
+    static const bool tablesBuilt = (InitAttackTables(), true);
+    (void)tablesBuilt;
     current = this;
     fakeInput = FakeInput{};
     SetInputSource(&fakeSource);
     protocolMode = ProtocolMode{};
     uciSession = UciSession{};
     uciSession.think = RunScript;
-    xboardGame = XBoardGame{};
+    ForgetXBoardGame();
     xboardGame.think = RunScript;
     xboardPonder = XBoardPonder{};
     ponderStats = PonderStats{};
@@ -67,7 +68,7 @@ class UciTest : public ::testing::Test {
   void TearDown() override {
     SetInputSource(nullptr);
     uciSession = UciSession{};
-    xboardGame = XBoardGame{};
+    ForgetXBoardGame();
     protocolMode = ProtocolMode{};
     current = nullptr;
   }
@@ -96,6 +97,11 @@ class UciTest : public ::testing::Test {
   std::vector<SearchSeen> searches;
 
  private:
+  static void ForgetXBoardGame() {
+    ReleaseRecord(xboardGame.record);
+    xboardGame = XBoardGame{};
+  }
+
   static SearchResult RunScript(SearchRecord& record) { return current->NextSearch(record); }
 
   SearchResult NextSearch(SearchRecord& record) {
