@@ -14,8 +14,10 @@
 #include <string>
 #include <vector>
 
+#include "board/bb_move_generator.h"
 #include "board/display.h"
 #include "epd/epd_reader.h"
+#include "search/root.h"
 #include "search/search_flags.h"
 #include "search/search_hooks.h"
 #include "search/search_stats.h"
@@ -63,6 +65,16 @@ std::string LineWith(const std::string& text, const std::string& part) {
     if (line.find(part) != std::string::npos) return line;
   }
   return "";
+}
+
+bool HasLegalMove(Board& board, int kind, int to) {
+  BBMoveGenerator2 generator(board, board.sideToMove);
+  generator.GenerateAll();
+  for (int i = 0; i < generator.count; ++i) {
+    const Move move = generator.moves[i];
+    if (MovingKind(move) == kind && ToSquare(move) == to && IsLegalMove(board, move)) return true;
+  }
+  return false;
 }
 
 /// Runs suites in a folder of their own, with small tables, no clock and a
@@ -320,6 +332,24 @@ TEST_F(RunSuiteTest, BoardsBeyondAnyGameAreSearchedWithoutHarm) {
           "kkkkkkkk/8/8/8/8/8/8/KKKKKKKK b - h3 bm Ka1;"
           "k7/ppppppppp/PPPPPPPPP/8/8/8/8/8/K7 w - b bm b8;");
   EXPECT_EQ(ResultLines(text).size(), 7U);
+}
+
+TEST_F(RunSuiteTest, TheShippedSuiteNamesOnlyLegalMoves) {
+  Suite suite;
+  ASSERT_TRUE(ReadSuite(MIRVO_SOURCE_DIR "/data/mirvo-suite.epd", suite));
+  ASSERT_EQ(suite.size(), 25U);
+  const auto board = std::make_unique<Board>();
+  for (std::size_t i = 0; i < suite.size(); ++i) {
+    SetUpSuitePosition(suite[i], *board);
+    std::vector<Move> stated;
+    for (const BestMove& best : suite[i].bestMoves) stated.push_back(best.move);
+    for (const PointEntry& entry : suite[i].pointEntries) stated.push_back(entry.move);
+    EXPECT_GE(suite[i].bestMoves.size(), 1U);
+    EXPECT_GE(suite[i].pointEntries.size(), suite[i].bestMoves.size());
+    for (const Move move : stated) {
+      EXPECT_TRUE(HasLegalMove(*board, MovingKind(move), ToSquare(move))) << i << " " << move;
+    }
+  }
 }
 
 // Every search starts cold, so the order of a suite must not show: neither in
