@@ -51,7 +51,6 @@ __attribute__((format(printf, 3, 0))) Message FormatMessage(char* buffer, std::s
 void WriteTo(std::FILE* sink, const Message& message) {
   std::fwrite(message.text, 1, message.length, sink);
   std::fflush(sink);
-  std::clearerr(sink);
 }
 
 }  // namespace

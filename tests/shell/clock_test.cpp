@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+
 namespace mirvo {
 namespace {
 
@@ -52,6 +54,23 @@ TEST(SystemClock, NeverRunsBackwards) {
     ASSERT_GE(static_cast<std::int32_t>(now - last), 0);
     last = now;
   }
+}
+
+TEST(SystemClock, CountsMilliseconds) {
+  using Clock = std::chrono::steady_clock;
+  constexpr std::int64_t span = 60;
+  constexpr std::int64_t granularity = 20;  // some systems count in steps of 16 ms
+  const auto milliseconds = [](Clock::duration length) {
+    return std::int64_t{std::chrono::duration_cast<std::chrono::milliseconds>(length).count()};
+  };
+  const Clock::time_point outer = Clock::now();
+  const std::uint32_t start = SystemTickCount();
+  const Clock::time_point inner = Clock::now();
+  while (milliseconds(Clock::now() - inner) < span) {
+  }
+  const std::int64_t counted = static_cast<std::int32_t>(SystemTickCount() - start);
+  EXPECT_GE(counted, span - granularity);
+  EXPECT_LE(counted, milliseconds(Clock::now() - outer) + granularity);
 }
 
 TEST(SystemClock, ReturnsFromZeroLengthSleeps) {

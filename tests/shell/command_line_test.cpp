@@ -82,6 +82,14 @@ TEST(CommandLine, CopesWithoutAnyWord) {
   EXPECT_TRUE(IsUnchanged(*config));
 }
 
+TEST(CommandLine, TakesAMissingTextForAnEmptyWord) {
+  auto config = std::make_unique<EngineConfig>();
+  const char* const words[] = {"mirvo", nullptr, "-usebook", nullptr, "-quiet"};
+  ParseCommandLine(*config, 5, words);
+  EXPECT_STREQ(config->CmdLineBookName, "");
+  EXPECT_EQ(config->Quiet, 1);
+}
+
 TEST(CommandLine, ExaminesTheProgramsNameToo) {
   auto config = std::make_unique<EngineConfig>();
   const char* const words[] = {"-quiet"};
@@ -201,6 +209,13 @@ TEST(CommandLine, AnalyzeTakesFirstAndCount) {
   EXPECT_EQ(config->AnalyzeFirst, 3);
   EXPECT_EQ(config->AnalyzeCount, 7);
   EXPECT_EQ(config->Quiet, 1);
+}
+
+TEST(CommandLine, AnalyzeForgetsAnEarlierRange) {
+  const auto config = Parse({"-analyze", "first.epd", "3", "7", "-analyze", "second.epd"});
+  EXPECT_STREQ(config->AnalyzeFile, "second.epd");
+  EXPECT_EQ(config->AnalyzeFirst, 0);
+  EXPECT_EQ(config->AnalyzeCount, 100000);
 }
 
 TEST(CommandLine, AnalyzeTakesWhateverFollowsTheFile) {

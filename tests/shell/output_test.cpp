@@ -39,9 +39,10 @@ TEST_F(OutputTest, StartsWithConsoleBufferAndLog) {
 TEST_F(OutputTest, WritesOneMessageToConsoleAndLog) {
   CaptureStdout();
   const std::uint32_t length = Output(record, "info depth %d score cp %d\n", 7, -31);
-  EXPECT_EQ(GetCapturedStdout(), "info depth 7 score cp -31\n");
-  // The log is still open: what is in the file now was flushed.
+  // The log is still open, and taking what was captured flushes every stream:
+  // what is in the file before that was flushed by the message itself.
   EXPECT_EQ(ReadFile(logFileName), "info depth 7 score cp -31\n");
+  EXPECT_EQ(GetCapturedStdout(), "info depth 7 score cp -31\n");
   EXPECT_EQ(length, 26u);
 }
 

@@ -10,6 +10,7 @@
 #include "board/attack_tables.h"
 #include "book/book_random.h"
 #include "book/opening_book.h"
+#include "eval/eval_tables.h"
 #include "protocol/dispatcher.h"
 #include "search/hash_table.h"
 #include "search/reductions.h"
@@ -101,6 +102,7 @@ TEST_F(StartUpTest, EachTableGetsItsSize) {
 TEST_F(StartUpTest, BuildsTheTablesAndTheBook) {
   Start("");
   EXPECT_EQ(KnightAttacks[0], Bit(10) | Bit(17));
+  EXPECT_EQ(KingDangerTable[50], 125);
   EXPECT_GT(NonPvReductions[20][40], 0);
   EXPECT_NE(openingBook.entries, nullptr);
   EXPECT_EQ(openingBook.count, 0);

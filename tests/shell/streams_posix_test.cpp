@@ -1,0 +1,52 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <string>
+
+#include "book/opening_book.h"
+#include "search/hash_table.h"
+#include "shell/startup.h"
+#include "tests/shell/temporary_folder.h"
+
+namespace mirvo {
+namespace {
+
+/// What can be read from a pipe without waiting.
+std::string ReadWaiting(int pipeEnd) {
+  fcntl(pipeEnd, F_SETFL, O_NONBLOCK);
+  std::string text;
+  char bytes[4096];
+  ssize_t length = 0;
+  while ((length = read(pipeEnd, bytes, sizeof bytes)) > 0) {
+    text.append(bytes, static_cast<std::size_t>(length));
+  }
+  return text;
+}
+
+TEST(StartUpStreams, LetNoTextWaitInABuffer) {
+  const TemporaryFolder folder;
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  std::fflush(stdout);
+  const int before = dup(STDOUT_FILENO);
+  dup2(ends[1], STDOUT_FILENO);
+  const char* const words[] = {"mirvo", "-test"};
+  StartUp(2, words);
+  // Written past the print routine and not flushed.
+  std::fputs("at once", stdout);
+  const std::string text = ReadWaiting(ends[0]);
+  dup2(before, STDOUT_FILENO);
+  close(before);
+  close(ends[0]);
+  close(ends[1]);
+  EXPECT_EQ(text.substr(text.size() - 7), "at once");
+  DestroyOpeningBook(openingBook);
+  for (HashTable* const table : {&EvalHashTable, &PawnHashTable, &TranspositionTable}) {
+    HashRelease(*table);
+  }
+}
+
+}  // namespace
+}  // namespace mirvo
