@@ -52,6 +52,27 @@ def judge_game(game):
     return None
 
 
+def write_settings(folder):
+    """XBoard takes "not found" in an engine's output for a failed start, so the
+    engine must find its settings file; and it shall save its games."""
+    with open(os.path.join(folder, "config.txt"), "w", encoding="utf-8") as file:
+        file.write("LoggingMode=1\n")
+
+
+def judge_saved_games(options, folder, played):
+    """Each finished game must be saved by the engine, with XBoard's result."""
+    complaints = []
+    for number, game in enumerate(played):
+        path = os.path.join(folder, f"game{number:06}.pgn")
+        saved = client.read(path) if os.path.exists(path) else ""
+        for tag in ("Result", "White", "Black"):
+            if f'[{tag} "{game.tags[tag]}"]' not in saved:
+                complaints.append(f"{path} lacks {tag} {game.tags[tag]}: {saved!r}")
+    if options.ponder and "PONDER HIT" not in client.read(os.path.join(folder, "debug.txt")):
+        complaints.append("no ponder hit in the whole match")
+    return complaints
+
+
 def judge_logs(options, folder):
     """Complaints of XBoard or of the adapter about Mirvo."""
     complaints = re.findall(r"^.*first.*(?:Illegal move|Error \().*$",
@@ -83,11 +104,14 @@ def main():
     options = parse_arguments()
     client.need("xboard", "xvfb-run", "fairymax", *["polyglot"] * (options.protocol == "uci"))
     with tempfile.TemporaryDirectory(prefix="mirvo-match-") as folder:
+        write_settings(folder)
         printed = client.run(xboard_command(options, folder), folder, options.limit)
         path = os.path.join(folder, "games.pgn")
         played = pgn.games(client.read(path)) if os.path.exists(path) else []
         complaints = judge_logs(options, folder)
         complaints += filter(None, map(judge_game, played))
+        if options.protocol == "xboard":
+            complaints += judge_saved_games(options, folder, played)
         if len(played) != options.games:
             complaints.append(f"{len(played)} games of {options.games} were recorded")
         for game in played:

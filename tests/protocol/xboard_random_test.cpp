@@ -240,12 +240,14 @@ class RandomSession {
 class XBoardRandomLines : public testing::Test {
  protected:
   void SetUp() override {
-    test::PrepareEngine();
+    saved = engineConfig;
+    engineConfig.TTHashSize = 1;
+    engineConfig.PawnHashSize = 1;
+    engineConfig.EvalHashSize = 1;
     test::ColdStart();
     engineConfig.Quiet = 1;
     engineConfig.Ponder = 1;
     engineConfig.LoggingMode = 0;
-    savedDepth = engineConfig.DepthSearch;
     engineConfig.DepthSearch = 3;
     searchFlags.NoInputPolling = 0;
     xboardGame = XBoardGame{};
@@ -257,8 +259,7 @@ class XBoardRandomLines : public testing::Test {
   void TearDown() override {
     printed = testing::internal::GetCapturedStdout();
     if (HasFailure()) std::fputs(printed.c_str(), stderr);
-    engineConfig.DepthSearch = savedDepth;
-    engineConfig.InfiniteThinkingTime = 0;
+    engineConfig = saved;
     ReleaseRecord(xboardGame.record);
     xboardGame = XBoardGame{};
     EXPECT_NE(printed.find("PONDERING"), std::string::npos);
@@ -269,7 +270,7 @@ class XBoardRandomLines : public testing::Test {
   std::string printed;
 
  private:
-  std::int32_t savedDepth = 0;
+  EngineConfig saved;
 };
 
 TEST_F(XBoardRandomLines, SensibleOnesAtEveryPoll) {
