@@ -12,3 +12,10 @@ if(MIRVO_COVERAGE)
   target_compile_options(mirvo_flags INTERFACE --coverage -fprofile-update=atomic)
   target_link_options(mirvo_flags INTERFACE --coverage)
 endif()
+
+# Fuzzers need every object instrumented; the sanitizers say what went wrong.
+if(MIRVO_FUZZ)
+  set(fuzz_flags -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all)
+  target_compile_options(mirvo_flags INTERFACE ${fuzz_flags} -fno-omit-frame-pointer)
+  target_link_options(mirvo_flags INTERFACE ${fuzz_flags})
+endif()
