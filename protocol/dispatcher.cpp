@@ -199,7 +199,7 @@ void DispatchIdle(ProtocolMode& mode) {
   char line[lineCapacity];
   const LineStatus status = TakeLine(mode, line);
   if (status == LineStatus::line) HandleReadLine(mode, line);
-  if (!XBoardHasOwnLine()) EndIfRequested();
+  EndIfRequested();
   if (status == LineStatus::ended) PassIdleTurnAfterEnd();
 }
 

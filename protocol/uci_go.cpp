@@ -102,10 +102,7 @@ void Go(UciSession& session, const char* text) {
     session.answerOwed = 1;
     return;
   }
-  if (ponders) {
-    engineConfig.FixedTimePerMove = 0;
-    engineConfig.InfiniteThinkingTime = 1;
-  }
+  if (ponders) engineConfig.InfiniteThinkingTime = 1;
   searchFlags.pondering = ponders ? 1 : 0;
   session.answerRule = ponders    ? AnswerRule::onPonderEnd
                        : infinite ? AnswerRule::onCommand

@@ -162,6 +162,30 @@ TEST_F(Polling, ASwitchOfProtocolEndsASearchThatOnlyACommandCouldEnd) {
   EXPECT_EQ(PlayUci("go infinite\n"), std::string(noTime) + "bestmove d2d4 \n" + featureLine);
 }
 
+TEST_F(Polling, BehindASwitchOfProtocolAPonderhitStillActsAtOnce) {
+  script = {{{"xboard\nponderhit\n"}, "d2d4"}};
+  EXPECT_EQ(PlayUci("go ponder\n"),
+            std::string(noTime) + oneHit + "bestmove d2d4 \n" + featureLine);
+}
+
+TEST_F(Polling, ASwitchOfProtocolIsForgottenOnceItWasMade) {
+  script = {{{"xboard\nucinewgame\n"}, "d2d4"}, {{"uci\n"}, "e2e4"}};
+  PlayUci("go\n");
+  const std::string printed = PlayUci("go\n");
+  EXPECT_LT(printed.find("uciok\n"), printed.find("bestmove e2e4"));
+}
+
+TEST_F(Polling, AfterAPonderMissNothingIsReadUntilTheRealMoveWasHandled) {
+  // The pondered g1f3 was not played. Were "force" read at once, the real move
+  // would get no answer.
+  script = {{{}, "e7e5", "g1f3"}, {{"b1c3\nforce\n"}, "b8c6"}, {{""}, "g8f6"}};
+  const std::string printed = Play("xboard\nnew\ne2e4\n");
+  EXPECT_NE(printed.find("PONDER NOT HIT. STOPPING\n"), std::string::npos);
+  EXPECT_NE(printed.find("move g8f6\n"), std::string::npos);
+  EXPECT_EQ(searches.size(), 3U);
+  EXPECT_EQ(xboardGame.force, 1);
+}
+
 TEST_F(Polling, UciLinesDuringAnXboardSearchWait) {
   script = {{{"ucinewgame\nisready\n", "go\nstop\n"}, "e2e4"}, {{}, "d2d4"}};
   EXPECT_EQ(Play("xboard\nnew\neasy\ngo\n"),

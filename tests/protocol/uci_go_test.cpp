@@ -163,7 +163,8 @@ TEST_F(UciGo, InfiniteWithholdsItsAnswerUntilStop) {
   script = {{{}, "e2e4"}};
   fakeInput.afterPause = {"", "isready\n", "", "stop\n"};
   EXPECT_EQ(PlayUci("go infinite\n"), std::string(noTime) + "readyok\nbestmove e2e4 \n");
-  EXPECT_EQ(fakeInput.pauses.size(), 4U);
+  // Short ones: whoever says "stop" is answered promptly.
+  EXPECT_EQ(fakeInput.pauses, (std::vector<std::uint32_t>{5, 5, 5, 5}));
 }
 
 TEST_F(UciGo, InfiniteIsNotReleasedByPonderhit) {
@@ -177,6 +178,7 @@ TEST_F(UciGo, PonderWithholdsItsAnswerUntilStop) {
   fakeInput.afterPause = {"", "stop\n"};
   EXPECT_EQ(PlayUci("go ponder\n"), std::string(noTime) + "bestmove e2e4 \n");
   EXPECT_EQ(fakeInput.pauses.size(), 2U);
+  EXPECT_EQ(searchFlags.pondering, 0);
 }
 
 TEST_F(UciGo, PonderWithholdsItsAnswerUntilPonderhit) {
@@ -239,12 +241,14 @@ class DeclinedPonder : public UciTest {
   /// A search that saw a mate, then the request to ponder on.
   std::string Decline() {
     script.push_front({{}, "e2e4", "e7e5", mateMark});
-    return PlayUci("go\nposition startpos moves e2e4 e7e5\ngo ponder wtime 60000 depth 3\n");
+    return PlayUci(
+        "go wtime 60000\nposition startpos moves e2e4 e7e5\n"
+        "go ponder infinite depth 3\n");
   }
 };
 
 TEST_F(DeclinedPonder, IsSilent) {
-  EXPECT_EQ(Decline(), std::string(noTime) + "bestmove e2e4 ponder e7e5\n");
+  EXPECT_EQ(Decline(), "Allowing 2400 ms for move (0, 60000, 0)\nbestmove e2e4 ponder e7e5\n");
   EXPECT_EQ(searches.size(), 1U);
 }
 
@@ -275,10 +279,17 @@ TEST_F(DeclinedPonder, PonderhitSearchesWithTheClock) {
   EXPECT_EQ(PlayUci("stop\n"), "");
 }
 
-TEST_F(DeclinedPonder, AnInfiniteGoIsStillDeclined) {
-  script.push_front({{}, "e2e4", "e7e5", mateMark});
-  EXPECT_EQ(PlayUci("go\ngo ponder infinite\n"),
-            std::string(noTime) + "bestmove e2e4 ponder e7e5\n");
+TEST_F(DeclinedPonder, ItsAnswerIsNotWithheldWhateverCameBefore) {
+  script = {{{"stop\n"}, "e2e4", "", mateMark}, {{}, "e7e5"}};
+  PlayUci("go infinite\n");
+  EXPECT_EQ(PlayUci("go ponder\nponderhit\n"), std::string(hitLines) + "bestmove e7e5 \n");
+  EXPECT_TRUE(fakeInput.pauses.empty());
+}
+
+TEST_F(DeclinedPonder, ASwitchOfProtocolCancelsTheDebt) {
+  Decline();
+  Play("xboard\nucix\n");
+  EXPECT_EQ(Play("stop\n"), "");
 }
 
 TEST_F(DeclinedPonder, ANewGoPositionOrGameCancelsTheDebt) {

@@ -62,6 +62,7 @@ INSTANTIATE_TEST_SUITE_P(
                      afterE4E5, white},
         PositionCase{"ListEndsAtABrace", "startpos moves e2e4 {e7e5", afterE4, black},
         PositionCase{"ListEndsAtATab", "startpos moves e2e4\te7e5", afterE4, black},
+        PositionCase{"ListBeginsWithATab", "startpos moves \te2e4", startPosition, white},
         PositionCase{"IllegalMoveIsMade", "startpos moves e2e5",
                      "rnbqkbnr/pppppppp/8/4P3/8/8/PPPP1PPP/RNBQKBNR b KQkq", black},
         PositionCase{"Castling", "startpos moves e2e4 e7e5 g1f3 g8f6 f1c4 f8c5 e1g1",

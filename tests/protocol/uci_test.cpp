@@ -85,6 +85,7 @@ TEST_F(UciCommands, UcinewgameForgetsTheGame) {
   const std::uint64_t key = 0x123456789abcdef;
   HashStore(TranspositionTable, key, 77, 5, exactBound, 3);
   TranspositionTable.hits = 4;
+  TranspositionTable.stores = 4;
   HistoryTable[white][12][28] = 50;
   HistoryTable[black][52][36] = -50;
   engineConfig.UseOpeningBook = 0;
@@ -98,6 +99,7 @@ TEST_F(UciCommands, UcinewgameForgetsTheGame) {
   EXPECT_EQ(HashSlot(TranspositionTable, key).key, 0U);
   EXPECT_EQ(HashSlot(TranspositionTable, key).move, noMove);
   EXPECT_EQ(TranspositionTable.hits, 0U);
+  EXPECT_EQ(TranspositionTable.stores, 0U);
   EXPECT_EQ(searchFlags.BookInUse, 1);
   EXPECT_EQ(engineConfig.UseOpeningBook, 0);
   engineConfig.UseOpeningBook = 1;
