@@ -37,6 +37,7 @@ struct EvalRecord {
   std::int32_t nonPawnMaterial[nSides];   // centipawns
   std::int32_t kingAttackers[nSides];     // enemy pieces that hit the side's king zone
   std::int32_t kingAttackWeight[nSides];  // and the sum of their weights
+  std::int32_t kingTropism[nSides];       // amount for the nearness of all enemy pieces
   ScorePair terms[nSides][nEvalTerms];    // row 0 belongs to `side`
   Bitboard attacks[nSides][nAttackSets];  // by kind, then the union
   Bitboard kingZone[nSides];

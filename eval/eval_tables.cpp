@@ -183,7 +183,7 @@ const std::int16_t QueenMobilityEg[28] = {
 // The more own pawns share its colour, the less a lone bishop can do.
 const std::int16_t SingleBishop[nPawnCounts] = {0, 0, -5, -10, -15, -25, -35, -50, -75};
 
-const std::int16_t Threat[king][king] = {
+constexpr std::int16_t Threat[king][king] = {
   {10, 20, 30, 40, 40},
   { 0, 10, 15, 20, 20},
   { 0, 10, 15, 20, 20},
@@ -191,5 +191,25 @@ const std::int16_t Threat[king][king] = {
   { 0, 10, 10, 20, 20}};
 
 // clang-format on
+
+namespace {
+
+constexpr ThreatSums SumThreats() {
+  ThreatSums sums{};
+  for (int victim = pawn; victim < king; ++victim) {
+    for (int attackers = 0; attackers < 1 << king; ++attackers) {
+      int sum = 0;
+      for (int attacker = pawn; attacker < king; ++attacker) {
+        if ((attackers >> attacker & 1) != 0) sum += Threat[attacker][victim];
+      }
+      sums.of[victim][attackers] = static_cast<std::int16_t>(sum);
+    }
+  }
+  return sums;
+}
+
+}  // namespace
+
+constexpr ThreatSums ThreatsBy = SumThreats();
 
 }  // namespace mirvo

@@ -142,13 +142,10 @@ inline constexpr std::int32_t uncastledHole = -5;
 inline constexpr std::int32_t kingFileBare = -30;
 inline constexpr std::int32_t kingNeighbourFileBare = -15;
 
-// Tropism: so much per step of Manhattan distance, from such a base.
-inline constexpr std::int32_t knightTropismStep = 2;
-inline constexpr std::int32_t knightTropismBase = -28;
-inline constexpr std::int32_t longTropismStep = 1;  // bishops and rooks
-inline constexpr std::int32_t longTropismBase = -14;
-inline constexpr std::int32_t queenTropismStep = 5;
-inline constexpr std::int32_t queenTropismBase = -70;
+/// Tropism by kind: so much per step of Manhattan distance to the enemy king,
+/// from such a base.
+inline constexpr std::int32_t tropismStep[nKinds] = {0, 2, 1, 1, 5, 0};
+inline constexpr std::int32_t tropismBase[nKinds] = {0, -28, -14, -14, -70, 0};
 
 inline constexpr std::int32_t backRankShut = -10;
 inline constexpr int presenceRadius = 3;
@@ -168,5 +165,11 @@ inline constexpr std::int32_t noCornerRook = -50;
 
 /// Rows: attacker pawn to queen; columns: victim pawn to queen.
 extern const std::int16_t Threat[king][king];
+
+/// Sum of Threat over a set of attacker kinds (bit 0 is the pawn), by victim.
+struct ThreatSums {
+  std::int16_t of[king][1 << king];
+};
+extern const ThreatSums ThreatsBy;
 
 }  // namespace mirvo

@@ -53,6 +53,7 @@ void ResetRecord(EvalRecord& record, Board& board, int side) {
     record.isolated[c] = 0;
     record.kingAttackers[c] = 0;
     record.kingAttackWeight[c] = 0;
+    record.kingTropism[c] = 0;
     for (Bitboard& set : record.attacks[c]) set = 0;
     record.kingZone[c] = KingZone(board, c);
   }

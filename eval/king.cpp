@@ -120,23 +120,6 @@ std::int32_t BareFiles(const KingView<side>& view) {
   return amount;
 }
 
-/// The nearer an enemy piece, the worse.
-template <int side>
-std::int32_t Tropism(const KingView<side>& view) {
-  const std::int32_t* distance = ManhattanDistance[view.square];
-  std::int32_t amount = 0;
-  for (Bitboard set = view.enemy[knight]; set != 0;) {
-    amount += knightTropismStep * distance[PopHighest(set)] + knightTropismBase;
-  }
-  for (Bitboard set = view.enemy[bishop] | view.enemy[rook]; set != 0;) {
-    amount += longTropismStep * distance[PopHighest(set)] + longTropismBase;
-  }
-  for (Bitboard set = view.enemy[queen]; set != 0;) {
-    amount += queenTropismStep * distance[PopHighest(set)] + queenTropismBase;
-  }
-  return amount;
-}
-
 /// King on the back rank, shut in by its own pawns, heavy enemy pieces about.
 template <int side>
 bool BackRankIsShut(const KingView<side>& view) {
@@ -185,7 +168,7 @@ ScorePair KingOf(const EvalRecord& record) {
     score += UncastledAmount<side>(view);
   }
   score.mg += BareFiles<side>(view) + PawnStorm<side>(view);
-  score.AddBoth(Tropism<side>(view) + Presence<side>(view) - Danger<side>(view));
+  score.AddBoth(record.kingTropism[side] + Presence<side>(view) - Danger<side>(view));
   if (BackRankIsShut<side>(view)) score.AddBoth(backRankShut);
   return score;
 }

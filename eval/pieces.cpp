@@ -2,6 +2,7 @@
 
 #include "board/attack_tables.h"
 #include "board/bits.h"
+#include "board/geometry_tables.h"
 #include "board/occupancy_maps.h"
 #include "eval/eval_tables.h"
 #include "eval/side_geometry.h"
@@ -10,6 +11,40 @@
 namespace mirvo {
 
 namespace {
+
+/// Amounts of a set of squares on ranks 3 and 4 (low) and 5 and 6 (high),
+/// files c to f, four bits a rank.
+struct CentreSums {
+  std::int8_t low[256];
+  std::int8_t high[256];
+};
+
+constexpr CentreSums SumCentre() {
+  CentreSums sums{};
+  for (int index = 0; index < 256; ++index) {
+    for (int bit = 0; bit < 8; ++bit) {
+      if ((index >> bit & 1) == 0) continue;
+      const int file = 2 + (bit & 3);
+      const Bitboard lower = Bit(SquareAt(2 + (bit >> 2), file));
+      const Bitboard upper = Bit(SquareAt(4 + (bit >> 2), file));
+      sums.low[index] = static_cast<std::int8_t>(
+          sums.low[index] + ((lower & centreSquares) != 0 ? centreSquare : ringSquare));
+      sums.high[index] = static_cast<std::int8_t>(
+          sums.high[index] + ((upper & centreSquares) != 0 ? centreSquare : ringSquare));
+    }
+  }
+  return sums;
+}
+
+constexpr CentreSums centreSums = SumCentre();
+
+/// Ring and centre squares of a set, by two look-ups: cheaper than counting
+/// both where the processor does not count bits.
+std::int32_t CentreAmount(Bitboard set) {
+  const auto ranks = static_cast<std::uint32_t>(set >> SquareAt(2, 2)) & 0x0F0F0F0FU;
+  const std::uint32_t pairs = ranks | ranks >> 4;
+  return centreSums.low[pairs & 0xFF] + centreSums.high[(pairs >> 16) & 0xFF];
+}
 
 /// What every piece of a side is measured against, and what its pieces of one
 /// kind add up to.
@@ -22,7 +57,8 @@ struct PieceTerm {
         unsafe(enemyPawnAttacks & (~board.occupied | PiecesOf<side ^ 1>(board)[pawn])),
         enemyIsolated(record.isolated[side ^ 1]),
         enemyZone(record.kingZone[side ^ 1]),
-        ownZone(record.kingZone[side]) {}
+        ownZone(record.kingZone[side]),
+        enemyKingDistance(ManhattanDistance[KingSquare(board, side ^ 1)]) {}
 
   /// Amounts that all kinds share, for one piece that controls `mobility`
   /// directly and `reach` counting what it sees through own pieces.
@@ -30,7 +66,10 @@ struct PieceTerm {
   void AddCommon(int square, Bitboard mobility, Bitboard reach) {
     std::int32_t both = 0;
     if ((enemyPawnAttacks & Bit(square)) != 0) both += AttackedByPawn[kind];
-    both += isolatedPawnHit * PopCount(reach & enemyIsolated);
+    // Seldom any: a branch is cheaper than counting nothing.
+    if (const Bitboard hits = reach & enemyIsolated; hits != 0) {
+      both += isolatedPawnHit * PopCount(hits);
+    }
     both += ownZoneSquare * PopCount(reach & ownZone);
     if (const Bitboard hits = reach & enemyZone; hits != 0) {
       both += enemyZoneSquare * PopCount(hits);
@@ -38,9 +77,9 @@ struct PieceTerm {
       attackWeight += KingAttackWeight[kind];
     }
     score.AddBoth(both);
-    score.mg += ringSquare * PopCount(mobility & extendedCentreRing) +
-                centreSquare * PopCount(mobility & centreSquares);
+    score.mg += CentreAmount(mobility);
     attacks |= reach;
+    tropism += tropismStep[kind] * enemyKingDistance[square] + tropismBase[kind];
   }
 
   std::int32_t UnsafeAmount(Bitboard mobility) const {
@@ -53,6 +92,7 @@ struct PieceTerm {
     record.attacks[side][kind] = attacks;
     record.kingAttackers[side ^ 1] += attackers;
     record.kingAttackWeight[side ^ 1] += attackWeight;
+    record.kingTropism[side ^ 1] += tropism;
     return score;
   }
 
@@ -63,11 +103,13 @@ struct PieceTerm {
   const Bitboard enemyIsolated;
   const Bitboard enemyZone;
   const Bitboard ownZone;
+  const std::int32_t* const enemyKingDistance;  // by square
 
   ScorePair score;
   Bitboard attacks = 0;
   std::int32_t attackers = 0;
   std::int32_t attackWeight = 0;
+  std::int32_t tropism = 0;
 };
 
 /// The board's occupancy views without the pieces of `removed`.
