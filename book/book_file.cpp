@@ -17,6 +17,12 @@ constexpr int fileH = 7;
 constexpr int rank1 = 0;
 constexpr int rank8 = 7;
 
+std::uint64_t BigEndian64(const std::uint8_t* bytes) {
+  std::uint64_t value = 0;
+  for (int i = 0; i < 8; ++i) value = (value << 8) | bytes[i];
+  return value;
+}
+
 // Complete records of an open file, from its size. A stream without a size has
 // none; a directory reports a huge size and then fails to read.
 std::int64_t CountRecords(std::FILE* file) {
@@ -105,7 +111,12 @@ int ReadBigEndian(ByteReader& file, int n, std::uint64_t& value) {
 
 bool ReadBookRecord(ByteReader& file, BookRecord& record) {
   std::uint64_t rest = 0;
-  if (ReadBigEndian(file, 8, record.key) != 0 || ReadBigEndian(file, 8, rest) != 0) return false;
+  if (const std::uint8_t* bytes = file.Take(bookRecordSize); bytes != nullptr) {
+    record.key = BigEndian64(bytes);
+    rest = BigEndian64(bytes + 8);
+  } else if (ReadBigEndian(file, 8, record.key) != 0 || ReadBigEndian(file, 8, rest) != 0) {
+    return false;
+  }
   record.move = static_cast<std::uint16_t>(rest >> 48);
   record.weight = static_cast<std::uint16_t>(rest >> 32);
   record.learn = static_cast<std::uint32_t>(rest);

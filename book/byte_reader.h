@@ -23,6 +23,15 @@ class ByteReader {
     return buffer[position++];
   }
 
+  /// The next `n` bytes in one piece, or null when they do not lie together in
+  /// the buffer; read them one by one then.
+  const std::uint8_t* Take(std::size_t n) {
+    if (position == size) Refill();
+    if (size - position < n) return nullptr;
+    position += n;
+    return buffer + position - n;
+  }
+
   /// What Next will return, without taking it.
   int Peek() {
     if (position == size && !Refill()) return endOfFile;
@@ -31,9 +40,8 @@ class ByteReader {
 
  private:
   bool Refill() {
-    if (file == nullptr) return false;
     position = 0;
-    size = std::fread(buffer, 1, sizeof(buffer), file);
+    size = file == nullptr ? 0 : std::fread(buffer, 1, sizeof(buffer), file);
     // The end is final, also on a terminal or a growing file.
     if (size == 0) file = nullptr;
     return size != 0;
