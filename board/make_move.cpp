@@ -60,15 +60,15 @@ void DropCastlingKeys(Board& board, int side) {
 }
 
 // The rook's part of castling; the king has its own. A text move may castle
-// without a rook or onto an occupied square: then nothing is conjured up and
-// the board counts as irregular.
+// without a rook, or put the rook on an occupied square or on the king: then
+// nothing is conjured up and the board counts as irregular.
 void CastleRook(Board& board, UndoRecord& undo, int side, int from, int to) {
   const bool isLong = FileOf(from) > FileOf(to);
   const int rookFrom = SquareAt(RankOf(from), isLong ? 0 : 7);
   const int rookTo = SquareAt(RankOf(from), isLong ? 3 : 5);
   (isLong ? undo.castledLong : undo.castledShort) = 1;
   std::uint64_t& rooks = board.pieces[PieceIndex(side, rook)];
-  if ((board.occupied & Bit(rookTo)) != 0 || (rooks & Bit(rookFrom)) == 0) {
+  if (((board.occupied | Bit(to)) & Bit(rookTo)) != 0 || (rooks & Bit(rookFrom)) == 0) {
     board.irregular = 1;
     if ((rooks & Bit(rookFrom)) == 0 || (rooks & Bit(rookTo)) != 0) return;
   }
@@ -197,7 +197,8 @@ void MakeMove(Board& board, Move move) {
       undo.capturedKind = victim;
     } else {
       board.irregular = 1;
-      ontoOwnKind = (own[landedKind] & toBit) != 0;
+      // A piece put down where it stood meets only itself.
+      ontoOwnKind = (own[landedKind] & toBit) != 0 && (from != to || kind != landedKind);
     }
   } else if (kind == pawn && HasEnPassant(board) &&
              to == SquareAt(board.epRank & 7, board.epFile & 7) && FileOf(from) != FileOf(to) &&
