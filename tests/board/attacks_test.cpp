@@ -1,0 +1,99 @@
+#include "board/attacks.h"
+
+#include <gtest/gtest.h>
+
+#include "board/make_move.h"
+#include "tests/support/board_support.h"
+#include "tests/support/mailbox.h"
+
+namespace mirvo {
+namespace {
+
+Bitboard AttackedBy(const Board& board, int side) {
+  Bitboard set = 0;
+  for (int square = 0; square < nSquares; ++square) {
+    if (SquareAttacked(board, side, square)) set |= Bit(square);
+    EXPECT_EQ(SquareAttacked(board, side, square),
+              SquareAttacked(board, side, square / 8, square % 8));
+  }
+  return set;
+}
+
+TEST(SquareAttacked, EachKindAlone) {
+  const struct {
+    const char* fen;
+    const char* attacked;
+  } cases[] = {
+      {"8/8/8/8/8/8/4P3/8 w -", "d3 f3"},
+      {"8/8/8/8/8/7P/8/8 w -", "g4"},
+      {"8/8/8/8/4N3/8/8/8 w -", "d2 f2 c3 g3 c5 g5 d6 f6"},
+      {"8/8/8/8/8/8/1B6/8 w -", "a1 c1 a3 c3 d4 e5 f6 g7 h8"},
+      {"8/8/8/8/8/8/8/R1n5 w -", "b1 c1 a2 a3 a4 a5 a6 a7 a8"},
+      {"8/8/8/8/8/8/1p6/Q1n5 w -", "b1 c1 a2 b2 a3 a4 a5 a6 a7 a8"},
+      {"8/8/8/8/8/8/8/K7 w -", "b1 a2 b2"},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(test::NamesOf(AttackedBy(test::BoardFrom(c.fen), white)), c.attacked) << c.fen;
+  }
+  EXPECT_EQ(test::NamesOf(AttackedBy(test::BoardFrom("8/4p3/8/8/8/8/8/8 b -"), black)), "d6 f6");
+}
+
+TEST(SquareAttacked, AgreesWithTheMailboxOnRandomPositions) {
+  test::PlayRandomGames(31, 12, 60, [](Board& board) {
+    const test::Mailbox mailbox(test::PlacementOf(board));
+    for (int square = 0; square < nSquares; ++square) {
+      ASSERT_EQ(SquareAttacked(board, white, square), mailbox.Attacks('w', square % 8, square / 8));
+      ASSERT_EQ(SquareAttacked(board, black, square), mailbox.Attacks('b', square % 8, square / 8));
+    }
+  });
+}
+
+TEST(InCheck, RemembersTheAnswerForTheSideToMove) {
+  Board board = test::BoardFrom("4k3/8/8/8/8/8/8/4R1K1 b -");
+  EXPECT_EQ(board.inCheckCache, -1);
+  EXPECT_TRUE(InCheck(board, black));
+  EXPECT_EQ(board.inCheckCache, 1);
+  // The stored answer is what counts from now on.
+  board.inCheckCache = 0;
+  EXPECT_FALSE(InCheck(board, black));
+}
+
+TEST(InCheck, ComputesAfreshForTheOtherSide) {
+  Board board = test::BoardFrom("4k3/8/8/8/8/8/8/4R1K1 w -");
+  EXPECT_TRUE(InCheck(board, black));
+  EXPECT_EQ(board.inCheckCache, -1);
+  EXPECT_FALSE(InCheck(board, white));
+  EXPECT_EQ(board.inCheckCache, 0);
+  EXPECT_TRUE(InCheck(board, black));
+}
+
+TEST(InCheck, ForgetsTheAnswerWithEveryMove) {
+  Board board = test::BoardFrom(test::startFen);
+  board.inCheckCache = 0;
+  const Move move = test::FindMove(board, "e2e4");
+  board.inCheckCache = 0;
+  MakeMove(board, move);
+  EXPECT_EQ(board.inCheckCache, -1);
+  board.inCheckCache = 1;
+  UnmakeMove(board);
+  EXPECT_EQ(board.inCheckCache, -1);
+  board.inCheckCache = 1;
+  MakeNullMove(board);
+  EXPECT_EQ(board.inCheckCache, -1);
+  board.inCheckCache = 1;
+  UnmakeNullMove(board);
+  EXPECT_EQ(board.inCheckCache, -1);
+}
+
+TEST(MoverLeftInCheck, TellsIllegalMovesFromLegalOnes) {
+  // The bishop on e2 is pinned; moves along the pin are legal for a rook only.
+  Board board = test::BoardFrom("4r1k1/8/8/8/8/8/4B3/4K3 w -");
+  MakeMove(board, test::FindMove(board, "e2d3"));
+  EXPECT_TRUE(MoverLeftInCheck(board));
+  UnmakeMove(board);
+  MakeMove(board, test::FindMove(board, "e1d1"));
+  EXPECT_FALSE(MoverLeftInCheck(board));
+}
+
+}  // namespace
+}  // namespace mirvo

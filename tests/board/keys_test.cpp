@@ -1,0 +1,218 @@
+#include "board/keys.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "board/board.h"
+#include "board/make_move.h"
+#include "tests/support/board_support.h"
+
+namespace mirvo {
+namespace {
+
+using test::BoardFrom;
+using test::startFen;
+
+struct PublishedKey {
+  const char* moves;
+  std::uint64_t key;
+};
+
+// The examples of the Polyglot book format.
+const PublishedKey publishedKeys[] = {
+    {"", 0x463B96181691FC9CULL},
+    {"e2e4", 0x823C9B50FD114196ULL},
+    {"e2e4 d7d5", 0x0756B94461C50FB0ULL},
+    {"e2e4 d7d5 e4e5", 0x662FAFB965DB29D4ULL},
+    {"e2e4 d7d5 e4e5 f7f5", 0x22A48B5A8E47FF78ULL},
+    {"e2e4 d7d5 e4e5 f7f5 e1e2", 0x652A607CA3F242C1ULL},
+    {"e2e4 d7d5 e4e5 f7f5 e1e2 e8f7", 0x00FDD303C946BDD9ULL},
+    {"a2a4 b7b5 h2h4 b5b4 c2c4", 0x3C8123EA7B067637ULL},
+    {"a2a4 b7b5 h2h4 b5b4 c2c4 b4c3 a1a3", 0x5C3F9B829B279560ULL},
+};
+
+TEST(PositionKey, EqualsThePublishedKeys) {
+  for (const PublishedKey& example : publishedKeys) {
+    Board board = BoardFrom(startFen);
+    test::Play(board, example.moves);
+    EXPECT_EQ(board.positionKey, example.key) << example.moves;
+    EXPECT_EQ(ComputeKey(board), example.key) << example.moves;
+  }
+}
+
+// Eight bytes a number, lowest first, folded by the 64-bit FNV-1a rule.
+std::uint64_t Fold(const std::uint64_t* numbers, int count) {
+  std::uint64_t hash = 0xCBF29CE484222325ULL;
+  for (int i = 0; i < count; ++i) {
+    for (int byte = 0; byte < 8; ++byte) {
+      hash ^= numbers[i] >> (8 * byte) & 255;
+      hash *= 0x100000001B3ULL;
+    }
+  }
+  return hash;
+}
+
+// Polyglot's own books vouch for the entries that games reach (below); the sum
+// pins the rest.
+TEST(Random64, KeepsEveryEntry) {
+  EXPECT_EQ(Random64[0], 0x9D39247E33776D41ULL);
+  EXPECT_EQ(Random64[780], 0xF8D626AAAF278509ULL);
+  EXPECT_EQ(Fold(Random64, nRandom64), 0x6C25BE54E4F62B13ULL);
+}
+
+TEST(PieceKeys, FollowThePublishedOrder) {
+  for (int kind = 0; kind < nKinds; ++kind) {
+    for (int square = 0; square < nSquares; ++square) {
+      // Black pawn 0, white pawn 1, black knight 2, ... white king 11.
+      EXPECT_EQ(PieceKey(black, kind, square), Random64[64 * (2 * kind) + square]);
+      EXPECT_EQ(PieceKey(white, kind, square), Random64[64 * (2 * kind + 1) + square]);
+    }
+  }
+}
+
+// A board with nothing on it: what the key holds beside the pieces.
+Board EmptyBoard() { return BoardFrom("8/8/8/8/8/8/8/8 b -"); }
+
+TEST(ComputeKey, OfAnEmptyBoardWithBlackToMoveIsZero) { EXPECT_EQ(ComputeKey(EmptyBoard()), 0u); }
+
+TEST(ComputeKey, HoldsTheSideKeyWhenWhiteMoves) {
+  Board board = EmptyBoard();
+  board.sideToMove = white;
+  EXPECT_EQ(ComputeKey(board), Random64[780]);
+}
+
+TEST(ComputeKey, HoldsOneKeyForEachCastlingRight) {
+  const struct {
+    const char* rights;
+    std::uint64_t key;
+  } cases[] = {{"K", Random64[768]},
+               {"Q", Random64[769]},
+               {"k", Random64[770]},
+               {"q", Random64[771]},
+               {"KQkq", Random64[768] ^ Random64[769] ^ Random64[770] ^ Random64[771]},
+               {"-", 0}};
+  for (const auto& c : cases) {
+    const Board board = BoardFrom(std::string("8/8/8/8/8/8/8/8 b ") + c.rights);
+    EXPECT_EQ(ComputeKey(board), c.key) << c.rights;
+  }
+}
+
+TEST(ComputeKey, AMovedKingTakesBothRightsOut) {
+  Board board = BoardFrom("8/8/8/8/8/8/8/8 b KQkq");
+  board.castling.kingMoved[white] = 1;
+  EXPECT_EQ(ComputeKey(board), Random64[770] ^ Random64[771]);
+  board.castling.kingMoved[black] = 1;
+  EXPECT_EQ(ComputeKey(board), 0u);
+}
+
+TEST(ComputeKey, HasCastledTakesNoPart) {
+  Board board = BoardFrom("8/8/8/8/8/8/8/8 b KQkq");
+  const std::uint64_t before = ComputeKey(board);
+  board.castling.hasCastled[white] = 1;
+  board.castling.hasCastled[black] = 1;
+  EXPECT_EQ(ComputeKey(board), before);
+}
+
+TEST(ComputeKey, HoldsTheFileOfTheEnPassantSquare) {
+  Board board = EmptyBoard();
+  for (int file = 0; file < 8; ++file) {
+    board.epFile = static_cast<std::uint8_t>(file);
+    board.epRank = 2;
+    EXPECT_EQ(ComputeKey(board), Random64[772 + file]);
+  }
+  board.epFile = 255;
+  EXPECT_EQ(ComputeKey(board), 0u);
+}
+
+// "KEY position" lines of a data file.
+int CheckKeys(const std::string& file) {
+  int nChecked = 0;
+  for (const std::string& line : test::DataLines(file)) {
+    std::istringstream words(line);
+    std::uint64_t key = 0;
+    words >> std::hex >> key;
+    std::string fen;
+    std::getline(words >> std::ws, fen);
+    EXPECT_EQ(BoardFrom(fen).positionKey, key) << fen;
+    ++nChecked;
+  }
+  return nChecked;
+}
+
+TEST(ComputeKey, EqualsTheReferenceKeys) { EXPECT_EQ(CheckKeys("reference/keys.txt"), 43); }
+
+TEST(ComputeKey, EqualsTheKeysOfAPolyglotBook) { EXPECT_EQ(CheckKeys("polyglot_keys.txt"), 167); }
+
+// Knights out and back: the position recurs every four plies.
+constexpr char shuffle[] = "g1f3 g8f6 f3g1 f6g8";
+
+TEST(IsRepetition, HoldsForTheSecondOccurrenceOnly) {
+  Board board = BoardFrom(startFen);
+  EXPECT_FALSE(IsRepetition(board));
+  test::Play(board, "g1f3 g8f6 f3g1");
+  EXPECT_FALSE(IsRepetition(board));
+  test::Play(board, "f6g8");
+  EXPECT_TRUE(IsRepetition(board));
+  test::Play(board, shuffle);
+  // Three times: the engine says no.
+  EXPECT_FALSE(IsRepetition(board));
+  test::Play(board, shuffle);
+  EXPECT_FALSE(IsRepetition(board));
+}
+
+TEST(IsRepetition, CountsOnlyUpToTheHistoryIndex) {
+  Board board = BoardFrom(startFen);
+  test::Play(board, shuffle);
+  ASSERT_TRUE(IsRepetition(board));
+  for (int i = 0; i < 4; ++i) UnmakeMove(board);
+  // The later entries still stand behind the index.
+  EXPECT_EQ(KeyHistory[4], board.positionKey);
+  EXPECT_FALSE(IsRepetition(board));
+}
+
+TEST(IsRepetition, NeedsAnIndexThatIsNotNegative) {
+  Board board = BoardFrom(startFen);
+  test::Play(board, shuffle);
+  board.historyIndex = -1;
+  EXPECT_FALSE(IsRepetition(board));
+}
+
+TEST(IsRepetition, FindsTheSetUpPositionOfAGameFromFen) {
+  Board board = BoardFrom("4k3/8/8/8/8/8/8/4K3 b -");
+  test::Play(board, "e8d8 e1d1 d8e8 d1e1");
+  EXPECT_TRUE(IsRepetition(board));
+}
+
+TEST(KeyHistory, GrowsWithReversibleMovesOnly) {
+  Board board = BoardFrom("4k3/8/8/3p4/8/4N3/P7/R3K3 w Q");
+  const struct {
+    const char* move;
+    int index;
+  } plies[] = {
+      {"a2a4", 0},               // pawn
+      {"e8e7", 1},               // king
+      {"e3d5", 1},               // capture
+      {"e7d6", 2}, {"e1c1", 3},  // castling
+      {"d6d5", 3},               // capture
+  };
+  for (const auto& ply : plies) {
+    test::Play(board, ply.move);
+    EXPECT_EQ(board.historyIndex, ply.index) << ply.move;
+    if (ply.index == 3 && std::string(ply.move) == "e1c1") {
+      EXPECT_EQ(KeyHistory[3], board.positionKey);
+    }
+  }
+}
+
+TEST(KeyHistory, StartsAfreshAtAPosition) {
+  Board board = BoardFrom(startFen);
+  test::Play(board, shuffle);
+  StartKeyHistory(board);
+  EXPECT_EQ(board.historyIndex, 0);
+  EXPECT_EQ(KeyHistory[0], board.positionKey);
+  EXPECT_FALSE(IsRepetition(board));
+}
+
+}  // namespace
+}  // namespace mirvo

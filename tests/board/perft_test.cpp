@@ -1,0 +1,101 @@
+#include "board/perft.h"
+
+#include <cstdio>
+#include <regex>
+
+#include "tests/board/perft_cases.h"
+
+namespace mirvo::test {
+namespace {
+
+using testing::internal::CaptureStdout;
+using testing::internal::GetCapturedStdout;
+
+class PerftFast : public testing::TestWithParam<PerftCase> {};
+
+TEST_P(PerftFast, CountsThePublishedNumber) { ExpectPerft(GetParam()); }
+
+INSTANTIATE_TEST_SUITE_P(Positions, PerftFast, testing::ValuesIn(PerftCases("perft/fast.txt")),
+                         PerftCaseName);
+
+std::string RunAndCapture(const std::string& fen, int depth) {
+  const auto board = std::make_unique<Board>(BoardFrom(fen));
+  CaptureStdout();
+  RunPerft(*board, depth);
+  return GetCapturedStdout();
+}
+
+TEST(RunPerft, PrintsTimeSpeedAndSplits) {
+  const std::string text = RunAndCapture(startFen, 3);
+  EXPECT_TRUE(std::regex_match(
+      text, std::regex(R"(Time = \d+\.\d\ds\nkNodes/sec = \d+\.\d\d\nSplits = 0\n)")))
+      << text;
+}
+
+TEST(RunPerft, CountsEveryDepthUpToTheTarget) {
+  RunAndCapture(startFen, 3);
+  EXPECT_EQ(PerftCountAtDepth(1), 20u);
+  EXPECT_EQ(PerftCountAtDepth(2), 400u);
+  EXPECT_EQ(PerftCountAtDepth(3), 8902u);
+  EXPECT_EQ(PerftCountAtDepth(4), 0u);
+}
+
+TEST(RunPerft, StartsFromZeroEachTime) {
+  RunAndCapture(startFen, 3);
+  RunAndCapture(startFen, 2);
+  EXPECT_EQ(PerftCountAtDepth(1), 20u);
+  EXPECT_EQ(PerftCountAtDepth(2), 400u);
+  EXPECT_EQ(PerftCountAtDepth(3), 0u);
+}
+
+TEST(RunPerft, DepthZeroCountsNothing) {
+  for (const int depth : {0, -1, -1000}) {
+    const std::string text = RunAndCapture(startFen, depth);
+    EXPECT_NE(text.find("kNodes/sec = 0.00\nSplits = 0\n"), std::string::npos) << text;
+    EXPECT_EQ(PerftCountAtDepth(1), 0u);
+  }
+}
+
+TEST(RunPerft, DepthsBeyondTheCountersAreCutAtTen) {
+  // Two kings that cannot leave their corners.
+  RunAndCapture("8/8/8/8/8/p1p5/P1p5/K1k5 w -", 50);
+  EXPECT_EQ(PerftTargetDepth, 10);
+  EXPECT_EQ(PerftCountAtDepth(10), PerftCounts[9]);
+  EXPECT_EQ(PerftCountAtDepth(11), PerftCounts[9]);
+}
+
+TEST(RunPerft, APositionWithoutMovesShowsTheHelpersCounts) {
+  // Stalemate.
+  RunAndCapture("k7/2Q5/1K6/8/8/8/8/8 b -", 2);
+  EXPECT_EQ(PerftCountAtDepth(1), 0u);
+  PerftSplitCounts[0][0] = 5;
+  PerftSplitCounts[1][0] = 7;
+  EXPECT_EQ(PerftCountAtDepth(1), 12u);
+  RunAndCapture("k7/2Q5/1K6/8/8/8/8/8 b -", 2);
+  EXPECT_EQ(PerftCountAtDepth(1), 0u);
+}
+
+TEST(RunPerft, CountsEveryMoveMadeLegalOrNot) {
+  // The pinned rook's moves off the file are made, tested and taken back.
+  const std::uint64_t before = nPerftMoves;
+  const auto board = std::make_unique<Board>(BoardFrom("4r1k1/8/8/8/8/8/4R3/4K3 w -"));
+  const std::size_t nMoves = AllMoves(*board).size();
+  ASSERT_GT(nMoves, LegalMoves(*board).size());
+  CaptureStdout();
+  RunPerft(*board, 1);
+  GetCapturedStdout();
+  EXPECT_EQ(nPerftMoves - before, nMoves);
+  EXPECT_EQ(PerftCountAtDepth(1), LegalMoves(*board).size());
+}
+
+TEST(RunPerft, WorksAtTheEndOfALongGame) {
+  const auto board = std::make_unique<Board>(BoardFrom(startFen));
+  for (int i = 0; i < 124; ++i) Play(*board, "g1f3 g8f6 f3g1 f6g8");
+  CaptureStdout();
+  RunPerft(*board, 3);
+  GetCapturedStdout();
+  EXPECT_EQ(PerftCountAtDepth(3), 8902u);
+}
+
+}  // namespace
+}  // namespace mirvo::test

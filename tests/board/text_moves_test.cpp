@@ -1,0 +1,197 @@
+// Coordinate moves as they arrive from outside: legal, illegal and nonsense.
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+#include "board/fen.h"
+#include "board/keys.h"
+#include "board/make_move.h"
+#include "board/notation.h"
+#include "tests/support/board_support.h"
+
+namespace mirvo {
+namespace {
+
+using test::BoardFrom;
+using test::ExpectConsistent;
+using test::startFen;
+
+std::string NameOf(int square) {
+  return {static_cast<char>('a' + square % 8), static_cast<char>('1' + square / 8)};
+}
+
+TEST(TextMoves, OrdinaryMovesArePlayed) {
+  Board board = BoardFrom(startFen);
+  EXPECT_EQ(PlayCoordinateMove("e2e4", board, white), BuildMove(12, 28, white, pawn));
+  EXPECT_EQ(PlayCoordinateMove("e7e5", board, black), BuildMove(52, 36, black, pawn));
+  EXPECT_EQ(test::PlacementOf(board), "rnbqkbnr/pppp1ppp/8/4p3/4P3/8/PPPP1PPP/RNBQKBNR");
+}
+
+TEST(TextMoves, ATokenThatIsNoMovePassesTheTurn) {
+  for (const char* token : {"0000", "", "e", "e2", "e2e", "i2i4", "e9e4", "e2e9", "E2E4", "e2-e4",
+                            "O-O", "(none)", "\xFF\xFF\xFF\xFF"}) {
+    Board board = BoardFrom(startFen);
+    const std::uint64_t key = board.positionKey;
+    EXPECT_EQ(PlayCoordinateMove(token, board, white), noMove) << token;
+    EXPECT_EQ(board.sideToMove, black) << token;
+    EXPECT_EQ(board.positionKey, key ^ SideKey()) << token;
+    EXPECT_EQ(board.undoDepth, 0) << token;
+    EXPECT_EQ(test::PlacementOf(board), "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR");
+    ExpectConsistent(board);
+  }
+}
+
+TEST(TextMoves, AFromSquareWithoutOwnPiecePassesTheTurn) {
+  for (const char* token : {"e4e5", "e7e5", "e3e2"}) {
+    Board board = BoardFrom(startFen);
+    EXPECT_EQ(PlayCoordinateMove(token, board, white), noMove) << token;
+    EXPECT_EQ(board.sideToMove, black) << token;
+    EXPECT_EQ(test::PlacementOf(board), "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR");
+  }
+}
+
+TEST(TextMoves, TheKindComesFromTheBoardsSideAndTheTrackedSideFillsTheColourBit) {
+  Board board = BoardFrom(startFen);
+  EXPECT_EQ(PlayCoordinateMove("g1f3", board, black), BuildMove(6, 21, black, knight));
+  EXPECT_EQ(test::PlacementOf(board), "rnbqkbnr/pppppppp/8/8/8/5N2/PPPPPPPP/RNBQKB1R");
+  EXPECT_EQ(board.sideToMove, black);
+}
+
+TEST(TextMoves, WhatFollowsTheMoveIsIgnored) {
+  Board board = BoardFrom(startFen);
+  EXPECT_NE(PlayCoordinateMove("e2e4xyz", board, white), noMove);
+  EXPECT_EQ(test::PlacementOf(board), "rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR");
+}
+
+TEST(TextMoves, AnEnPassantCaptureTakesThePawn) {
+  Board board = BoardFrom("4k3/8/8/8/3p4/8/4P3/4K3 w -");
+  PlayCoordinateMove("e2e4", board, white);
+  PlayCoordinateMove("d4e3", board, black);
+  EXPECT_EQ(test::PlacementOf(board), "4k3/8/8/8/8/4p3/8/4K3");
+  ExpectConsistent(board);
+}
+
+TEST(TextMoves, CastlingMovesTheRook) {
+  Board board = BoardFrom("4k3/8/8/8/8/8/8/R3K2R w KQ");
+  PlayCoordinateMove("e1c1", board, white);
+  EXPECT_EQ(test::PlacementOf(board), "4k3/8/8/8/8/8/8/2KR3R");
+}
+
+TEST(TextMoves, IllegalMovesAreMade) {
+  Board board = BoardFrom(startFen);
+  PlayCoordinateMove("a1a5", board, white);
+  EXPECT_EQ(test::PlacementOf(board), "rnbqkbnr/pppppppp/8/R7/8/8/PPPPPPPP/1NBQKBNR");
+  PlayCoordinateMove("d8d2", board, black);
+  EXPECT_EQ(test::PlacementOf(board), "rnb1kbnr/pppppppp/8/R7/8/8/PPPqPPPP/1NBQKBNR");
+  ExpectConsistent(board);
+}
+
+TEST(TextMoves, APieceMayLandOnAnOwnOne) {
+  Board board = BoardFrom("4k3/8/8/8/8/8/P7/R3K3 w Q");
+  PlayCoordinateMove("a1a2", board, white);
+  EXPECT_EQ(board.pieces[PieceIndex(white, rook)], test::Squares("a2"));
+  EXPECT_EQ(board.pieces[PieceIndex(white, pawn)], test::Squares("a2"));
+  EXPECT_EQ(board.irregular, 1);
+  ExpectConsistent(board);
+}
+
+TEST(TextMoves, TwoPiecesOfOneKindBecomeOne) {
+  Board board = BoardFrom("4k3/8/8/8/8/8/8/R3K2R w KQ");
+  PlayCoordinateMove("a1h1", board, white);
+  EXPECT_EQ(board.pieces[PieceIndex(white, rook)], test::Squares("h1"));
+  ExpectConsistent(board);
+}
+
+TEST(TextMoves, AKingIsNotTaken) {
+  Board board = BoardFrom("4k3/8/8/8/8/8/8/4RK2 w -");
+  PlayCoordinateMove("e1e8", board, white);
+  EXPECT_EQ(board.pieces[PieceIndex(black, king)], test::Squares("e8"));
+  EXPECT_EQ(board.pieces[PieceIndex(white, rook)], test::Squares("e8"));
+  ExpectConsistent(board);
+}
+
+TEST(TextMoves, AMoveToItsOwnSquareKeepsThePiece) {
+  Board board = BoardFrom(startFen);
+  PlayCoordinateMove("e2e2", board, white);
+  EXPECT_EQ(test::PlacementOf(board), "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR");
+  EXPECT_EQ(board.sideToMove, black);
+  ExpectConsistent(board);
+}
+
+TEST(TextMoves, CastlingWithoutARookMovesTheKingOnly) {
+  Board board = BoardFrom("4k3/8/8/8/8/8/8/4K3 w -");
+  PlayCoordinateMove("e1g1", board, white);
+  EXPECT_EQ(test::PlacementOf(board), "4k3/8/8/8/8/8/8/6K1");
+  ExpectConsistent(board);
+}
+
+// Every pair of squares, with and without a promotion letter, from positions
+// with rooks, kings and pawns in awkward places.
+class EveryTextMove : public testing::TestWithParam<const char*> {};
+
+TEST_P(EveryTextMove, LeavesAConsistentBoard) {
+  const auto start = std::make_unique<Board>(BoardFrom(GetParam()));
+  const auto board = std::make_unique<Board>();
+  for (int from = 0; from < nSquares; ++from) {
+    if (PieceOn(*start, from, start->sideToMove) == noPiece) continue;
+    for (int to = 0; to < nSquares; ++to) {
+      for (const char* promotion : {"", "q", "n"}) {
+        CopyBoard(*board, *start);
+        const std::string text = NameOf(from) + NameOf(to) + promotion;
+        PlayCoordinateMove(text.c_str(), *board, start->sideToMove);
+        ExpectConsistent(*board);
+        ASSERT_EQ(board->sideToMove, start->sideToMove ^ 1);
+        ASSERT_FALSE(HasFailure()) << text;
+      }
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    TextMoves, EveryTextMove,
+    testing::Values(startFen, test::kiwipeteFen, "r3k2r/8/8/8/8/8/8/R3K2R w KQkq",
+                    "r3k2r/8/8/8/8/8/8/R3K2R b KQkq", "R4K1R/8/8/8/8/8/8/R2K3R w KQ",
+                    "r2k3r/8/8/4k3/8/8/8/r4k1r b kq",
+                    "P3k2p/1P4p1/8/3Pp3/3pP3/8/1p4P1/P3K2p w - e6",
+                    "P3k2p/1P4p1/8/3Pp3/3pP3/8/1p4P1/P3K2p b - e3", "KQkq4/8/8/8/8/8/8/RNBrnb2 w -",
+                    "8/8/8/8/8/8/8/RNBQ4 w -"));
+
+// Nonsense games: any tokens, then the generator must still make and take back.
+TEST(TextMoves, IllegalGamesKeepTheBoardUsable) {
+  test::Random random(60);
+  const auto board = std::make_unique<Board>();
+  for (int game = 0; game < 300; ++game) {
+    test::SetPosition(*board, game % 3 == 0   ? test::kiwipeteFen
+                              : game % 3 == 1 ? startFen
+                                              : "r3k2r/pP1p2pp/8/2pP4/2Pp4/8/Pp1P2PP/R3K2R w KQkq");
+    std::string played;
+    for (int ply = 0; ply < 40; ++ply) {
+      // Take a square of the side to move most of the time.
+      int from = static_cast<int>(random.Below(nSquares));
+      for (int i = 0; i < 20 && PieceOn(*board, from, board->sideToMove) == noPiece; ++i) {
+        from = static_cast<int>(random.Below(nSquares));
+      }
+      const std::string text = NameOf(from) + NameOf(static_cast<int>(random.Below(nSquares))) +
+                               (random.Below(3) == 0 ? "q" : "");
+      played += text + " ";
+      PlayCoordinateMove(text.c_str(), *board, board->sideToMove);
+      ExpectConsistent(*board);
+      ASSERT_FALSE(HasFailure()) << "game " << game << ": " << played;
+    }
+    board->inCheckCache = -1;
+    const std::vector<Move> moves = test::AllMoves(*board);
+    board->inCheckCache = -1;
+    const test::Snapshot before(*board);
+    for (const Move move : moves) {
+      MakeMove(*board, move);
+      ExpectConsistent(*board);
+      UnmakeMove(*board);
+      ASSERT_TRUE(before.SameAs(*board)) << played << test::TextOf(move);
+      ASSERT_FALSE(HasFailure()) << played << test::TextOf(move);
+    }
+  }
+}
+
+}  // namespace
+}  // namespace mirvo
