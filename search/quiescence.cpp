@@ -7,6 +7,7 @@
 #include "board/make_move.h"
 #include "eval/evaluate.h"
 #include "search/hash_table.h"
+#include "search/interruption.h"
 #include "search/move_order.h"
 #include "search/search_stats.h"
 #include "search/static_exchange.h"
@@ -93,8 +94,12 @@ std::int32_t Quiesce(SearchState& state, Board& board, std::int32_t alpha, std::
     }
     ++state.nodeCount;
     ++searchStats.nQSNodes;
+    if (IsPollOverdue(state)) [[unlikely]]
+      PollOverdue(state);
     const std::int32_t score = -Quiesce(state, board, -beta, -alpha, qply + 1);
     UnmakeMove(board);
+    if (state.abandonQuiescence != 0) [[unlikely]]
+      return best;
     if (score > best) {
       if (score >= beta) return score;
       best = score;

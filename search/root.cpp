@@ -5,6 +5,7 @@
 #include "board/keys.h"
 #include "board/make_move.h"
 #include "search/hash_table.h"
+#include "search/interruption.h"
 #include "search/move_picker.h"
 #include "search/quiescence.h"
 #include "search/reductions.h"

@@ -7,22 +7,18 @@
 #include "board/keys.h"
 #include "board/make_move.h"
 #include "search/hash_table.h"
+#include "search/interruption.h"
 #include "search/move_order.h"
 #include "search/move_picker.h"
 #include "search/quiescence.h"
 #include "search/reductions.h"
-#include "search/search_hooks.h"
 #include "search/search_stats.h"
-#include "search/time_control.h"
-#include "shell/config.h"
 
 namespace mirvo {
 namespace {
 
-constexpr std::uint32_t clockInterval = 1024;  // node entries between clock readings
-constexpr std::uint32_t inputInterval = 8192;  // counted moves between input polls
-constexpr std::int32_t pruningMargin = 400;    // centipawns, razoring and futility
-constexpr std::int32_t captureMargin = 100;    // centipawns, futility of captures
+constexpr std::int32_t pruningMargin = 400;  // centipawns, razoring and futility
+constexpr std::int32_t captureMargin = 100;  // centipawns, futility of captures
 
 // Undo records that stay free below the main search: the longest run of
 // captures and evasions that the quiescence search can make.
@@ -35,29 +31,6 @@ struct TableHint {
   bool cutoff = false;
   std::int32_t score = 0;
 };
-
-// Looks at the clock once per clockInterval node entries.
-bool OutOfTime(SearchState& state) {
-  if (engineConfig.InfiniteThinkingTime != 0) return false;
-  if (state.stopFlag != 0) return true;
-  if (state.clockPolls > clockInterval) {
-    state.clockPolls = 0;
-    if (TimeIsUp(engineConfig)) {
-      state.stopFlag = 1;
-      return true;
-    }
-  }
-  ++state.clockPolls;
-  return false;
-}
-
-// The quiescence search may step over an exact multiple, so the next one is
-// remembered and counts as due once it is reached or passed.
-void PollWhenDue(SearchState& state) {
-  if (state.nodeCount < state.nextInputPoll) return;
-  state.nextInputPoll = (state.nodeCount / inputInterval + 1) * inputInterval;
-  if (searchFlags.NoInputPolling == 0 && searchHooks.pollInput != nullptr) searchHooks.pollInput();
-}
 
 TableHint ProbeTable(std::uint64_t key, std::int32_t alpha, std::int32_t beta, std::int32_t depth) {
   HashTable& table = TranspositionTable;

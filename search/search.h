@@ -5,7 +5,6 @@
 
 #include "board/board.h"
 #include "board/move.h"
-#include "search/search_flags.h"
 #include "search/search_state.h"
 
 namespace mirvo {
@@ -14,12 +13,6 @@ namespace mirvo {
 /// remaining depth - mateScore. `pv`, when given, must be empty and takes the
 /// node's line; it stays empty when the node returns early.
 std::int32_t Search(SearchState& state, Board& board, const NodeInput& input, PvLine* pv);
-
-/// The search must unwind: its time is up or a front end asked it to stop.
-/// Nothing returned from then on may change a line, a table or a best move.
-inline bool Stopped(const SearchState& state) {
-  return state.stopFlag != 0 || searchFlags.StopSearch != 0;
-}
 
 /// Whether a move deserves one ply more by its kind: promotions and pawn moves
 /// to the second or seventh rank. Counts it in the statistics.

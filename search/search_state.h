@@ -42,9 +42,10 @@ struct SearchState {
   std::int32_t selectiveDepth = 0;  // largest quiescence ply entered
   std::int32_t extensions = 0;      // on the current path
   std::int32_t extensionLimit = 0;
-  std::int32_t iterationDepth = 0;  // of the running iteration
-  std::uint32_t clockPolls = 0;     // node entries since the clock was read
-  std::uint32_t nextInputPoll = 0;  // node count at which input is polled next
+  std::int32_t iterationDepth = 0;     // of the running iteration
+  std::uint32_t clockPolls = 0;        // node entries since the clock was read
+  std::uint32_t nextInputPoll = 0;     // node count at which input is polled next
+  std::uint8_t abandonQuiescence = 0;  // an endless exchange is to be cut short
 };
 
 /// One search, owned by the caller.

@@ -287,6 +287,30 @@ TEST_F(Thinking, AGameOf1200PliesCanBeSearched) {
   EXPECT_LE(board.undoDepth, undoCapacity - searchPlyRoom);
 }
 
+// Exchanges among this many queens never end by themselves.
+constexpr char queenStorm[] = "qqqqqqqk/qqqqqqqq/8/8/8/8/QQQQQQQQ/KQQQQQQQ w -";
+
+TEST_F(Thinking, AStopReachesAnEndlessExchange) {
+  searchHooks.pollInput = [] {
+    if (++nPolls == 30) searchFlags.StopSearch = 1;
+  };
+  const SearchResult result = Run(queenStorm, 40);
+  EXPECT_TRUE(IsLegalMove(board, result.best));
+  EXPECT_EQ(nPolls, 30);
+}
+
+std::uint32_t runningTicks = 0;
+
+TEST_F(Thinking, TheClockReachesAnEndlessExchange) {
+  // A clock that moves on by itself at every look.
+  SetTickSource([] { return runningTicks += 10; });
+  engineConfig.InfiniteThinkingTime = 0;
+  engineConfig.FixedTimePerMove = 200;
+  const SearchResult result = Run(queenStorm, 40);
+  SetTickSource(nullptr);
+  EXPECT_TRUE(IsLegalMove(board, result.best));
+}
+
 TEST_F(Thinking, BoardsOutsideTheRulesAreSearchedWithoutHarm) {
   for (const char* position :
        {"8/8/8/8/8/8/8/8 w -", "4k3/8/8/8/8/8/8/8 w -", "8/8/8/8/8/8/8/4K3 w -",

@@ -6,6 +6,7 @@
 #include "search/hash_table.h"
 #include "search/move_order.h"
 #include "search/quiescence.h"
+#include "search/search_flags.h"
 #include "search/search_hooks.h"
 #include "search/search_stats.h"
 #include "search/time_control.h"
