@@ -17,7 +17,7 @@ fi
 
 configure() {
   cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DMIRVO_NATIVE=ON \
-    -DMIRVO_LTO=ON -DMIRVO_TESTS=OFF </dev/null >&2
+    -DMIRVO_TESTS=OFF </dev/null >&2
 }
 
 # A build folder made under another path (a copied tree) is of no use here.
