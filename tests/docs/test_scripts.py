@@ -1,0 +1,116 @@
+"""Tests of the scripts that the README tells to run: what run.sh prints where,
+when packages are installed, and how results are added up.
+
+Usage: test_scripts.py SOURCE_ROOT   (unittest; run by CTest)
+"""
+
+import os
+import pathlib
+import subprocess
+import sys
+import tempfile
+import unittest
+
+ROOT = pathlib.Path(sys.argv.pop(1)).resolve()
+
+# Stand-ins for Debian's commands: they log their arguments, and "absent-*"
+# packages are the ones not installed.
+STUBS = {
+    "dpkg-query": 'case "${@: -1}" in absent-*) exit 1;; *) printf installed;; esac',
+    "apt-get": 'echo "apt-get $*" >>"$CALLS"',
+    "sudo": 'echo "sudo $*" >>"$CALLS"; "$@"',
+    "id": 'echo "$FAKE_UID"',
+}
+
+
+def need_packages(packages, user):
+    """Runs need_packages as a user id with the stand-ins: (calls, stdout)."""
+    with tempfile.TemporaryDirectory() as folder:
+        for name, body in STUBS.items():
+            stub = pathlib.Path(folder) / name
+            stub.write_text(f"#!/bin/bash\n{body}\n", encoding="utf-8")
+            stub.chmod(0o755)
+        calls = pathlib.Path(folder) / "calls"
+        calls.touch()
+        environment = dict(os.environ, PATH=f"{folder}:{os.environ['PATH']}", CALLS=str(calls),
+                           FAKE_UID=user)
+        result = subprocess.run(
+            ["bash", "-euc", f'. "{ROOT}/tools/packages.sh"; need_packages {packages}'],
+            env=environment, capture_output=True, text=True, check=True)
+        return calls.read_text(encoding="utf-8").splitlines(), result.stdout
+
+
+def run_sh(arguments, text="", cwd=None):
+    return subprocess.run([ROOT / "run.sh", *arguments], input=text, capture_output=True, text=True,
+                          cwd=cwd, timeout=280, check=False)
+
+
+def summarise(*files):
+    """Summary of result files given as texts: (exit status, last line)."""
+    with tempfile.TemporaryDirectory() as folder:
+        arguments = []
+        for i, text in enumerate(files):
+            path = pathlib.Path(folder) / f"{i}.xml"
+            if text is not None:
+                path.write_text(text, encoding="utf-8")
+            arguments.append(f"stage{i}={path}")
+        result = subprocess.run([sys.executable, ROOT / "tools/summarise_tests.py", *arguments],
+                                capture_output=True, text=True, check=False)
+        return result.returncode, result.stdout.splitlines()[-1]
+
+
+class Packages(unittest.TestCase):
+    def test_nothing_missing_asks_nobody(self):
+        self.assertEqual(need_packages("one two", "0"), ([], ""))
+
+    def test_lists_are_fetched_before_anything_is_installed(self):
+        calls, printed = need_packages("one absent-two absent-three", "0")
+        self.assertEqual(len(calls), 2)
+        self.assertTrue(calls[0].startswith("apt-get update"))
+        self.assertTrue(calls[1].startswith("apt-get install -y"))
+        self.assertTrue(calls[1].endswith(" absent-two absent-three"))
+        self.assertEqual(printed, "")
+
+    def test_users_install_with_sudo(self):
+        calls, _ = need_packages("absent-one", "1000")
+        self.assertEqual([call.split()[0] for call in calls], ["sudo", "apt-get"] * 2)
+
+
+class RunScript(unittest.TestCase):
+    def test_standard_output_is_the_engines_alone(self):
+        with tempfile.TemporaryDirectory() as folder:
+            result = run_sh([], "uci\nquit\n", folder)
+            self.assertEqual(result.returncode, 0, result.stderr)
+            lines = result.stdout.splitlines()
+            self.assertEqual(lines[0], "Welcome to Mirvo (0.2.7_d) by Tavelin")
+            self.assertEqual(lines[-1], "uciok")
+            # A second start has nothing to build.
+            again = run_sh(["-perft", "2"], cwd=folder)
+            self.assertIn("no work to do", again.stderr)
+            self.assertEqual(again.stdout.splitlines()[-1], "2          400")
+
+
+PASS = '<testcase name="a" status="run"/>'
+FAIL = '<testcase name="b" status="fail"><failure message=""/></testcase>'
+SKIP = '<testcase name="c" status="notrun"><skipped message="SKIP_RETURN_CODE=77"/></testcase>'
+NOT_BUILT = '<testcase name="d" status="notrun"><skipped message="Unable to find"/></testcase>'
+
+
+class Summary(unittest.TestCase):
+    def test_counts_of_all_stages_are_added(self):
+        suites = [f"<testsuite>{cases}</testsuite>" for cases in (PASS * 3, PASS + FAIL + SKIP)]
+        self.assertEqual(summarise(*suites), (1, "4 passed, 1 failed, 1 skipped"))
+
+    def test_success_has_status_0(self):
+        self.assertEqual(summarise(f"<testsuite>{PASS * 2}</testsuite>"), (0, "2 passed, 0 failed"))
+
+    def test_what_was_not_built_or_not_run_has_failed(self):
+        self.assertEqual(summarise(f"<testsuite>{PASS + NOT_BUILT}</testsuite>"),
+                         (1, "1 passed, 1 failed"))
+        self.assertEqual(summarise(f"<testsuite>{PASS}</testsuite>", None),
+                         (1, "1 passed, 1 failed"))
+        self.assertEqual(summarise("<testsuite/>"), (1, "0 passed, 1 failed"))
+
+
+if __name__ == "__main__":
+    unittest.main()
