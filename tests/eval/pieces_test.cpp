@@ -64,6 +64,13 @@ TEST_F(Pieces, OutpostColourGoesByTheNumberOfTheSquare) {
       {"e6, light bishop", "6b1/8/4N3/8/8/8/P7/K6k w -", {77, 57}},
       // d5: as e5, seen from the other side of the centre.
       {"d5, dark bishop", "7b/8/8/3N4/8/8/P7/k6K w -", {82, 62}},
+      // c5 (34): outpost 10 and 5, place 15, eight squares 18, e6 and d3 ring,
+      // e4 centre.
+      {"c5, dark bishop", "7b/8/8/2N5/8/8/P7/k6K w -", {68, 48}},
+      {"c5, light bishop", "6b1/8/8/2N5/8/8/P7/k6K w -", {63, 43}},
+      // f5 (37): the mirror image asks for dark ones; g3 of the own zone adds 2.
+      {"f5, dark bishop", "7b/8/8/5N2/8/8/P7/k6K w -", {65, 45}},
+      {"f5, light bishop", "6b1/8/8/5N2/8/8/P7/k6K w -", {70, 50}},
       {"d5, light bishop", "6b1/8/8/3N4/8/8/P7/k6K w -", {94, 74}},
   };
   ExpectTerms(knightsTerm, white, cases);
