@@ -16,7 +16,7 @@
 namespace mirvo {
 namespace {
 
-constexpr int nGames = 18;
+constexpr int nGames = 48;
 constexpr int maxPlies = 120;
 
 TEST(RandomGames, DerivedFieldsAndKeyFollowThePieces) {

@@ -161,7 +161,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(TextMoves, IllegalGamesKeepTheBoardUsable) {
   test::Random random(60);
   const auto board = std::make_unique<Board>();
-  for (int game = 0; game < 300; ++game) {
+  for (int game = 0; game < 600; ++game) {
     test::SetPosition(*board, game % 3 == 0   ? test::kiwipeteFen
                               : game % 3 == 1 ? startFen
                                               : "r3k2r/pP1p2pp/8/2pP4/2Pp4/8/Pp1P2PP/R3K2R w KQkq");
