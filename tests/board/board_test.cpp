@@ -231,6 +231,13 @@ TEST_F(CopiedBoard, RecomputesKeyAndOccupancies) {
   ExpectConsistent(*copy);
 }
 
+TEST_F(CopiedBoard, StaysIrregular) {
+  source->pieces[PieceIndex(white, queen)] |= test::Squares("e7");
+  DetectIrregular(*source);
+  CopyBoard(*copy, *source);
+  EXPECT_EQ(copy->irregular, 1);
+}
+
 TEST_F(CopiedBoard, LeavesItsSourceAlone) {
   test::SetPosition(*source, startFen);
   CopyBoard(*copy, *source);

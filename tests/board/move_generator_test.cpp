@@ -205,6 +205,7 @@ const CastlingCase castlingCases[] = {
     {"NoRookOnTheCorner", "6k1/8/8/8/8/8/8/4K3 w KQ", ""},
     {"EnemyRookOnTheCorner", "6k1/8/8/8/8/8/r7/4K2r w KQ", ""},
     {"KingNotOnItsSquare", "6k1/8/8/8/8/8/8/R2K3R w KQ", ""},
+    {"AnotherKingCountsAsTheKing", "6k1/8/8/8/8/8/3K4/R3K2R w KQ", ""},
     {"KingOnTheSecondRank", "6k1/8/8/8/8/8/4K3/R6R w KQ", ""},
     {"BlackPassingAnAttackedSquare", "r3k2r/8/8/8/8/8/8/4KR2 b kq", "e8c8"},
     {"PawnsGuardTheSquares", "6k1/8/8/8/8/8/7p/R3K2R w KQ", "e1c1"},
@@ -303,10 +304,14 @@ TEST(EnPassant, AStaleSquareIsNotOfferedTwoPliesLater) {
 }
 
 TEST(EnPassant, IsNotOfferedToTheSideThatGetsTheMoveByANullMove) {
-  Board board = BoardFrom("4k3/8/8/8/3p4/8/4P3/4K3 w -");
+  // The pawn on d2 stands beside the square, but it is White's own step.
+  Board board = BoardFrom("4k3/8/8/8/3p4/8/3PP3/4K3 w -");
   test::Play(board, "e2e4");
   MakeNullMove(board);
   EXPECT_EQ(TextsOf(test::Captures(board)), "");
+  BBMoveGenerator2 notToMove(board, black);
+  notToMove.GenerateCaptures();
+  EXPECT_EQ(notToMove.count, 0);
   UnmakeNullMove(board);
   EXPECT_EQ(TextsOf(test::Captures(board)), "d4e3");
 }

@@ -137,6 +137,26 @@ TEST(SanToPartialMove, DisambiguatorsFillTheFromSquare) {
   for (const SanCase& c : cases) EXPECT_EQ(SanToPartialMove(c.text, white), c.expected) << c.text;
 }
 
+TEST(SanToPartialMove, SignsBeforeTheSquareStartTheDestination) {
+  const SanCase cases[] = {
+      {"xe4", Partial(pawn, Square("e4")) | captureFlag},
+      {"=e4", Partial(pawn, Square("e4"))},
+      {"+e4", Partial(pawn, Square("e4")) | checkMark},
+      {"4xe5", Partial(pawn, Square("e5")) | Move{3} << 3 | captureFlag},
+  };
+  for (const SanCase& c : cases) EXPECT_EQ(SanToPartialMove(c.text, white), c.expected) << c.text;
+}
+
+TEST(SanToPartialMove, ReadingEndsAtThePlusOfTheDestination) {
+  EXPECT_EQ(SanToPartialMove("Nbd2+e4", white),
+            Partial(knight, Square("d2")) | Move{1} | sanFileMark | checkMark);
+}
+
+TEST(SanToPartialMove, TwoCharactersNeverNameAPiece) {
+  EXPECT_EQ(MovingKind(SanToPartialMove("N3", white)), pawn);
+  EXPECT_EQ(MovingKind(SanToPartialMove("Kd", white)), pawn);
+}
+
 TEST(SanToPartialMove, CastlingOfBothSides) {
   EXPECT_EQ(SanToPartialMove("O-O", white), Partial(king, Square("g1")));
   EXPECT_EQ(SanToPartialMove("O-O", black), Partial(king, Square("g8")));

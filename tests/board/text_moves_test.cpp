@@ -56,6 +56,7 @@ TEST(TextMoves, TheKindComesFromTheBoardsSideAndTheTrackedSideFillsTheColourBit)
   EXPECT_EQ(PlayCoordinateMove("g1f3", board, black), BuildMove(6, 21, black, knight));
   EXPECT_EQ(test::PlacementOf(board), "rnbqkbnr/pppppppp/8/8/8/5N2/PPPPPPPP/RNBQKB1R");
   EXPECT_EQ(board.sideToMove, black);
+  EXPECT_EQ(PlayCoordinateMove("g8f6", board, white), BuildMove(62, 45, white, knight));
 }
 
 TEST(TextMoves, WhatFollowsTheMoveIsIgnored) {
@@ -123,6 +124,23 @@ TEST(TextMoves, CastlingWithoutARookMovesTheKingOnly) {
   Board board = BoardFrom("4k3/8/8/8/8/8/8/4K3 w -");
   PlayCoordinateMove("e1g1", board, white);
   EXPECT_EQ(test::PlacementOf(board), "4k3/8/8/8/8/8/8/6K1");
+  ExpectConsistent(board);
+}
+
+TEST(TextMoves, CastlingOntoAnEnemyPieceTakesNothing) {
+  Board board = BoardFrom("4k3/8/8/8/8/8/8/R3K1nR w KQ");
+  PlayCoordinateMove("e1g1", board, white);
+  EXPECT_EQ(board.pieces[PieceIndex(black, knight)], test::Squares("g1"));
+  EXPECT_EQ(board.pieces[PieceIndex(white, king)], test::Squares("g1"));
+  EXPECT_EQ(board.pieces[PieceIndex(white, rook)], test::Squares("a1 f1"));
+  ExpectConsistent(board);
+}
+
+TEST(TextMoves, TheKingMayStandWhereItsRookLands) {
+  Board board = BoardFrom("4k3/8/8/8/8/8/8/R4K2 w Q");
+  PlayCoordinateMove("f1d1", board, white);
+  EXPECT_EQ(board.pieces[PieceIndex(white, king)], test::Squares("d1"));
+  EXPECT_EQ(board.pieces[PieceIndex(white, rook)], test::Squares("d1"));
   ExpectConsistent(board);
 }
 
