@@ -81,7 +81,11 @@ bool PlayRandomMove(Board& board, int ply, char* text) {
     MakeMove(board, move);
     if (!MoverLeftInCheck(board)) {
       const bool castles = text[0] == 'O';
-      if (!castles && InCheck(board, board.sideToMove)) std::strcat(text, "+");
+      if (!castles && InCheck(board, board.sideToMove)) {
+        const std::size_t length = std::strlen(text);
+        text[length] = '+';
+        text[length + 1] = '\0';
+      }
       return true;
     }
     UnmakeMove(board);
