@@ -1,7 +1,5 @@
 #include "book/book_builder.h"
 
-#include <algorithm>
-
 #include "board/bits.h"
 #include "board/fen.h"
 #include "board/keys.h"
@@ -43,8 +41,8 @@ void AddGame(void* context, const GameRecord& game) {
   }
   ++build.nSinceLastDot;
   BeginFromStart(build.board);
-  const std::int32_t nPlies = std::min(game.plyCount, build.book.maxPlies);
-  for (std::int32_t ply = 0; ply < nPlies; ++ply) {
+  // The reader stops at the book's maxPlies.
+  for (std::int32_t ply = 0; ply < game.plyCount; ++ply) {
     AddBookPosition(build.book, ComputeKey(build.board), game.moves[ply], game.weights[ply]);
     PlayRecordedMove(build.board, game.moves[ply]);
   }
@@ -64,8 +62,7 @@ std::int32_t CreateBook(OpeningBook& book, const char* pgnPath, std::int32_t max
   // The games are read a second time instead of being kept: a collection may
   // be far larger than the book that comes out of it.
   if (nGames > 0) {
-    static Board board;
-    BookBuild build{book, board, nGames / nProgressSteps, 0};
+    BookBuild build{book, Board(), nGames / nProgressSteps, 0};
     ReadPgnGames(pgnPath, maxPlies, AddGame, &build, nGames);
   }
   Output(output, "done.");

@@ -144,6 +144,15 @@ TEST_F(LoadBookTest, ReplacingForgetsTheOldBook) {
   EXPECT_EQ(book.entries[0].moves[0], Word("c2c4", white, pawn));
 }
 
+TEST_F(LoadBookTest, ReplacingByABookOfTheSameSizeFindsTheNewPositions) {
+  const std::string first = scratch.Write("a.bk", RecordBytes(1, FileMove("e2e4"), 1));
+  const std::string second = scratch.Write("b.bk", RecordBytes(2, FileMove("d2d4"), 1));
+  ASSERT_TRUE(LoadBook(book, first.c_str(), true));
+  ASSERT_TRUE(LoadBook(book, second.c_str(), true));
+  EXPECT_EQ(FindEntry(book, 1), -1);
+  EXPECT_EQ(FindEntry(book, 2), 0);
+}
+
 TEST_F(LoadBookTest, AMissingFileSwitchesTheBookOff) {
   AppendEntry(1, noMove, 1, 1);
   book.loaded = 1;
