@@ -102,6 +102,7 @@ def parse_arguments():
 
 def main():
     options = parse_arguments()
+    options.engine = os.path.abspath(options.engine)
     client.need("xboard", "xvfb-run", "fairymax", *["polyglot"] * (options.protocol == "uci"))
     with tempfile.TemporaryDirectory(prefix="mirvo-match-") as folder:
         write_settings(folder)
