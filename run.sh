@@ -26,6 +26,6 @@ if [ -f "$build/CMakeCache.txt" ] &&
   rm -rf "$build"
 fi
 [ -f "$build/build.ninja" ] || configure
-cmake --build "$build" --target mirvo </dev/null >&2
+cmake --build "$build" </dev/null >&2
 
 exec "$build/shell/mirvo" "$@"

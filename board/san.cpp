@@ -127,8 +127,9 @@ void MoveToSan(Move move, char* text) {
   const int to = ToSquare(move);
   const int fileStep = FileOf(from) - FileOf(to);
   if (kind == king && (fileStep == 2 || fileStep == -2)) {
-    std::strcpy(text, fileStep == 2 ? "O-O-O" : "O-O");
-    text += std::strlen(text);
+    for (const char* castling = fileStep == 2 ? "O-O-O" : "O-O"; *castling != 0; ++castling) {
+      *text++ = *castling;
+    }
   } else {
     if (kind == pawn) {
       if (IsCapture(move)) *text++ = static_cast<char>('a' + FileOf(from));
