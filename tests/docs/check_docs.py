@@ -19,6 +19,9 @@ HOP = re.compile(r"\| `([\w/]+\.cpp)` \| `(\w+)` \|")
 CALL_IN_FILE = re.compile(r"`(\w+)` in `([\w/]+\.(?:cpp|h))`")
 SAMPLE = re.compile(r"^```console\n(.*?)^```$", re.MULTILINE | re.DOTALL)
 
+# Made in the build folder.
+GENERATED = ["data/book.bk"]
+
 # What differs from run to run or from machine to machine.
 VARYING = [
     (re.compile(r"Time = [\d.]+s"), "Time = #s"),
@@ -33,8 +36,8 @@ def documents(root):
 
 
 def names_something(root, name):
-    """A folder, a file, or a file without its ending."""
-    return (root / name).exists() or any(root.glob(name + ".*"))
+    """A folder, a file, a file without its ending, or something built."""
+    return name in GENERATED or (root / name).exists() or any(root.glob(name + ".*"))
 
 
 def check_names(root):
