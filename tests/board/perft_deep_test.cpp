@@ -6,7 +6,7 @@ namespace {
 
 class PerftDeep : public testing::TestWithParam<PerftCase> {};
 
-TEST_P(PerftDeep, CountsThePublishedNumber) { ExpectPerft(GetParam()); }
+TEST_P(PerftDeep, CountsTheKnownNumbers) { ExpectPerft(GetParam()); }
 
 INSTANTIATE_TEST_SUITE_P(Positions, PerftDeep, testing::ValuesIn(PerftCases("perft/slow.txt")),
                          PerftCaseName);

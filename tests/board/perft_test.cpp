@@ -13,7 +13,7 @@ using testing::internal::GetCapturedStdout;
 
 class PerftFast : public testing::TestWithParam<PerftCase> {};
 
-TEST_P(PerftFast, CountsThePublishedNumber) { ExpectPerft(GetParam()); }
+TEST_P(PerftFast, CountsTheKnownNumbers) { ExpectPerft(GetParam()); }
 
 INSTANTIATE_TEST_SUITE_P(Positions, PerftFast, testing::ValuesIn(PerftCases("perft/fast.txt")),
                          PerftCaseName);
