@@ -194,6 +194,36 @@ TEST_F(XBoardPondering, ForceAbandonsAtOnce) {
   EXPECT_FALSE(XBoardHasOwnLine());
 }
 
+TEST_F(XBoardPondering, AnAbandonedSearchLeavesNoStopAndNoClock) {
+  script = {FirstAnswer(), {{"force\n"}, "b8c6", "f1b5"}};
+  Play({"new\n", "e2e4\n"});
+  EXPECT_EQ(searchFlags.StopSearch, 0);
+  EXPECT_EQ(engineConfig.InfiniteThinkingTime, 1);
+}
+
+TEST_F(XBoardPondering, LinesThatGiveTheSearchUpEndItAtOnce) {
+  for (const char* line : {"go\n", "setboard 8/8/8/8/8/8/8/8 w - -\n", "new\n"}) {
+    xboardPonder = XBoardPonder{};
+    searchFlags = SearchFlags{};
+    searchFlags.pondering = 1;
+    EXPECT_TRUE(XBoardLineMustWait(line)) << line;
+    EXPECT_EQ(searchFlags.pondering, 0) << line;
+    EXPECT_EQ(searchFlags.StopSearch, 1) << line;
+    EXPECT_EQ(xboardPonder.ponderMiss, 1) << line;
+  }
+  for (const char* line : {"force\n", "result *\n"}) {
+    xboardPonder = XBoardPonder{};
+    searchFlags = SearchFlags{};
+    searchFlags.pondering = 1;
+    EXPECT_FALSE(XBoardLineMustWait(line)) << line;
+    std::uint8_t state = 0;
+    HandleXBoardLine(state, line);
+    EXPECT_EQ(searchFlags.pondering, 0) << line;
+    EXPECT_EQ(searchFlags.StopSearch, 1) << line;
+    EXPECT_EQ(xboardPonder.ponderMiss, 1) << line;
+  }
+}
+
 TEST_F(XBoardPondering, ResultAbandonsAtOnce) {
   script = {FirstAnswer(), {{"result 1-0 {Resigns}\n"}, "b8c6", "f1b5"}};
   const std::string printed = Play({"new\n", "e2e4\n"});

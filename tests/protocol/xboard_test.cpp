@@ -178,6 +178,22 @@ TEST_F(XBoardCommands, AStopFromForceDoesNotReachTheNextSearch) {
   EXPECT_EQ(searchFlags.StopSearch, 1);
   Play({"go\n"});
   EXPECT_EQ(searchFlags.StopSearch, 0);
+  script = {{{}, "e2e4"}, {{}, "d2d4"}};
+  // Nothing but the move itself starts this search.
+  Play({"result 1-0\n", "e7e5\n"});
+  EXPECT_EQ(searchFlags.StopSearch, 0);
+}
+
+TEST_F(XBoardCommands, TheFirstMoveMakesTheEngineBlackWhateverWasSaidBefore) {
+  Play({"new\n", "white\n", "e2e4\n"});
+  EXPECT_EQ(xboardGame.engineColour, black);
+  EXPECT_STREQ(xboardGame.tags.black, "Mirvo 0.2.7_d");
+}
+
+TEST_F(XBoardCommands, GoWithBlackToMoveNamesTheEngineBlack) {
+  Play({"new\n", "white\n", "setboard 4k3/8/8/8/8/8/8/4K3 b - -\n", "go\n"});
+  EXPECT_EQ(xboardGame.engineColour, black);
+  EXPECT_STREQ(xboardGame.tags.black, "Mirvo 0.2.7_d");
 }
 
 TEST_F(XBoardCommands, SetboardLoadsThreeFieldsAndPrintsTheBoardAlone) {
@@ -342,6 +358,30 @@ TEST_F(XBoardCommands, ReversibleMovesOfTheOpponentAreCounted) {
   Play({"setboard 4k3/8/8/8/8/8/r7/R3K3 w Q\n", "a1a2\n"});
   EXPECT_EQ(gameCounters.reversibleMoves, 0);
   EXPECT_EQ(gameCounters.hundredReached, 1);
+}
+
+TEST(CompleteTextMove, CarriesKindCaptureAndPromotion) {
+  static Board board;
+  BeginFromFen("1r2k3/P7/8/8/8/8/3q4/3RK3", "w", "-", board);
+  EXPECT_EQ(CompleteTextMove("d1d2", board),
+            WithCaptured(BuildMove(3, 11, white, rook) | captureFlag, queen));
+  EXPECT_EQ(
+      CompleteTextMove("a7b8n", board),
+      WithCaptured(BuildMove(48, 57, white, pawn) | captureFlag | PromotionBits(knight), rook));
+  EXPECT_EQ(CompleteTextMove("d1c1", board), BuildMove(3, 2, white, rook));
+  EXPECT_EQ(CompleteTextMove("e8e7", board), noMove);
+}
+
+TEST(CompleteTextMove, KnowsEnPassantFromItsLookalikes) {
+  static Board board;
+  BeginFromFen("4k3/3pp3/8/8/3p4/8/4P3/4K3", "w", "-", board);
+  MakeMove(board, CompleteTextMove("e2e4", board));
+  EXPECT_EQ(CompleteTextMove("d4e3", board),
+            WithCaptured(BuildMove(27, 20, black, pawn) | captureFlag, pawn));
+  // To the same file elsewhere, along the file, and by a king.
+  EXPECT_FALSE(IsCapture(CompleteTextMove("d7e6", board)));
+  EXPECT_FALSE(IsCapture(CompleteTextMove("e7e3", board)));
+  EXPECT_FALSE(IsCapture(CompleteTextMove("e8e3", board)));
 }
 
 TEST_F(XBoardCommands, AMoveLineMayCarryMoreText) {

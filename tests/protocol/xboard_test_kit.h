@@ -97,6 +97,7 @@ class XBoardTest : public ::testing::Test {
 
   SearchResult NextSearch(SearchRecord& record) {
     searchKinds.push_back(engineConfig.InfiniteThinkingTime != 0 ? "ponder" : "timed");
+    EXPECT_EQ(searchFlags.StopSearch, 0) << "a stop was left over";
     if (script.empty()) return {noMove, noMove};
     const ScriptedSearch search = script.front();
     script.pop_front();
