@@ -1,8 +1,6 @@
 #include "board/fen.h"
 
-#include <algorithm>
 #include <cstring>
-#include <iterator>
 
 #include "board/keys.h"
 #include "shell/text.h"
