@@ -254,5 +254,5 @@ def outcome(position, history, ply_limit=400):
     if position.half_moves >= 100:
         return ("1/2-1/2", "fifty moves")
     if len(history) > ply_limit:
-        return ("1/2-1/2", f"adjudicated after {ply_limit} plies")
+        return ("1/2-1/2", f"adjudication at {ply_limit} plies")
     return None

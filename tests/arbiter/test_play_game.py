@@ -48,7 +48,7 @@ class PlayGame(unittest.TestCase):
     def test_clean_game_passes(self):
         status, text = judge("none", "none")
         self.assertEqual(status, 0, text)
-        self.assertIn("adjudicated after 12 plies", text)
+        self.assertIn("adjudication at 12 plies", text)
 
     def test_every_fault_is_noticed(self):
         for fault, message in FAULTS:

@@ -80,7 +80,7 @@ class Rules(unittest.TestCase):
     def test_ply_limit_ends_the_game(self):
         position, keys = play_all(Position(), "e2e4 e7e5")
         self.assertIsNone(outcome(position, keys, ply_limit=2 + 1))
-        self.assertEqual(outcome(position, keys + ["x"], ply_limit=2)[1], "adjudicated after 2 plies")
+        self.assertEqual(outcome(position, keys + ["x"], ply_limit=2)[1], "adjudication at 2 plies")
 
     def test_illegal_texts_find_no_move(self):
         for text in ["e2e5", "e7e5", "0000", "", "e1e2", "e2e4q", "E2E4"]:
