@@ -79,6 +79,13 @@ void Hold(Iteration& iteration) {
 
 bool IsPondering() { return searchFlags.pondering != 0 && searchFlags.StopSearch == 0; }
 
+// A setting of any size gives bounds whose difference and negation still fit
+// in 32 bits.
+std::int32_t WindowBound(std::int32_t score, std::int64_t distance) {
+  constexpr std::int64_t largest = 1000000000;
+  return static_cast<std::int32_t>(std::clamp(score + distance, -largest, largest));
+}
+
 void Deepen(SearchRecord& record, Iteration& iteration) {
   SearchState& state = record.state;
   const std::int32_t lastDepth = std::min(record.maxDepth, maxIterationDepth);
@@ -115,8 +122,8 @@ void Deepen(SearchRecord& record, Iteration& iteration) {
       beta = infiniteScore;
       continue;
     }
-    alpha = score - engineConfig.AspirationWindow;
-    beta = score + engineConfig.AspirationWindow;
+    alpha = WindowBound(score, -std::int64_t{engineConfig.AspirationWindow});
+    beta = WindowBound(score, engineConfig.AspirationWindow);
     ++depth;
     if (depth > lastDepth && IsPondering()) {
       Hold(iteration);

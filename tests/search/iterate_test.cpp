@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include "board/keys.h"
 #include "board/make_move.h"
 #include "book/opening_book.h"
@@ -309,6 +311,42 @@ TEST_F(Thinking, TheClockReachesAnEndlessExchange) {
   const SearchResult result = Run(queenStorm, 40);
   SetTickSource(nullptr);
   EXPECT_TRUE(IsLegalMove(board, result.best));
+}
+
+constexpr std::int32_t smallest = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t greatest = std::numeric_limits<std::int32_t>::max();
+
+TEST_F(Thinking, AWindowWiderThanAllScoresHoldsEveryScore) {
+  engineConfig.AspirationWindow = greatest;
+  Run(middleGame, 3);
+  EXPECT_EQ(CountLines("seldepth"), 3);
+}
+
+TEST_F(Thinking, AnEmptyOrInvertedWindowFailsOnceADepth) {
+  for (const std::int32_t window : {0, -200, smallest}) {
+    engineConfig.AspirationWindow = window;
+    Run(middleGame, 3);
+    EXPECT_EQ(CountLines("seldepth"), 5) << window;  // depth 1 has the full window
+  }
+}
+
+TEST_F(Thinking, ExtensionSettingsOfAnySizeEnd) {
+  for (const std::int32_t percent : {smallest, -1, 0, greatest}) {
+    engineConfig.MaxNumExtPerDepth = percent;
+    EXPECT_TRUE(IsLegalMove(board, Run("8/P6k/8/8/8/8/p6K/8 w -", 4).best)) << percent;
+  }
+}
+
+TEST_F(Thinking, StartDepthsOfAnySizeEnd) {
+  searchHooks.pollInput = [] {
+    if (++nPolls == 60) searchFlags.StopSearch = 1;
+  };
+  for (const std::int32_t start : {smallest, 390, greatest}) {
+    nPolls = 0;
+    searchFlags.StopSearch = 0;
+    engineConfig.StartIDDepth = start;
+    EXPECT_TRUE(IsLegalMove(board, Run("8/8/4k3/8/8/4K3/4P3/8 w -", 100000).best)) << start;
+  }
 }
 
 TEST_F(Thinking, BoardsOutsideTheRulesAreSearchedWithoutHarm) {
