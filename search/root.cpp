@@ -64,12 +64,6 @@ Move FindRootMoveByDeepening(SearchState& state, Board& board, const NodeInput& 
   return move;
 }
 
-std::int32_t SearchChild(SearchState& state, Board& board, std::int32_t alpha, std::int32_t beta,
-                         std::int32_t depth, bool afterCapture, PvLine* childPv) {
-  if (childPv != nullptr) childPv->length = 0;
-  return -Search(state, board, NodeInput{-beta, -alpha, depth, noMove, afterCapture}, childPv);
-}
-
 }  // namespace
 
 int CountLegalMoves(Board& board) {

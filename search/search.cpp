@@ -79,12 +79,6 @@ bool HasPieces(const Board& board, int side) {
   return (own[knight] | own[bishop] | own[rook] | own[queen]) != 0;
 }
 
-std::int32_t SearchChild(SearchState& state, Board& board, std::int32_t alpha, std::int32_t beta,
-                         std::int32_t depth, bool afterCapture, PvLine* childPv) {
-  if (childPv != nullptr) childPv->length = 0;
-  return -Search(state, board, NodeInput{-beta, -alpha, depth, noMove, afterCapture}, childPv);
-}
-
 // Without a hash move a shallower search of the same node finds one to begin
 // with.
 Move FindMoveByDeepening(SearchState& state, Board& board, const NodeInput& node) {
@@ -105,6 +99,12 @@ Move FindMoveByDeepening(SearchState& state, Board& board, const NodeInput& node
 }
 
 }  // namespace
+
+std::int32_t SearchChild(SearchState& state, Board& board, std::int32_t alpha, std::int32_t beta,
+                         std::int32_t depth, bool afterCapture, PvLine* childPv) {
+  if (childPv != nullptr) childPv->length = 0;
+  return -Search(state, board, NodeInput{-beta, -alpha, depth, noMove, afterCapture}, childPv);
+}
 
 bool WantsExtension(Move move) {
   const int rank = RankOf(ToSquare(move));

@@ -14,6 +14,12 @@ namespace mirvo {
 /// node's line; it stays empty when the node returns early.
 std::int32_t Search(SearchState& state, Board& board, const NodeInput& input, PvLine* pv);
 
+/// Score of the move just made, in the view of the side that made it: searches
+/// the position with the negated, swapped window (alpha, beta). `childPv`, when
+/// given, is emptied first and takes the child's line.
+std::int32_t SearchChild(SearchState& state, Board& board, std::int32_t alpha, std::int32_t beta,
+                         std::int32_t depth, bool afterCapture, PvLine* childPv);
+
 /// Whether a move deserves one ply more by its kind: promotions and pawn moves
 /// to the second or seventh rank. Counts it in the statistics.
 bool WantsExtension(Move move);

@@ -208,12 +208,40 @@ TEST_F(MainSearch, TheExtensionLimitIsNeverReached) {
   EXPECT_EQ(AllowedExtension(state, true), 0);
 }
 
-TEST_F(MainSearch, ANodeWhoseMovesAreAllPrunedFailsLowWithAlpha) {
-  // One ply from the horizon, hopelessly behind, only king moves: those are
-  // kept, so the first quiet move is always searched; a capture far below
-  // alpha is the only other kind.
-  const std::int32_t score = Run("4k3/8/8/8/8/8/8/4K2R b -", 20000, 20001, 1);
-  EXPECT_LE(score, 20000);
+// White is hopelessly behind: its one capture wins too little, its king steps
+// are searched whatever they bring.
+constexpr char hopelessSide[] = "7k/8/8/8/8/1p5q/P7/K7 w -";
+
+TEST_F(MainSearch, AHopelessNodeNextToTheHorizonFailsLow) {
+  Run(hopelessSide, 5000, 5001, 1);
+  EXPECT_GT(state.nodeCount, 0U);
+  const HashEntry& slot = HashSlot(TranspositionTable, board.positionKey);
+  EXPECT_EQ(slot.bound, upperBound);
+  EXPECT_EQ(slot.move, noMove);
+  EXPECT_LE(slot.score, 5000);
+}
+
+TEST_F(MainSearch, ANullMoveResultKeepsTheKnownMoveOfTheSlot) {
+  // A queen up, any pass still beats beta.
+  const std::string position = "4k3/8/8/8/8/8/8/Q3K3 w -";
+  test::SetPosition(board, position);
+  const Move known = BuildMove(0, 8, white, queen);
+  HashStore(TranspositionTable, board.positionKey, known, -5000, lowerBound, 1);
+  const std::int32_t score = Search(state, board, NodeInput{0, 1, 4}, nullptr);
+  EXPECT_GE(score, 1);
+  const HashEntry& slot = HashSlot(TranspositionTable, board.positionKey);
+  EXPECT_EQ(slot.move, known);
+  EXPECT_EQ(slot.bound, lowerBound);
+  EXPECT_EQ(slot.depth, 4);
+  EXPECT_EQ(board.plyCount, 0);
+  EXPECT_EQ(board.nullMoveMade, 0);
+}
+
+TEST_F(MainSearch, ASideWithPawnsAloneDoesNotPass) {
+  // With an own piece the node is cut by passing; with pawns alone moves are
+  // searched first.
+  Run("4k3/8/8/8/8/8/PPPPPP2/4K3 w -", 0, 1, 4);
+  EXPECT_NE(HashSlot(TranspositionTable, board.positionKey).move, noMove);
 }
 
 TEST_F(MainSearch, ExtremeDepthsStayWithinTheirTables) {
