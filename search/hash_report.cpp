@@ -1,8 +1,27 @@
 // Usage reports of the three tables.
+#include <cmath>
+#include <cstdio>
+
 #include "search/hash_table.h"
 #include "shell/output.h"
 
 namespace mirvo {
+
+namespace {
+
+struct PercentText {
+  char text[32];
+};
+
+/// A percentage to two places. C libraries spell a quotient that is no number
+/// in different ways; every build of this engine spells it "-nan".
+PercentText FormatPercent(double percent) {
+  PercentText result{"-nan"};
+  if (!std::isnan(percent)) std::snprintf(result.text, sizeof result.text, "%.2f", percent);
+  return result;
+}
+
+}  // namespace
 
 void PrintCacheUsage(const HashTable& table) {
   const std::uint32_t total = table.hits + table.misses + table.conflicts;
@@ -10,12 +29,12 @@ void PrintCacheUsage(const HashTable& table) {
   // division by zero gives.
   const float fraction = 1.0F / static_cast<float>(total);
   const auto percent = [fraction](std::uint32_t count) {
-    return static_cast<double>(static_cast<float>(count) * fraction * 100.0F);
+    return FormatPercent(static_cast<double>(static_cast<float>(count) * fraction * 100.0F));
   };
-  Output(output, "Cache usage: hits=%d(%.2f%%) misses=%d(%.2f%%) conflicts=%d(%.2f%%)\n",
-         static_cast<std::int32_t>(table.hits), percent(table.hits),
-         static_cast<std::int32_t>(table.misses), percent(table.misses),
-         static_cast<std::int32_t>(table.conflicts), percent(table.conflicts));
+  Output(output, "Cache usage: hits=%d(%s%%) misses=%d(%s%%) conflicts=%d(%s%%)\n",
+         static_cast<std::int32_t>(table.hits), percent(table.hits).text,
+         static_cast<std::int32_t>(table.misses), percent(table.misses).text,
+         static_cast<std::int32_t>(table.conflicts), percent(table.conflicts).text);
 }
 
 void PrintHashReport(bool quiet) {

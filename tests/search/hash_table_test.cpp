@@ -264,6 +264,13 @@ TEST(HashReport, UsageLineShowsCountsAndPercentages) {
             "Cache usage: hits=1(12.50%) misses=2(25.00%) conflicts=5(62.50%)\n");
 }
 
+TEST(HashReport, AnUnusedTableReadsTheSameOnEverySystem) {
+  testing::internal::CaptureStdout();
+  PrintCacheUsage(HashTable{});
+  EXPECT_EQ(testing::internal::GetCapturedStdout(),
+            "Cache usage: hits=0(-nan%) misses=0(-nan%) conflicts=0(-nan%)\n");
+}
+
 TEST(HashReport, NamesTheThreeTablesInOrder) {
   EvalHashTable.hits = 1;
   PawnHashTable.conflicts = 1;

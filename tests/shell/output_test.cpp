@@ -46,6 +46,12 @@ TEST_F(OutputTest, WritesOneMessageToConsoleAndLog) {
   EXPECT_EQ(length, 26u);
 }
 
+TEST_F(OutputTest, PrintsCountsOf64BitsWhole) {
+  CaptureStdout();
+  Output(record, "%12llu %lld\n", 18446744073709551615ULL, -9223372036854775807LL);
+  EXPECT_EQ(GetCapturedStdout(), "18446744073709551615 -9223372036854775807\n");
+}
+
 TEST_F(OutputTest, AppendsMessagesInOrder) {
   CaptureStdout();
   Output(record, "Setup");

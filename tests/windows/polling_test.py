@@ -1,0 +1,51 @@
+"""Commands that arrive while the Windows program searches, through a Windows
+pipe, and the end of that pipe. The sessions are those of the other systems.
+
+    polling_test.py "COMMAND OF THE ENGINE"
+"""
+
+import os
+import sys
+import unittest
+
+TESTS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..")
+sys.path.insert(0, os.path.join(TESTS, "protocol"))
+import uci_process_test  # noqa: E402
+
+# Tests that look at processes from outside or send signals have no counterpart.
+SESSIONS = unittest.defaultTestLoader.loadTestsFromTestCase(uci_process_test.UciProcess)
+ENDINGS = [uci_process_test.EndOfInput("test_a_search_that_ends_by_itself_answers"),
+           uci_process_test.EndOfInput("test_an_endless_search_is_stopped_and_answers")]
+
+
+class XBoard(unittest.TestCase):
+
+    def setUp(self):
+        self.engine = uci_process_test.UciEngine("mirvo", uci_process_test.MIRVO)
+        self.addCleanup(self.engine.close)
+        for line in ("xboard", "protover 2", "new", "hard", "time 500", "otim 500", "e2e4"):
+            self.engine.send(line)
+        self.engine.wait_for("PONDERING", 20)
+
+    def test_a_move_reaches_the_engine_while_it_ponders(self):
+        self.engine.send("time 100")
+        self.engine.send("otim 100")
+        self.engine.send("a2a3")
+        self.engine.wait_for("move", 20)
+
+    def test_quit_ends_pondering(self):
+        self.engine.quit()
+
+
+def main():
+    uci_process_test.MIRVO = sys.argv[1]
+    # A machine that also runs Wine's server may hold one answer up for longer.
+    uci_process_test.MEDIAN_LIMIT = 0.2
+    uci_process_test.WORST_LIMIT = 2.0
+    suite = unittest.TestSuite([SESSIONS, *ENDINGS])
+    suite.addTests(unittest.defaultTestLoader.loadTestsFromTestCase(XBoard))
+    return 0 if unittest.TextTestRunner(verbosity=2).run(suite).wasSuccessful() else 1
+
+
+if __name__ == "__main__":
+    sys.exit(main())
