@@ -1,15 +1,5 @@
-# What "cmake --install" puts where, and packages of it: "cpack -G TGZ" and
-# "cpack -G DEB" in a build folder. The program finds nothing by itself: the
-# book is named in config.txt or copied into the working directory.
-include(GNUInstallDirs)
-install(TARGETS mirvo RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
-install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
-install(FILES data/mirvo-suite.epd DESTINATION ${CMAKE_INSTALL_DATADIR}/mirvo)
-if(TARGET opening_book)
-  install(FILES ${CMAKE_BINARY_DIR}/data/book.bk DESTINATION ${CMAKE_INSTALL_DATADIR}/mirvo)
-endif()
-
+# Packages of what is installed: "cpack" in a build folder makes a tar.gz and a
+# .deb, or a zip for Windows.
 set(CPACK_PACKAGE_NAME mirvo)
 set(CPACK_PACKAGE_VENDOR "Tavelin")
 set(CPACK_PACKAGE_CONTACT "Tavelin <tavelin@localhost>")
@@ -19,4 +9,10 @@ set(CPACK_PACKAGE_FILE_NAME
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_PACKAGE_SECTION games)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "xboard")
+if(WIN32)
+  set(CPACK_GENERATOR ZIP)
+else()
+  set(CPACK_GENERATOR TGZ DEB)
+endif()
 include(CPack)

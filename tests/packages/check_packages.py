@@ -1,0 +1,107 @@
+"""Makes the packages of a build folder and checks what they hold.
+
+    check_packages.py CPACK BUILD_FOLDER Linux|Windows
+
+Status 77 (skipped) where Debian's tools are missing.
+"""
+
+import pathlib
+import shutil
+import subprocess
+import sys
+import tarfile
+import tempfile
+import zipfile
+
+SKIPPED = 77
+
+# Below the root of the file system (.deb) or the package's own folder.
+ON_LINUX = [
+    "bin/mirvo",
+    "bin/mirvo-play",
+    "share/games/plugins/xboard/mirvo.eng",
+    "share/man/man6/mirvo.6",
+    "share/mirvo/book.bk",
+    "share/mirvo/config.txt",
+    "share/mirvo/mirvo-suite.epd",
+    "share/doc/mirvo/README.md",
+    "share/doc/mirvo/LICENCE.txt",
+    "share/doc/mirvo/docs/options.md",
+]
+ON_WINDOWS = ["mirvo.exe", "README.md", "LICENCE.txt", "config.txt", "book.bk", "mirvo-suite.epd",
+              "docs/windows.md"]
+
+
+def complain(package, names, wanted, root):
+    """Number of faults of a list of names."""
+    missing = [name for name in wanted if root + name not in names]
+    libraries = [name for name in names if name.endswith((".a", ".lib", ".dll", ".so"))]
+    for name in missing:
+        print(f"{package.name} lacks {root}{name}")
+    for name in libraries:
+        print(f"{package.name} holds {name}")
+    return len(missing) + len(libraries)
+
+
+def check_deb(package):
+    listing = subprocess.run(["dpkg-deb", "--fsys-tarfile", package], check=True,
+                             stdout=subprocess.PIPE).stdout
+    with tempfile.TemporaryFile() as file:
+        file.write(listing)
+        file.seek(0)
+        with tarfile.open(fileobj=file) as archive:
+            names = archive.getnames()
+    faults = complain(package, names, ON_LINUX, "./usr/")
+    fields = subprocess.run(["dpkg-deb", "--field", package], check=True, text=True,
+                            stdout=subprocess.PIPE).stdout
+    for field in ("Package: mirvo\n", "Version: 0.2.7", "Section: games\n", "Depends: libc6"):
+        if field not in fields:
+            print(f"{package.name} does not say {field.strip()!r}")
+            faults += 1
+    return faults
+
+
+def check_tar(package):
+    root = package.name.removesuffix(".tar.gz") + "/"
+    with tarfile.open(package) as archive:
+        return complain(package, archive.getnames(), ON_LINUX, root)
+
+
+def check_zip(package):
+    root = package.stem + "/"
+    with zipfile.ZipFile(package) as archive:
+        faults = complain(package, archive.namelist(), ON_WINDOWS, root)
+        settings = archive.read(root + "config.txt")
+    if settings.count(b"\n") != settings.count(b"\r\n"):
+        print("config.txt does not end lines as Windows does")
+        faults += 1
+    return faults
+
+
+CHECKS = {"Linux": {".deb": check_deb, ".gz": check_tar}, "Windows": {".zip": check_zip}}
+
+
+def main(cpack, build_folder, platform):
+    if platform == "Linux" and not (shutil.which("dpkg-deb") and shutil.which("dpkg-shlibdeps")):
+        print("skipped, needs dpkg-deb and dpkg-shlibdeps")
+        return SKIPPED
+    with tempfile.TemporaryDirectory() as folder:
+        made = subprocess.run([cpack, "--config", build_folder + "/CPackConfig.cmake", "-B", folder],
+                              cwd=build_folder, check=False, text=True,
+                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+        if made.returncode != 0:
+            print(made.stdout)
+            return 1
+        faults = 0
+        for ending, check in CHECKS[platform].items():
+            packages = list(pathlib.Path(folder).glob("mirvo-*" + ending))
+            if len(packages) != 1:
+                print(f"{len(packages)} packages end in {ending}")
+                faults += 1
+                continue
+            faults += check(packages[0])
+    return 1 if faults else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(*sys.argv[1:]))
