@@ -31,7 +31,8 @@ def xboard_command(options, folder):
                "fairymax", "-mode", "TwoMachines", "-matchGames", str(options.games),
                "-tc", options.clock, "-inc", options.increment, "-sgf", "games.pgn", "-xexit",
                "-soundProgram", "true", "-saveSettingsOnExit", "false", "-debug",
-               "-nameOfDebugFile", "debug.txt", "-ponder" if options.ponder else "-xponder"]
+               "-nameOfDebugFile", "debug.txt",
+               "-adjudicateDrawMoves", str(options.moves), "-ponder" if options.ponder else "-xponder"]
     if options.protocol == "uci":
         command += ["-fUCI", "-adapterCommand", adapter_command("adapter.log")]
     return command
@@ -95,6 +96,7 @@ def parse_arguments():
     parser.add_argument("--games", type=int, default=1, help="colours change every game")
     parser.add_argument("--clock", default="0:05", help="minutes:seconds a side")
     parser.add_argument("--increment", default="0", help="seconds a move")
+    parser.add_argument("--moves", type=int, default=0, help="a longer game is a draw")
     parser.add_argument("--ponder", action="store_true")
     parser.add_argument("--limit", type=int, default=200, help="seconds for the whole match")
     return parser.parse_args()
