@@ -6,6 +6,7 @@ pipe, and the end of that pipe. The sessions are those of the other systems.
 
 import os
 import sys
+import time
 import unittest
 
 TESTS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..")
@@ -16,6 +17,41 @@ import uci_process_test  # noqa: E402
 SESSIONS = unittest.defaultTestLoader.loadTestsFromTestCase(uci_process_test.UciProcess)
 ENDINGS = [uci_process_test.EndOfInput("test_a_search_that_ends_by_itself_answers"),
            uci_process_test.EndOfInput("test_an_endless_search_is_stopped_and_answers")]
+
+
+def engine_process(folder):
+    """The number of the engine itself, whose working directory is known; the
+    process that the test started is the one that gives it pipes."""
+    for name in os.listdir("/proc"):
+        try:
+            with open(f"/proc/{name}/cmdline", encoding="utf-8", errors="replace") as file:
+                program = file.read().split("\0")[0]
+            if program.endswith("mirvo.exe") and os.readlink(f"/proc/{name}/cwd") == folder:
+                return int(name)
+        except OSError:
+            continue
+    return None
+
+
+class Idle(unittest.TestCase):
+
+    def test_after_the_end_of_input_the_engine_waits_and_goes_with_its_starter(self):
+        engine = uci_process_test.UciEngine("mirvo", uci_process_test.MIRVO)
+        self.addCleanup(engine.close)
+        engine.start([])
+        engine.process.stdin.close()
+        number = engine_process(engine.folder.name)
+        self.assertIsNotNone(number)
+        ticks = uci_process_test.processor_ticks(number)
+        time.sleep(1.0)
+        self.assertIsNone(engine.process.poll())
+        used = (uci_process_test.processor_ticks(number) - ticks) / os.sysconf("SC_CLK_TCK")
+        self.assertLess(used, 0.1)
+        engine.process.kill()
+        deadline = time.monotonic() + 10
+        while uci_process_test.is_alive(number) and time.monotonic() < deadline:
+            time.sleep(0.05)
+        self.assertFalse(uci_process_test.is_alive(number))
 
 
 class XBoard(unittest.TestCase):
@@ -43,7 +79,8 @@ def main():
     uci_process_test.MEDIAN_LIMIT = 0.2
     uci_process_test.WORST_LIMIT = 2.0
     suite = unittest.TestSuite([SESSIONS, *ENDINGS])
-    suite.addTests(unittest.defaultTestLoader.loadTestsFromTestCase(XBoard))
+    for case in (Idle, XBoard):
+        suite.addTests(unittest.defaultTestLoader.loadTestsFromTestCase(case))
     return 0 if unittest.TextTestRunner(verbosity=2).run(suite).wasSuccessful() else 1
 
 
