@@ -7,6 +7,7 @@
 #include "eval/evaluate.h"
 #include "protocol/dispatcher.h"
 #include "protocol/protocol_mode.h"
+#include "search/search_flags.h"
 #include "shell/output.h"
 
 namespace mirvo {
@@ -14,9 +15,7 @@ namespace mirvo {
 namespace {
 
 [[noreturn]] void RunEngine(const EngineConfig& config) {
-  if (config.UseOpeningBook != 0) {
-    LoadBook(openingBook, config.BookName, true);
-  }
+  LoadEngineBook(config);
   RunIdleLoop(protocolMode);
 }
 
@@ -39,6 +38,11 @@ void RunEval(EngineConfig& config) {
 }
 
 }  // namespace
+
+void LoadEngineBook(const EngineConfig& config) {
+  if (config.UseOpeningBook == 0) return;
+  if (!LoadBook(openingBook, config.BookName, true)) searchFlags.BookInUse = 0;
+}
 
 int Run(EngineConfig& config) {
   // A book tool has done its work while the command line was read.

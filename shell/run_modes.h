@@ -5,6 +5,10 @@
 
 namespace mirvo {
 
+/// Loads the engine's book when the settings want one. A missing file switches
+/// the book off for good, so that the first move takes no more than its time.
+void LoadEngineBook(const EngineConfig& config);
+
 /// Runs the mode that the settings choose. Returns the exit status; the engine
 /// mode never returns.
 int Run(EngineConfig& config);
