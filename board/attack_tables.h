@@ -45,6 +45,12 @@ inline OccupancyViews ViewsOf(const Board& board) {
   return {board.occupied, board.occupiedRot90, board.occupiedDiagA1H8, board.occupiedDiagA8H1};
 }
 
+/// Attacks of a rook or bishop on an empty board.
+inline Bitboard RookLines(int square) { return RankAttacks[square][0] | FileAttacks[square][0]; }
+inline Bitboard BishopLines(int square) {
+  return DiagA1H8Attacks[square][0] | DiagA8H1Attacks[square][0];
+}
+
 /// Attacks along the rank and file of `square`, up to and including the first
 /// occupied square in each direction.
 inline Bitboard RookAttacks(int square, std::uint64_t occupied, std::uint64_t rot90) {

@@ -33,6 +33,26 @@ inline bool InCheck(Board& board, int side) {
   return board.inCheckCache != 0;
 }
 
+/// The squares from which a move of the side to move may leave its own king
+/// attacked; a generated move from any other square is legal. They are the
+/// king's own square and, on each line that holds an enemy slider of that kind,
+/// the pieces next to the king; all squares in check and where a move can take
+/// more off the board than its own origin (en passant, irregular boards).
+inline Bitboard ExposedOrigins(Board& board, int side) {
+  constexpr Bitboard all = ~Bitboard{0};
+  const std::uint64_t* enemy = board.pieces + (side ^ 1) * nKinds;
+  const Bitboard kings = board.pieces[PieceIndex(side, king)];
+  const int square = KingSquare(board, side);
+  if (HasEnPassant(board) || board.irregular != 0 || kings != Bit(square)) return all;
+  const Bitboard onLines = RookLines(square) & (enemy[rook] | enemy[queen]);
+  const Bitboard onDiagonals = BishopLines(square) & (enemy[bishop] | enemy[queen]);
+  Bitboard exposed = kings;
+  if (InCheck(board, side)) return all;
+  if (onLines != 0) exposed |= RookAttacks(board, square);
+  if (onDiagonals != 0) exposed |= BishopAttacks(board, square);
+  return exposed;
+}
+
 /// After a move: whether the side that has just moved left its king attacked,
 /// which makes the move illegal.
 inline bool MoverLeftInCheck(const Board& board) {

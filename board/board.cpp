@@ -23,7 +23,7 @@ constexpr int missingKingSquare = 63;
 
 }  // namespace
 
-Board::Board() : pieces{}, kingFile{}, kingRank{}, sideToMove(white), undoStack{}, epColour(255) {
+Board::Board() : PositionState{}, pieces{}, kingFile{}, kingRank{}, sideToMove(white), undoStack{} {
   ClearEnPassant(*this);
   ResetToStart(*this);
 }
@@ -65,6 +65,7 @@ void RebuildOccupancy(Board& board) {
     board.sideOccupancy[side] = board.sideOccupancyNoKing[side] | own[king];
   }
   board.occupied = board.sideOccupancy[white] | board.sideOccupancy[black];
+  board.pawnKey = ComputePawnKey(board);
 }
 
 void RebuildRotated(Board& board) {

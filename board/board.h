@@ -20,22 +20,34 @@ struct CastlingFlags {
 };
 static_assert(sizeof(CastlingFlags) == 8);
 
-/// What UnmakeMove needs to restore the position before one move.
-struct UndoRecord {
-  std::int32_t capturedKind;  // pawn for en passant; meaningful when captured
-  std::uint8_t epRank;
+/// The part of a position that UnmakeMove puts back as it was instead of
+/// computing it: one line of the processor's cache, copied whole.
+struct alignas(16) PositionState {
+  // The four views of all pieces, in the order of RotatedBits.
+  std::uint64_t occupied;
+  std::uint64_t occupiedRot90;
+  std::uint64_t occupiedDiagA1H8;
+  std::uint64_t occupiedDiagA8H1;
+  std::uint64_t positionKey;  // equals the published Polyglot key
+  std::uint64_t pawnKey;      // the piece keys of both sides' pawns
+  CastlingFlags castling;
+  std::uint8_t epRank;  // square just skipped by a double step, 255 = none
   std::uint8_t epFile;
-  std::uint8_t epColour;
+  std::uint8_t epColour;  // side whose pawn made the double step
+  /// 1 while the search has a null move on the board.
+  std::uint8_t nullMoveMade;
+  std::uint32_t unused;  // fills the line, so that every byte has a value
+};
+static_assert(sizeof(PositionState) == 64);
+
+/// What UnmakeMove needs to restore the position before one move.
+struct UndoRecord : PositionState {
+  Move move;  // with the captured kind filled in when the capture flag is set
   std::uint8_t captured;
   std::uint8_t castledShort;
   std::uint8_t castledLong;
   std::uint8_t epCapture;
-  CastlingFlags castling;
-  std::uint64_t positionKey;
-  std::uint64_t occupiedRot90;
-  std::uint64_t occupiedDiagA1H8;
-  std::uint64_t occupiedDiagA8H1;
-  Move move;  // with the captured kind filled in when the capture flag is set
+  std::uint8_t capturedKind;  // pawn for en passant; meaningful when captured
 };
 
 inline constexpr int undoCapacity = 500;
@@ -44,7 +56,7 @@ inline constexpr int undoCapacity = 500;
 /// trimmed to leave this much room before a search starts.
 inline constexpr int searchPlyRoom = 250;
 
-struct Board {
+struct Board : PositionState {
   /// An initial position with no en-passant square.
   Board();
 
@@ -54,24 +66,14 @@ struct Board {
   std::uint8_t kingFile[nSides];
   std::uint8_t kingRank[nSides];
   std::uint8_t sideToMove;
-  CastlingFlags castling;
-  std::int32_t plyCount;  // moves and null moves made since set-up
-  UndoRecord undoStack[undoCapacity];
-  std::uint8_t epRank;  // square just skipped by a double step, 255 = none
-  std::uint8_t epFile;
-  std::uint8_t epColour;  // side whose pawn made the double step
-  std::uint8_t nullMoveMade;
   /// 1 when two pieces may share a square (only text input can do that). The
   /// board then recomputes its derived sets instead of updating them.
   std::uint8_t irregular;
-  std::uint64_t occupied;
-  std::uint64_t occupiedRot90;
-  std::uint64_t occupiedDiagA1H8;
-  std::uint64_t occupiedDiagA8H1;
-  std::int32_t undoDepth;     // undoStack entries in use
-  std::uint64_t positionKey;  // equals the published Polyglot key
   std::int32_t inCheckCache;  // -1 unknown, 0 no, 1 yes, for the side to move
+  std::int32_t plyCount;      // moves and null moves made since set-up
+  std::int32_t undoDepth;     // undoStack entries in use
   std::int32_t historyIndex;  // index in KeyHistory of the latest position
+  UndoRecord undoStack[undoCapacity];
 };
 
 inline constexpr int nBoards = 8;
@@ -91,7 +93,8 @@ void ResetToStart(Board& board);
 /// Forgets the en-passant square. Does not touch the key.
 void ClearEnPassant(Board& board);
 
-/// Recomputes the side occupancies and `occupied` from the twelve bitboards.
+/// Recomputes the side occupancies, `occupied` and the pawn key from the twelve
+/// bitboards.
 void RebuildOccupancy(Board& board);
 
 /// Recomputes the three rotated occupancies from `occupied`.
@@ -105,7 +108,7 @@ void LocateKings(Board& board);
 /// Marks the board irregular when two pieces share a square.
 void DetectIrregular(Board& board);
 
-/// Makes `destination` an independent copy; derived sets and the key are
+/// Makes `destination` an independent copy; derived sets and the keys are
 /// recomputed, the undo records are copied whole.
 void CopyBoard(Board& destination, const Board& source);
 

@@ -34,6 +34,16 @@ std::uint64_t ComputeKey(const Board& board) {
   return key;
 }
 
+std::uint64_t ComputePawnKey(const Board& board) {
+  std::uint64_t key = 0;
+  for (int side = 0; side < nSides; ++side) {
+    for (Bitboard set = board.pieces[PieceIndex(side, pawn)]; set != 0;) {
+      key ^= PieceKey(side, pawn, PopHighest(set));
+    }
+  }
+  return key;
+}
+
 bool IsRepetition(const Board& board) {
   int nOccurrences = 0;
   for (int i = 0; i <= board.historyIndex; ++i) {

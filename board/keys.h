@@ -46,6 +46,9 @@ extern std::uint64_t KeyHistory[keyHistoryCapacity];
 /// The key of the position from scratch.
 std::uint64_t ComputeKey(const Board& board);
 
+/// The piece keys of all pawns, from scratch. Without the side to move.
+std::uint64_t ComputePawnKey(const Board& board);
+
 /// Whether the current key stands exactly twice in KeyHistory up to
 /// historyIndex. Three or more occurrences answer no: the engine treats only
 /// the first return to a position as a repetition.

@@ -8,14 +8,37 @@
 #include "board/occupancy_maps.h"
 
 namespace mirvo {
+bool EnPassantAvailable(const Board& board) {
+  if (board.epFile > 7 || board.epRank > 7 || board.epColour > black) return false;
+  const int square = SquareAt(board.epRank, board.epFile);
+  const int victim = square + (board.epColour == white ? 8 : -8);
+  if (victim < 0 || victim >= nSquares || (board.occupied & Bit(square)) != 0) return false;
+  if ((board.pieces[PieceIndex(board.epColour, pawn)] & Bit(victim)) == 0) return false;
+  if (board.undoDepth == 0) return true;
+  const Move last = board.undoStack[board.undoDepth - 1].move;
+  return ToSquare(last) == victim && MovingKind(last) == pawn &&
+         std::abs(FromSquare(last) - victim) == 16;
+}
+
 namespace {
 
 const RotatedBits& RotatedOf(int square) { return RotatedBitsOf[static_cast<std::size_t>(square)]; }
 
-void ToggleRotated(Board& board, const RotatedBits& bits) {
+// Adds or removes a square in all four views; they lie next to each other on
+// the board and in the table, so that the compiler can take them two at a time.
+void ToggleViews(Board& board, const RotatedBits& bits) {
+  board.occupied ^= bits.plain;
   board.occupiedRot90 ^= bits.rot90;
   board.occupiedDiagA1H8 ^= bits.diagA1H8;
   board.occupiedDiagA8H1 ^= bits.diagA8H1;
+}
+
+// The same for two squares that are not both in the views.
+void ToggleViews(Board& board, const RotatedBits& one, const RotatedBits& other) {
+  board.occupied ^= one.plain ^ other.plain;
+  board.occupiedRot90 ^= one.rot90 ^ other.rot90;
+  board.occupiedDiagA1H8 ^= one.diagA1H8 ^ other.diagA1H8;
+  board.occupiedDiagA8H1 ^= one.diagA8H1 ^ other.diagA8H1;
 }
 
 // Kind of the enemy piece on a square that holds one. When text input has put
@@ -36,20 +59,13 @@ void ForgetEnPassant(Board& board) {
 }
 
 void PushRecord(const Board& board, UndoRecord& undo, Move move) {
-  undo.capturedKind = pawn;
-  undo.epRank = board.epRank;
-  undo.epFile = board.epFile;
-  undo.epColour = board.epColour;
+  static_cast<PositionState&>(undo) = board;
+  undo.move = move;
   undo.captured = 0;
   undo.castledShort = 0;
   undo.castledLong = 0;
   undo.epCapture = 0;
-  undo.castling = board.castling;
-  undo.positionKey = board.positionKey;
-  undo.occupiedRot90 = board.occupiedRot90;
-  undo.occupiedDiagA1H8 = board.occupiedDiagA1H8;
-  undo.occupiedDiagA8H1 = board.occupiedDiagA8H1;
-  undo.move = move;
+  undo.capturedKind = pawn;
 }
 
 // Takes the rights of a side that still has some out of the key.
@@ -62,7 +78,7 @@ void DropCastlingKeys(Board& board, int side) {
 // The rook's part of castling; the king has its own. A text move may castle
 // without a rook, or put the rook on an occupied square or on the king: then
 // nothing is conjured up and the board counts as irregular.
-void CastleRook(Board& board, UndoRecord& undo, int side, int from, int to) {
+[[gnu::noinline]] void CastleRook(Board& board, UndoRecord& undo, int side, int from, int to) {
   const bool isLong = FileOf(from) > FileOf(to);
   const int rookFrom = SquareAt(RankOf(from), isLong ? 0 : 7);
   const int rookTo = SquareAt(RankOf(from), isLong ? 3 : 5);
@@ -77,11 +93,20 @@ void CastleRook(Board& board, UndoRecord& undo, int side, int from, int to) {
   board.sideOccupancy[side] ^= bits;
   board.sideOccupancyNoKing[side] ^= bits;
   board.positionKey ^= PieceKey(side, rook, rookFrom) ^ PieceKey(side, rook, rookTo);
-  ToggleRotated(board, RotatedOf(rookFrom));
-  ToggleRotated(board, RotatedOf(rookTo));
+  ToggleViews(board, RotatedOf(rookFrom), RotatedOf(rookTo));
 }
 
-void UpdateKingState(Board& board, UndoRecord& undo, int side, int from, int to) {
+void TakeBackCastling(Board& board, const UndoRecord& undo, int side, int kingFrom) {
+  const int rank = RankOf(kingFrom);
+  const Bitboard rookBits = undo.castledShort != 0
+                                ? Bit(SquareAt(rank, 7)) | Bit(SquareAt(rank, 5))
+                                : Bit(SquareAt(rank, 0)) | Bit(SquareAt(rank, 3));
+  board.pieces[PieceIndex(side, rook)] ^= rookBits;
+  board.sideOccupancy[side] ^= rookBits;
+  board.sideOccupancyNoKing[side] ^= rookBits;
+}
+
+[[gnu::noinline]] void UpdateKingState(Board& board, UndoRecord& undo, int side, int from, int to) {
   if (std::abs(FileOf(from) - FileOf(to)) > 1) {
     CastleRook(board, undo, side, from, to);
     DropCastlingKeys(board, side);
@@ -130,7 +155,8 @@ void UpdateRookState(Board& board, int side, int from) {
 // What a move from text does when it ends on an own piece or on a king, which
 // no generated move does: the piece lands beside what is there; on a piece of
 // its own kind the two become one.
-void SettleIrregularLanding(Board& board, int side, int kind, int to, bool ontoOwnKind) {
+[[gnu::noinline]] void SettleIrregularLanding(Board& board, int side, int kind, int to,
+                                              bool ontoOwnKind) {
   if (ontoOwnKind) {
     board.pieces[PieceIndex(side, kind)] |= Bit(to);
     board.positionKey ^= PieceKey(side, kind, to);
@@ -139,139 +165,166 @@ void SettleIrregularLanding(Board& board, int side, int kind, int to, bool ontoO
   RebuildRotated(board);
 }
 
-}  // namespace
-
-bool EnPassantAvailable(const Board& board) {
-  if (board.epFile > 7 || board.epRank > 7 || board.epColour > black) return false;
-  const int square = SquareAt(board.epRank, board.epFile);
-  const int victim = square + (board.epColour == white ? 8 : -8);
-  if (victim < 0 || victim >= nSquares || (board.occupied & Bit(square)) != 0) return false;
-  if ((board.pieces[PieceIndex(board.epColour, pawn)] & Bit(victim)) == 0) return false;
-  if (board.undoDepth == 0) return true;
-  const Move last = board.undoStack[board.undoDepth - 1].move;
-  return ToSquare(last) == victim && MovingKind(last) == pawn &&
-         std::abs(FromSquare(last) - victim) == 16;
+// Takes the enemy piece off its square, with its keys. The views are the
+// caller's: after a capture on the target the square stays occupied.
+template <int enemySide>
+void TakePiece(Board& board, UndoRecord& undo, int victim, int square) {
+  const std::uint64_t key = PieceKey(enemySide, victim, square);
+  board.pieces[PieceIndex(enemySide, victim)] ^= Bit(square);
+  board.sideOccupancy[enemySide] ^= Bit(square);
+  board.sideOccupancyNoKing[enemySide] ^= Bit(square);
+  board.positionKey ^= key;
+  if (victim == pawn) board.pawnKey ^= key;
+  undo.captured = 1;
+  undo.capturedKind = static_cast<std::uint8_t>(victim);
 }
 
-void MakeMove(Board& board, Move move) {
-  if (board.undoDepth >= undoCapacity || board.historyIndex >= keyHistoryCapacity - 1)
-      [[unlikely]] {
-    TrimGameHistory(board);
-  }
-  const int side = board.sideToMove;
-  const int enemySide = side ^ 1;
+// Whether the pawn's move to an empty square takes en passant.
+template <int side>
+bool TakesEnPassant(const Board& board, int from, int to) {
+  return HasEnPassant(board) && to == SquareAt(board.epRank & 7, board.epFile & 7) &&
+         FileOf(from) != FileOf(to) && board.epColour == (side ^ 1) && EnPassantAvailable(board);
+}
+
+// One text for all kinds of pieces, compiled for each: the kind is known in
+// every line of it, which halves the work of an average move.
+template <int side, int kind, bool promotes = false>
+[[gnu::noinline]] void PlayMove(Board& board, Move move) {
+  constexpr int enemySide = side ^ 1;
   const int from = FromSquare(move);
   const int to = ToSquare(move);
-  const Bitboard toBit = Bit(to);
-  const Bitboard fromTo = Bit(from) | toBit;
+  const RotatedBits& fromBits = RotatedOf(from);
+  const RotatedBits& toBits = RotatedOf(to);
+  const Bitboard toBit = toBits.plain;
+  const Bitboard fromTo = fromBits.plain | toBit;
   std::uint64_t* own = board.pieces + side * nKinds;
-  std::uint64_t* enemy = board.pieces + enemySide * nKinds;
-
-  int kind = MovingKind(move);
-  if (kind == unknownKind) [[unlikely]] {
-    kind = PieceOn(board, from, side);
-    if (kind == noPiece) {
-      PassTurn(board);
-      return;
-    }
-  }
-  assert(kind < nKinds);
 
   UndoRecord& undo = board.undoStack[board.undoDepth];
   PushRecord(board, undo, move);
-  const bool promotes = kind == pawn && IsPromotion(move);
   const int landedKind = promotes ? PromotionKind(move) : kind;
+  // The keys of both squares and of the other side's turn go in at once: every
+  // change of the board's key waits for the one before.
+  const std::uint64_t keys = PieceKey(side, kind, from) ^ PieceKey(side, landedKind, to);
+  board.positionKey ^= keys ^ SideKey();
+  bool captured = false;
   bool ontoOwnKind = false;
   bool enPassant = false;
 
-  // 1. Remove what stands on the target.
+  // 1. Remove what stands on the target, and enter the move in the views.
   if ((board.occupied & toBit) != 0) {
     if ((board.sideOccupancyNoKing[enemySide] & toBit) != 0 &&
-        (kind != king || std::abs(FileOf(from) - FileOf(to)) <= 1)) {
-      const int victim = VictimKind(enemy, toBit);
-      enemy[victim] ^= toBit;
-      board.sideOccupancy[enemySide] ^= toBit;
-      board.sideOccupancyNoKing[enemySide] ^= toBit;
-      board.positionKey ^= PieceKey(enemySide, victim, to);
-      undo.captured = 1;
-      undo.capturedKind = victim;
+        (kind != king || std::abs(FileOf(from) - FileOf(to)) <= 1)) [[likely]] {
+      const int victim = VictimKind(board.pieces + enemySide * nKinds, toBit);
+      TakePiece<enemySide>(board, undo, victim, to);
+      if (IsCapture(move)) undo.move = WithCaptured(move, victim);
+      captured = true;
     } else {
+      if (IsCapture(move)) undo.move = WithCaptured(move, pawn);
       board.irregular = 1;
       // A piece put down where it stood meets only itself.
       ontoOwnKind = (own[landedKind] & toBit) != 0 && (from != to || kind != landedKind);
     }
-  } else if (kind == pawn && HasEnPassant(board) &&
-             to == SquareAt(board.epRank & 7, board.epFile & 7) && FileOf(from) != FileOf(to) &&
-             board.epColour == enemySide && EnPassantAvailable(board)) {
-    const int taken = to + (side == white ? -8 : 8);
-    enemy[pawn] ^= Bit(taken);
-    board.sideOccupancy[enemySide] ^= Bit(taken);
-    board.sideOccupancyNoKing[enemySide] ^= Bit(taken);
-    board.positionKey ^= PieceKey(enemySide, pawn, taken);
-    ToggleRotated(board, RotatedOf(taken));
-    undo.captured = 1;
-    undo.epCapture = 1;
-    undo.capturedKind = pawn;
-    enPassant = true;
+    ToggleViews(board, fromBits);
+  } else {
+    if (kind == pawn && TakesEnPassant<side>(board, from, to)) {
+      const int taken = to + (side == white ? -8 : 8);
+      TakePiece<enemySide>(board, undo, pawn, taken);
+      ToggleViews(board, RotatedOf(taken));
+      undo.epCapture = 1;
+      captured = true;
+      enPassant = true;
+    }
+    if (IsCapture(move)) undo.move = WithCaptured(move, pawn);
+    ToggleViews(board, fromBits, toBits);
   }
-  if (IsCapture(move)) undo.move = WithCaptured(move, undo.capturedKind);
 
   // 2. Move the piece.
-  own[kind] ^= Bit(from);
-  own[landedKind] ^= toBit;
-  board.positionKey ^= PieceKey(side, kind, from) ^ PieceKey(side, landedKind, to);
+  if (promotes) {
+    own[pawn] ^= fromBits.plain;
+    own[landedKind] ^= toBit;
+  } else {
+    own[kind] ^= fromBits.plain ^ toBit;
+  }
   board.sideOccupancy[side] ^= fromTo;
-  ToggleRotated(board, RotatedOf(from));
-  if (undo.captured == 0 || enPassant) ToggleRotated(board, RotatedOf(to));
 
   // 3. Castling and en-passant state.
-  if (kind == king) {
+  if constexpr (kind == king) {
     UpdateKingState(board, undo, side, from, to);
   } else {
     board.sideOccupancyNoKing[side] ^= fromTo;
-    const bool doubleStep = kind == pawn && std::abs(RankOf(from) - RankOf(to)) == 2;
-    if (doubleStep) {
-      // An older square that this step does not replace stays, here and after
-      // an en-passant capture, until the next other move.
-      RememberDoubleStep(board, side, from, to);
-    } else {
-      if (kind == rook) UpdateRookState(board, side, from);
-      if (!enPassant) ForgetEnPassant(board);
+    bool doubleStep = false;
+    if constexpr (kind == pawn) {
+      board.pawnKey ^= promotes ? PieceKey(side, pawn, from) : keys;
+      doubleStep = std::abs(RankOf(from) - RankOf(to)) == 2;
+      // Few double steps end beside an enemy pawn.
+      if (doubleStep && (board.pieces[PieceIndex(enemySide, pawn)] & (toBit << 1 | toBit >> 1)) !=
+                            0) [[unlikely]] {
+        RememberDoubleStep(board, side, from, to);
+      }
+    } else if constexpr (kind == rook) {
+      UpdateRookState(board, side, from);
     }
+    // An older square that a double step does not replace stays, here and
+    // after an en-passant capture, until the next other move.
+    if (!doubleStep && !enPassant) ForgetEnPassant(board);
   }
 
-  // 4. Derived fields and history.
+  // 4. What text input may have done, and history.
   if (board.irregular != 0) [[unlikely]] {
     SettleIrregularLanding(board, side, landedKind, to, ontoOwnKind);
     if (kind == king) LocateKing(board, side);
-  } else {
-    board.occupied = board.sideOccupancy[white] | board.sideOccupancy[black];
   }
   ++board.plyCount;
   ++board.undoDepth;
-  board.sideToMove = static_cast<std::uint8_t>(enemySide);
-  board.positionKey ^= SideKey();
-  if (undo.captured == 0 && kind != pawn) {
-    KeyHistory[++board.historyIndex] = board.positionKey;
-  }
+  board.sideToMove = enemySide;
+  if (kind != pawn && !captured) KeyHistory[++board.historyIndex] = board.positionKey;
   board.inCheckCache = -1;
 }
 
-void UnmakeMove(Board& board) {
-  assert(board.undoDepth > 0);
+template <int side>
+void PlayMove(Board& board, Move move) {
+  int kind = MovingKind(move);
+  if (kind == unknownKind) [[unlikely]] {
+    kind = PieceOn(board, FromSquare(move), side);
+  }
+  switch (kind) {
+    case pawn:
+      if (IsPromotion(move)) [[unlikely]]
+        return PlayMove<side, pawn, true>(board, move);
+      return PlayMove<side, pawn>(board, move);
+    case knight:
+      return PlayMove<side, knight>(board, move);
+    case bishop:
+      return PlayMove<side, bishop>(board, move);
+    case rook:
+      return PlayMove<side, rook>(board, move);
+    case queen:
+      return PlayMove<side, queen>(board, move);
+    case king:
+      return PlayMove<side, king>(board, move);
+    default:
+      return PassTurn(board);
+  }
+}
+
+template <int side>
+void TakeBackMove(Board& board) {
+  constexpr int enemySide = side ^ 1;
   const UndoRecord& undo = board.undoStack[--board.undoDepth];
   const Move move = undo.move;
-  const int side = board.sideToMove ^ 1;
-  const int enemySide = side ^ 1;
   const int from = FromSquare(move);
   const int to = ToSquare(move);
   const int kind = MovingKind(move);
   const int landedKind = kind == pawn && IsPromotion(move) ? PromotionKind(move) : kind;
-  const Bitboard fromTo = Bit(from) | Bit(to);
+  const Bitboard fromTo = Bit(from) ^ Bit(to);
   std::uint64_t* own = board.pieces + side * nKinds;
 
-  own[landedKind] ^= Bit(to);
-  own[kind] ^= Bit(from);
+  if (landedKind == kind) [[likely]] {
+    own[kind] ^= fromTo;
+  } else {
+    own[landedKind] ^= Bit(to);
+    own[kind] ^= Bit(from);
+  }
   board.sideOccupancy[side] ^= fromTo;
   if (kind != king) board.sideOccupancyNoKing[side] ^= fromTo;
 
@@ -281,36 +334,44 @@ void UnmakeMove(Board& board) {
     board.pieces[PieceIndex(enemySide, CapturedKind(move))] ^= bit;
     board.sideOccupancy[enemySide] ^= bit;
     board.sideOccupancyNoKing[enemySide] ^= bit;
-  } else {
-    if ((undo.castledShort | undo.castledLong) != 0) {
-      const int rank = RankOf(from);
-      const Bitboard rookBits = undo.castledShort != 0
-                                    ? Bit(SquareAt(rank, 7)) | Bit(SquareAt(rank, 5))
-                                    : Bit(SquareAt(rank, 0)) | Bit(SquareAt(rank, 3));
-      own[rook] ^= rookBits;
-      board.sideOccupancy[side] ^= rookBits;
-      board.sideOccupancyNoKing[side] ^= rookBits;
-    }
-    if (kind != pawn) --board.historyIndex;
+  } else if (kind != pawn) {
+    --board.historyIndex;
   }
-  if (kind == king) LocateKing(board, side);
+  if (kind == king) {
+    if ((undo.castledShort | undo.castledLong) != 0) TakeBackCastling(board, undo, side, from);
+    LocateKing(board, side);
+  }
 
-  board.castling = undo.castling;
-  board.epRank = undo.epRank;
-  board.epFile = undo.epFile;
-  board.epColour = undo.epColour;
-  board.positionKey = undo.positionKey;
-  board.occupiedRot90 = undo.occupiedRot90;
-  board.occupiedDiagA1H8 = undo.occupiedDiagA1H8;
-  board.occupiedDiagA8H1 = undo.occupiedDiagA8H1;
+  static_cast<PositionState&>(board) = undo;
   if (board.irregular != 0) [[unlikely]] {
     RebuildOccupancy(board);
-  } else {
-    board.occupied = board.sideOccupancy[white] | board.sideOccupancy[black];
   }
   --board.plyCount;
-  board.sideToMove = static_cast<std::uint8_t>(side);
+  board.sideToMove = side;
   board.inCheckCache = -1;
+}
+
+}  // namespace
+
+void MakeMove(Board& board, Move move) {
+  if (board.undoDepth >= undoCapacity || board.historyIndex >= keyHistoryCapacity - 1)
+      [[unlikely]] {
+    TrimGameHistory(board);
+  }
+  if (board.sideToMove == white) {
+    PlayMove<white>(board, move);
+  } else {
+    PlayMove<black>(board, move);
+  }
+}
+
+void UnmakeMove(Board& board) {
+  assert(board.undoDepth > 0);
+  if (board.sideToMove == black) {
+    TakeBackMove<white>(board);
+  } else {
+    TakeBackMove<black>(board);
+  }
 }
 
 void MakeNullMove(Board& board) {

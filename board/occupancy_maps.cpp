@@ -71,7 +71,8 @@ constexpr auto diagA8H1 = BuildDiagA8H1Map();
 constexpr std::array<RotatedBits, nSquares> BuildRotatedBits() {
   std::array<RotatedBits, nSquares> bits{};
   for (std::size_t square = 0; square < nSquares; ++square) {
-    bits[square] = {Bit(rot90[square]), Bit(diagA1H8[square]), Bit(diagA8H1[square])};
+    bits[square] = {Bit(static_cast<int>(square)), Bit(rot90[square]), Bit(diagA1H8[square]),
+                    Bit(diagA8H1[square])};
   }
   return bits;
 }

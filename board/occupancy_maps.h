@@ -20,8 +20,10 @@ extern const std::array<std::int32_t, nSquares> DiagA8H1Map;
 /// square ^ 56.
 extern const std::array<std::int32_t, nSquares> FlipMap;
 
-/// The bit that each square has in each of the three rotated views.
-struct RotatedBits {
+/// The bit that a square has in each of the four views of the occupancy, in
+/// the order in which a board keeps them.
+struct alignas(32) RotatedBits {
+  std::uint64_t plain;
   std::uint64_t rot90;
   std::uint64_t diagA1H8;
   std::uint64_t diagA8H1;

@@ -29,10 +29,12 @@ void PerftCount(Board& board, int ply) {
   BBMoveGenerator2 generator(board, board.sideToMove);
   generator.GenerateCaptures();
   generator.GenerateNonCaptures();
+  const Bitboard exposed = ExposedOrigins(board, board.sideToMove);
   std::uint64_t nLegal = 0;
   for (int i = 0; i < generator.count; ++i) {
-    MakeMove(board, generator.moves[i]);
-    if (!MoverLeftInCheck(board)) {
+    const Move move = generator.moves[i];
+    MakeMove(board, move);
+    if ((exposed & Bit(FromSquare(move))) == 0 || !MoverLeftInCheck(board)) {
       ++nLegal;
       PerftCount(board, ply + 1);
     }

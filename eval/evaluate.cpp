@@ -83,13 +83,7 @@ ScorePair TermDifference(EvalRecord& record, EvalTerm row, Term term) {
 /// Key of the pawn structure, with the side to move: scores are kept in the
 /// view of one side.
 std::uint64_t PawnKey(const Board& board) {
-  std::uint64_t key = board.sideToMove == white ? SideKey() : 0;
-  for (int side = white; side <= black; ++side) {
-    for (Bitboard pawns = board.pieces[PieceIndex(side, pawn)]; pawns != 0;) {
-      key ^= PieceKey(side, pawn, PopHighest(pawns));
-    }
-  }
-  return key;
+  return board.pawnKey ^ (board.sideToMove == white ? SideKey() : 0);
 }
 
 /// Pawn structure through its cache. A hit adds the blended score of the

@@ -95,5 +95,50 @@ TEST(MoverLeftInCheck, TellsIllegalMovesFromLegalOnes) {
   EXPECT_FALSE(MoverLeftInCheck(board));
 }
 
+TEST(ExposedOrigins, AreTheKingAndThePiecesNextToItOnOpenedLines) {
+  const struct {
+    const char* fen;
+    const char* exposed;
+  } cases[] = {
+      {"4k3/8/8/8/8/8/8/4K3 w -", "e1"},
+      // The rook's line: the king's neighbours on all four arms, not the rest.
+      {"4k3/8/8/8/4r3/8/1N2P3/4K1B1 w -", "a1 b1 c1 d1 e1 f1 g1 e2"},
+      {"4k3/8/8/b7/8/8/3N4/4K3 w -", "e1 d2 f2 g3 h4"},
+      {"4k3/8/8/b7/8/4r3/8/4KB2 w -", "all"},
+      {"4k3/8/8/8/8/8/3NP3/4K2b w -", "e1"},
+      {"4k3/8/8/8/8/8/8/8 w -", "all"},
+      {"4k3/8/8/8/8/8/8/K1K5 w -", "all"},
+  };
+  for (const auto& c : cases) {
+    Board board = test::BoardFrom(c.fen);
+    const Bitboard exposed = ExposedOrigins(board, white);
+    EXPECT_EQ(exposed == ~Bitboard{0} ? "all" : test::NamesOf(exposed), c.exposed) << c.fen;
+  }
+}
+
+TEST(ExposedOrigins, MovesFromOtherSquaresAreLegal) {
+  int nOthers = 0;
+  test::PlayRandomGames(33, 24, 100, [&nOthers](Board& board) {
+    const Bitboard exposed = ExposedOrigins(board, board.sideToMove);
+    for (const Move move : test::AllMoves(board)) {
+      if ((exposed & Bit(FromSquare(move))) != 0) continue;
+      ++nOthers;
+      MakeMove(board, move);
+      ASSERT_FALSE(MoverLeftInCheck(board)) << test::TextOf(move);
+      UnmakeMove(board);
+    }
+  });
+  EXPECT_GT(nOthers, 10000);
+}
+
+// Two pieces leave the board's lines at once.
+TEST(ExposedOrigins, EnPassantMayOpenARankThroughTwoSquares) {
+  Board board = test::BoardFrom("8/8/8/K2pP2r/8/8/8/4k3 w - d6");
+  const Move move = test::FindMove(board, "e5d6");
+  EXPECT_NE(ExposedOrigins(board, white) & Bit(FromSquare(move)), 0U);
+  MakeMove(board, move);
+  EXPECT_TRUE(MoverLeftInCheck(board));
+}
+
 }  // namespace
 }  // namespace mirvo

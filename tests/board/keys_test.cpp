@@ -214,5 +214,13 @@ TEST(KeyHistory, StartsAfreshAtAPosition) {
   EXPECT_FALSE(IsRepetition(board));
 }
 
+TEST(ComputePawnKey, HoldsThePawnsOnly) {
+  EXPECT_EQ(ComputePawnKey(test::BoardFrom("4k3/8/8/8/8/8/8/4K2R w K")), 0U);
+  // White pawns are the published table's second piece, black ones its first.
+  const std::uint64_t both = Random64[64 + 12] ^ Random64[52];
+  EXPECT_EQ(ComputePawnKey(test::BoardFrom("4k3/4p3/8/8/8/8/4P3/4K3 w -")), both);
+  EXPECT_EQ(ComputePawnKey(test::BoardFrom("4k2q/4p3/8/8/8/8/4P3/R3K3 b -")), both);
+}
+
 }  // namespace
 }  // namespace mirvo

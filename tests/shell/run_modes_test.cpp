@@ -2,14 +2,17 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <memory>
 #include <string>
 
 #include "board/attack_tables.h"
 #include "board/fen.h"
 #include "board/perft.h"
+#include "book/opening_book.h"
 #include "eval/evaluate.h"
 #include "search/hash_table.h"
+#include "search/search_flags.h"
 #include "shell/text.h"
 #include "tests/shell/temporary_folder.h"
 
@@ -66,6 +69,37 @@ TEST_F(RunModes, TestAndUnknownModesDoNothing) {
     config.RunMode = static_cast<RunModeCode>(mode);
     EXPECT_EQ(RunMode(), "") << mode;
   }
+}
+
+TEST_F(RunModes, AMissingBookIsNotInUse) {
+  std::snprintf(config.BookName, sizeof(config.BookName), "missing.bk");
+  searchFlags.BookInUse = 1;
+  CaptureStdout();
+  LoadEngineBook(config);
+  GetCapturedStdout();
+  EXPECT_EQ(searchFlags.BookInUse, 0);
+}
+
+TEST_F(RunModes, ABookThatIsThereStaysInUse) {
+  WriteFile("own.bk", std::string("\x46\x3B\x96\x18\x16\x91\xFC\x9C\x03\x1C\x00\x01\0\0\0\0", 16));
+  std::snprintf(config.BookName, sizeof(config.BookName), "own.bk");
+  ASSERT_TRUE(CreateOpeningBook(openingBook));
+  searchFlags.BookInUse = 1;
+  CaptureStdout();
+  LoadEngineBook(config);
+  GetCapturedStdout();
+  EXPECT_EQ(searchFlags.BookInUse, 1);
+  EXPECT_EQ(openingBook.count, 1);
+  DestroyOpeningBook(openingBook);
+}
+
+TEST_F(RunModes, NoBookIsReadWhenTheSettingsWantNone) {
+  config.UseOpeningBook = 0;
+  std::snprintf(config.BookName, sizeof(config.BookName), "missing.bk");
+  searchFlags.BookInUse = 0;
+  CaptureStdout();
+  LoadEngineBook(config);
+  EXPECT_EQ(GetCapturedStdout(), "");
 }
 
 constexpr char initialDiagram[] =

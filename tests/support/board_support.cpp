@@ -250,6 +250,7 @@ void ExpectConsistent(const Board& board) {
     }
   }
   EXPECT_EQ(board.positionKey, ComputeKey(board));
+  EXPECT_EQ(board.pawnKey, ComputePawnKey(board));
   EXPECT_LE(board.sideToMove, black);
   EXPECT_GE(board.undoDepth, 0);
   EXPECT_LE(board.undoDepth, undoCapacity);
@@ -304,8 +305,8 @@ bool SameFields(const Board& a, const Board& b) {
          a.irregular == b.irregular && a.occupied == b.occupied &&
          a.occupiedRot90 == b.occupiedRot90 && a.occupiedDiagA1H8 == b.occupiedDiagA1H8 &&
          a.occupiedDiagA8H1 == b.occupiedDiagA8H1 && a.undoDepth == b.undoDepth &&
-         a.positionKey == b.positionKey && a.inCheckCache == b.inCheckCache &&
-         a.historyIndex == b.historyIndex &&
+         a.positionKey == b.positionKey && a.pawnKey == b.pawnKey &&
+         a.inCheckCache == b.inCheckCache && a.historyIndex == b.historyIndex &&
          std::equal(a.undoStack, a.undoStack + a.undoDepth, b.undoStack, sameRecord);
 }
 
@@ -315,14 +316,14 @@ Snapshot::Snapshot(const Board& board)
 }
 
 bool Snapshot::SameAs(const Board& board) const {
-  std::vector<unsigned char> now(sizeof(Board));
-  std::memcpy(now.data(), &board, sizeof(Board));
-  const std::size_t unusedBegin =
-      offsetof(Board, undoStack) + static_cast<std::size_t>(board.undoDepth) * sizeof(UndoRecord);
-  const std::size_t unusedEnd = offsetof(Board, undoStack) + sizeof(board.undoStack);
-  return std::memcmp(now.data(), bytes.data(), unusedBegin) == 0 &&
-         std::memcmp(now.data() + unusedEnd, bytes.data() + unusedEnd, sizeof(Board) - unusedEnd) ==
-             0 &&
+  const auto* const begin = reinterpret_cast<const unsigned char*>(&board);
+  const auto offset = [begin](const UndoRecord* record) {
+    return reinterpret_cast<const unsigned char*>(record) - begin;
+  };
+  const auto unusedBegin = offset(board.undoStack + board.undoDepth);
+  const auto unusedEnd = offset(board.undoStack + undoCapacity);
+  return std::equal(begin, begin + unusedBegin, bytes.begin()) &&
+         std::equal(begin + unusedEnd, begin + sizeof(Board), bytes.begin() + unusedEnd) &&
          keys == std::vector<std::uint64_t>(KeyHistory, KeyHistory + board.historyIndex + 1);
 }
 
