@@ -16,10 +16,10 @@ cd "$root" || exit 1
 stages=("$@")
 [ ${#stages[@]} -gt 0 ] || stages=(release sanitize)
 
-# Compiler and test library; format check; scripts; referees, peers and
-# clients of the tests that play whole games.
+# Compiler and test library; format check; scripts; instruction counter;
+# referees, peers and clients of the tests that play whole games.
 if ! need_packages g++ cmake ninja-build libgtest-dev libgmock-dev libbenchmark-dev \
-  clang-format python3 polyglot stockfish xboard fairymax xvfb xauth; then
+  clang-format python3 valgrind polyglot stockfish xboard fairymax xvfb xauth; then
   echo "Some packages could not be installed; tests that need them are skipped." >&2
 fi
 # Debian keeps its games in a folder that root's PATH lacks.

@@ -47,6 +47,12 @@ def run_sh(arguments, text="", cwd=None):
 
 def summarise(*files):
     """Summary of result files given as texts: (exit status, last line)."""
+    status, lines = summary_lines(*files)
+    return status, lines[-1]
+
+
+def summary_lines(*files):
+    """The same with every line printed."""
     with tempfile.TemporaryDirectory() as folder:
         arguments = []
         for i, text in enumerate(files):
@@ -56,7 +62,7 @@ def summarise(*files):
             arguments.append(f"stage{i}={path}")
         result = subprocess.run([sys.executable, ROOT / "tools/summarise_tests.py", *arguments],
                                 capture_output=True, text=True, check=False)
-        return result.returncode, result.stdout.splitlines()[-1]
+        return result.returncode, result.stdout.splitlines()
 
 
 class Packages(unittest.TestCase):
@@ -100,6 +106,15 @@ class Summary(unittest.TestCase):
     def test_counts_of_all_stages_are_added(self):
         suites = [f"<testsuite>{cases}</testsuite>" for cases in (PASS * 3, PASS + FAIL + SKIP)]
         self.assertEqual(summarise(*suites), (1, "4 passed, 1 failed, 1 skipped"))
+
+    def test_measured_figures_are_shown(self):
+        measured = ('<testcase name="speed.instructions_per_node" status="run">'
+                    "<system-out>perft: 400.0\nsearch: 4000.0\n</system-out></testcase>")
+        other = '<testcase name="a" status="run"><system-out>noise</system-out></testcase>'
+        _, lines = summary_lines(f"<testsuite>{measured + other}</testsuite>")
+        self.assertIn("perft: 400.0", lines)
+        self.assertIn("search: 4000.0", lines)
+        self.assertNotIn("noise", lines)
 
     def test_success_has_status_0(self):
         self.assertEqual(summarise(f"<testsuite>{PASS * 2}</testsuite>"), (0, "2 passed, 0 failed"))

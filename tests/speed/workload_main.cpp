@@ -1,0 +1,61 @@
+// A fixed piece of work for the instruction counter: perft of the initial
+// position, or the searches of some signature positions. Prints the nodes.
+//   mirvo_workload perft DEPTH
+//   mirvo_workload search NAME...     (names of tests/data/signature.txt)
+#include <cinttypes>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <numeric>
+
+#include "board/board.h"
+#include "board/perft.h"
+#include "shell/output.h"
+#include "tests/search/signature.h"
+#include "tests/support/search_support.h"
+
+namespace mirvo::test {
+namespace {
+
+/// Every legal move counts, at the leaves and above them.
+std::uint64_t CountPerftNodes(int depth) {
+  PrepareEngine();
+  output.toConsole = 0;
+  const auto board = std::make_unique<Board>();
+  SetPosition(*board, "startpos");
+  RunPerft(*board, depth);
+  return std::accumulate(PerftCounts, PerftCounts + PerftTargetDepth, std::uint64_t{0});
+}
+
+/// Nodes of the named positions' searches; 0 when a name is unknown or a
+/// search takes other nodes than the stored ones, for then nothing compares.
+std::uint64_t CountSearchNodes(int nNames, char** names) {
+  const Signature signature = ReadSignature(SignatureFile());
+  std::uint64_t total = 0;
+  for (int i = 0; i < nNames; ++i) {
+    std::uint32_t nodes = 0;
+    for (const SignaturePosition& position : signature.positions) {
+      if (position.name != names[i]) continue;
+      nodes = CountSignatureNodes(position);
+      if (nodes != position.nodes) return 0;
+    }
+    if (nodes == 0) return 0;
+    total += nodes;
+  }
+  return total;
+}
+
+}  // namespace
+}  // namespace mirvo::test
+
+int main(int argc, char** argv) {
+  std::uint64_t nodes = 0;
+  if (argc == 3 && std::strcmp(argv[1], "perft") == 0) {
+    nodes = mirvo::test::CountPerftNodes(std::atoi(argv[2]));
+  } else if (argc >= 3 && std::strcmp(argv[1], "search") == 0) {
+    nodes = mirvo::test::CountSearchNodes(argc - 2, argv + 2);
+  }
+  std::printf("nodes %" PRIu64 "\n", nodes);
+  return nodes == 0 ? 1 : 0;
+}
