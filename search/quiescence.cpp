@@ -8,6 +8,7 @@
 #include "eval/evaluate.h"
 #include "search/hash_table.h"
 #include "search/interruption.h"
+#include "search/king_sight.h"
 #include "search/move_order.h"
 #include "search/search_stats.h"
 #include "search/static_exchange.h"
@@ -41,6 +42,13 @@ int SelectBest(const std::int32_t* scores, int count) {
   return best;
 }
 
+bool IsLegal(Board& board, Move move) {
+  MakeMove(board, move);
+  const bool legal = !MoverLeftInCheck(board);
+  UnmakeMove(board);
+  return legal;
+}
+
 }  // namespace
 
 std::int32_t Quiesce(SearchState& state, Board& board, std::int32_t alpha, std::int32_t beta,
@@ -68,30 +76,37 @@ std::int32_t Quiesce(SearchState& state, Board& board, std::int32_t alpha, std::
   std::int32_t scores[moveListCapacity];
   ScoreMoves(board, generator, scores);
 
-  // 3. Best first.
+  // 3. Best first. A move that is left out is made only when its legality is
+  // needed and cannot be told otherwise.
+  const KingSight sight(board, inCheck);
   bool anyLegal = false;
   for (int pass = 0; pass < generator.count; ++pass) {
     const int index = SelectBest(scores, generator.count);
     const std::int32_t orderScore = scores[index];
     scores[index] = consumedScore;
     const Move move = generator.moves[index];
-    MakeMove(board, move);
-    HashPrefetch(EvalHashTable, board.positionKey);
-    if (MoverLeftInCheck(board)) {
-      UnmakeMove(board);
-      continue;
-    }
-    anyLegal = true;
+    const Foresight foresight = sight.Foresee(move);
+    if (foresight == Foresight::illegal) continue;
+    const bool foreseen = foresight == Foresight::legal;
     if (!inCheck && !isPv && !IsPromotion(move)) {
-      if (orderScore < 0) {  // only losing captures are left
-        UnmakeMove(board);
-        break;
-      }
-      if (margin + exchangeValue[CapturedKind(move)] < alpha) {
-        UnmakeMove(board);
+      const bool losing = orderScore < 0;  // so are all that are left
+      if (losing || margin + exchangeValue[CapturedKind(move)] < alpha) {
+        if (foreseen || (anyLegal && !losing) || IsLegal(board, move)) {
+          anyLegal = true;
+          if (losing) break;
+        }
         continue;
       }
     }
+    MakeMove(board, move);
+    if (foreseen) {
+      board.inCheckCache = sight.GivesCheck(move) ? 1 : 0;
+    } else if (MoverLeftInCheck(board)) {
+      UnmakeMove(board);
+      continue;
+    }
+    HashPrefetch(EvalHashTable, board.positionKey);
+    anyLegal = true;
     ++state.nodeCount;
     ++searchStats.nQSNodes;
     if (IsPollOverdue(state)) [[unlikely]]

@@ -8,6 +8,7 @@
 #include "board/make_move.h"
 #include "search/hash_table.h"
 #include "search/interruption.h"
+#include "search/king_sight.h"
 #include "search/move_order.h"
 #include "search/move_picker.h"
 #include "search/quiescence.h"
@@ -77,6 +78,11 @@ std::int32_t MaterialEstimate(const Board& board) {
 bool HasPieces(const Board& board, int side) {
   const std::uint64_t* own = board.pieces + side * nKinds;
   return (own[knight] | own[bishop] | own[rook] | own[queen]) != 0;
+}
+
+void CountNode(SearchState& state) {
+  ++state.nodeCount;
+  ++searchStats.nNodes;
 }
 
 // Without a hash move a shallower search of the same node finds one to begin
@@ -197,6 +203,7 @@ std::int32_t Search(SearchState& state, Board& board, const NodeInput& input, Pv
 
   // 9. The moves.
   MovePicker picker(board, hashMove, depth, state.iterationDepth);
+  const KingSight sight(board, inCheck);
   const std::int32_t originalAlpha = alpha;
   std::int32_t best = -infiniteScore;
   Move bestMove = noMove;
@@ -214,32 +221,44 @@ std::int32_t Search(SearchState& state, Board& board, const NodeInput& input, Pv
       ++nMoves;
       continue;
     }
-    const bool wantsExtension = WantsExtension(move);
+    const bool isCapture = IsCapture(move);
+    const int extension = AllowedExtension(state, WantsExtension(move));
+    const Foresight foresight = sight.Foresee(move);
+    if (foresight == Foresight::illegal) continue;
+    const bool foreseen = foresight == Foresight::legal;
+    bool givesCheck = foreseen && sight.GivesCheck(move);
+
+    // 9a. Futility pruning. It needs no making of a move that is legal for sure.
+    const auto isFutile = [&] {
+      if (!futile) return false;
+      if (isCapture) return orderScore + material + captureMargin < alpha;
+      const int kind = MovingKind(move);
+      return extension == 0 && !givesCheck && kind != pawn && kind != king && nMoves != 0 &&
+             ((move ^ hashMove) & fromToMask) != 0;
+    };
+    if (foreseen && isFutile()) {
+      anyLegal = true;
+      CountNode(state);
+      continue;
+    }
     MakeMove(board, move);
-    HashPrefetch(TranspositionTable, board.positionKey);
-    HashPrefetch(EvalHashTable, board.positionKey);
-    if (MoverLeftInCheck(board)) {
+    if (!foreseen && MoverLeftInCheck(board)) {
       UnmakeMove(board);
       continue;
     }
     anyLegal = true;
-    ++state.nodeCount;
-    ++searchStats.nNodes;
-    const bool isCapture = IsCapture(move);
-    const int extension = AllowedExtension(state, wantsExtension);
-    const bool givesCheck = InCheck(board, board.sideToMove);
-
-    // 9a. Futility pruning.
-    if (futile) {
-      const int kind = MovingKind(move);
-      const bool kept = isCapture ? orderScore + material + captureMargin >= alpha
-                                  : extension != 0 || givesCheck || kind == pawn || kind == king ||
-                                        nMoves == 0 || ((move ^ hashMove) & fromToMask) == 0;
-      if (!kept) {
+    CountNode(state);
+    if (foreseen) {
+      board.inCheckCache = givesCheck ? 1 : 0;
+    } else {
+      givesCheck = InCheck(board, board.sideToMove);
+      if (isFutile()) {
         UnmakeMove(board);
         continue;
       }
     }
+    HashPrefetch(TranspositionTable, board.positionKey);
+    HashPrefetch(EvalHashTable, board.positionKey);
     ++nMoves;
     state.extensions += extension;
     const std::int32_t childDepth = depth + extension - 1;

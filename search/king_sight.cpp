@@ -1,0 +1,91 @@
+#include "search/king_sight.h"
+
+#include "board/attacks.h"
+#include "board/bits.h"
+#include "board/geometry_tables.h"
+
+namespace mirvo {
+namespace {
+
+/// Adds to `screens` what stands alone between a square and a slider of `set`.
+/// `path` holds the squares up to each slider, the slider included.
+void AddScreens(const Board& board, const Bitboard* path, Bitboard set, Bitboard& screens) {
+  while (set != 0) {
+    const int slider = PopHighest(set);
+    const Bitboard between = path[slider] & board.occupied & ~Bit(slider);
+    if ((between & (between - 1)) == 0) screens |= between;
+  }
+}
+
+/// Pieces of either side that alone keep a slider of `attacker` from `square`.
+Bitboard Screens(const Board& board, int square, int attacker) {
+  constexpr int emptyLine = 0;
+  const std::uint64_t* sliders = board.pieces + attacker * nKinds;
+  const Bitboard straight = RankAttacks[square][emptyLine] | FileAttacks[square][emptyLine];
+  const Bitboard diagonal = DiagA1H8Attacks[square][emptyLine] | DiagA8H1Attacks[square][emptyLine];
+  Bitboard screens = 0;
+  AddScreens(board, RookPath[square], straight & (sliders[rook] | sliders[queen]), screens);
+  AddScreens(board, BishopPath[square], diagonal & (sliders[bishop] | sliders[queen]), screens);
+  return screens;
+}
+
+}  // namespace
+
+KingSight::KingSight(const Board& position, bool inCheck) : board_(position) {
+  const int side = position.sideToMove;
+  const int ownKing = KingSquare(position, side);
+  const int enemyKing = KingSquare(position, side ^ 1);
+  checks_[pawn] = PawnAttacks[side ^ 1][enemyKing];
+  checks_[knight] = KnightAttacks[enemyKing];
+  checks_[bishop] = BishopAttacks(position, enemyKing);
+  checks_[rook] = RookAttacks(position, enemyKing);
+  checks_[queen] = checks_[bishop] | checks_[rook];
+  checks_[king] = 0;
+  // Boards that only text input can set up get no answers.
+  if (position.irregular != 0 || position.pieces[PieceIndex(side, king)] != Bit(ownKing)) {
+    screens_ = ~Bitboard{0};
+    return;
+  }
+  screens_ = Screens(position, ownKing, side ^ 1) | Screens(position, enemyKing, side);
+  if (HasEnPassant(position)) {
+    enPassant_ = Bit(SquareAt(position.epRank & 7, position.epFile & 7));
+  }
+  if (inCheck) FindEvasions(ownKing);
+}
+
+/// Against one checker another piece has to take it or to step between;
+/// against two only the king moves.
+void KingSight::FindEvasions(int ownKing) {
+  const int side = board_.sideToMove;
+  const std::uint64_t* enemy = board_.pieces + (side ^ 1) * nKinds;
+  const Bitboard leapers = (PawnAttacks[side][ownKing] & enemy[pawn]) |
+                           (KnightAttacks[ownKing] & enemy[knight]) |
+                           (KingAttacks[ownKing] & enemy[king]);
+  checkingSliders_ = (BishopAttacks(board_, ownKing) & (enemy[bishop] | enemy[queen])) |
+                     (RookAttacks(board_, ownKing) & (enemy[rook] | enemy[queen]));
+  const Bitboard checkers = leapers | checkingSliders_;
+  if ((checkers & (checkers - 1)) != 0) {
+    targets_ = 0;
+  } else if (leapers != 0) {
+    targets_ = leapers;
+  } else {
+    const int checker = HighestSquare(checkers);
+    targets_ = RookPath[ownKing][checker] | BishopPath[ownKing][checker];
+  }
+}
+
+Foresight KingSight::ForeseeKing(int from, int to) const {
+  const bool castles = to - from == 2 || from - to == 2;
+  if (castles || (screens_ & Bit(from)) != 0) return Foresight::unknown;
+  if (SquareAttacked(board_, board_.sideToMove ^ 1, to)) return Foresight::illegal;
+  // A slider that gives check sees through the square that the king leaves.
+  for (Bitboard sliders = checkingSliders_; sliders != 0;) {
+    const int slider = PopHighest(sliders);
+    if (((RookPath[slider][to] | BishopPath[slider][to]) & Bit(from)) != 0) {
+      return Foresight::illegal;
+    }
+  }
+  return Foresight::legal;
+}
+
+}  // namespace mirvo
