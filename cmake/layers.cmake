@@ -18,7 +18,7 @@ function(mirvo_test name)
     # Starting a foreign program takes longer than most tests: one start for
     # all the tests of a program.
     add_test(NAME ${name} COMMAND ${name} --gtest_brief=1)
-    set_tests_properties(${name} PROPERTIES LABELS "${arg_LABELS}")
+    set_tests_properties(${name} PROPERTIES LABELS "${arg_LABELS}" FIXTURES_REQUIRED wine)
   else()
     gtest_discover_tests(${name} NO_PRETTY_VALUES DISCOVERY_TIMEOUT 60
       PROPERTIES LABELS "${arg_LABELS}")

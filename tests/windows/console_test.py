@@ -17,8 +17,8 @@ def main(command):
     with tempfile.TemporaryDirectory() as folder:
         terminal = Terminal(command, folder)
         faults = []
-        if not terminal.wait_for("Done."):
-            faults.append("does not start")
+        if not (terminal.wait_for("Ponder=") and terminal.wait_for_keys()):
+            faults.append("does not start to read keys")
         for keys, answer in session:
             # One key at a time, as a hand does it.
             for key in keys:

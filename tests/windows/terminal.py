@@ -12,6 +12,7 @@ import re
 import select
 import signal
 import sys
+import termios
 import time
 
 # Moves of the cursor to the right stand for blanks.
@@ -34,6 +35,16 @@ class Terminal:
             os.execvp(command[0], command)
         self.shown = b""
         self.status = None
+
+    def wait_for_keys(self, limit=30):
+        """Whether the program gets single keys, as a console does, within so
+        many seconds. Until then the terminal makes lines of them itself."""
+        deadline = time.monotonic() + limit
+        while termios.tcgetattr(self.terminal)[3] & termios.ICANON:
+            if time.monotonic() > deadline:
+                return False
+            time.sleep(0.01)
+        return True
 
     def type(self, text):
         os.write(self.terminal, text.encode())
