@@ -6,6 +6,7 @@ Usage: test_scripts.py SOURCE_ROOT   (unittest; run by CTest)
 
 import os
 import pathlib
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -80,6 +81,41 @@ class Packages(unittest.TestCase):
     def test_users_install_with_sudo(self):
         calls, _ = need_packages("absent-one", "1000")
         self.assertEqual([call.split()[0] for call in calls], ["sudo", "apt-get"] * 2)
+
+
+class TestScript(unittest.TestCase):
+    """The stage for Windows on a machine without Wine. A copy of the scripts
+    runs; it never comes to a build."""
+
+    def run_windows_stage(self, **environment):
+        with tempfile.TemporaryDirectory() as folder:
+            folder = pathlib.Path(folder)
+            shutil.copy(ROOT / "test.sh", folder)
+            shutil.copytree(ROOT / "tools", folder / "tools")
+            stubs = {"dpkg-query": 'case "${@: -1}" in wine64) exit 1;; *) printf installed;; esac',
+                     "apt-get": "exit 100", "sudo": '"$@"'}
+            for name, body in stubs.items():
+                (folder / name).write_text(f"#!/bin/bash\n{body}\n", encoding="utf-8")
+                (folder / name).chmod(0o755)
+            inherited = {name: value for name, value in os.environ.items() if name != "CI"}
+            done = subprocess.run(
+                [folder / "test.sh", "windows"], capture_output=True, text=True, check=False,
+                env={**inherited, "PATH": f"{folder}:{os.environ['PATH']}", **environment})
+        return done.returncode, done.stdout
+
+    def test_a_missing_wine_is_told_twice(self):
+        _, printed = self.run_windows_stage()
+        self.assertEqual(printed.count("THE WINDOWS PROGRAM IS NOT TESTED"), 2)
+        self.assertTrue(printed.endswith("\n0 passed, 0 failed\n"))
+
+    def test_a_missing_wine_is_a_failure_in_continuous_integration(self):
+        status, printed = self.run_windows_stage(CI="true")
+        self.assertEqual(status, 1)
+        self.assertTrue(printed.endswith("\n0 passed, 1 failed\n"))
+
+    def test_continuous_integration_says_that_it_is(self):
+        text = (ROOT / ".ci/run").read_text(encoding="utf-8")
+        self.assertIn("CI=true ", text)
 
 
 class RunScript(unittest.TestCase):
