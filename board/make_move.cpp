@@ -85,7 +85,7 @@ void DropCastlingKeys(Board& board, int side) {
   (isLong ? undo.castledLong : undo.castledShort) = 1;
   std::uint64_t& rooks = board.pieces[PieceIndex(side, rook)];
   if (((board.occupied | Bit(to)) & Bit(rookTo)) != 0 || (rooks & Bit(rookFrom)) == 0) {
-    board.irregular = 1;
+    board.irregular |= 1;
     if ((rooks & Bit(rookFrom)) == 0 || (rooks & Bit(rookTo)) != 0) return;
   }
   const Bitboard bits = Bit(rookFrom) | Bit(rookTo);
@@ -155,9 +155,10 @@ void UpdateRookState(Board& board, int side, int from) {
 // What a move from text does when it ends on an own piece or on a king, which
 // no generated move does: the piece lands beside what is there; on a piece of
 // its own kind the two become one.
-[[gnu::noinline]] void SettleIrregularLanding(Board& board, int side, int kind, int to,
-                                              bool ontoOwnKind) {
-  if (ontoOwnKind) {
+constexpr std::uint8_t ontoOwnKindMark = 2;
+[[gnu::noinline]] void SettleIrregularLanding(Board& board, int side, int kind, int to) {
+  if ((board.irregular & ontoOwnKindMark) != 0) {
+    board.irregular = 1;
     board.pieces[PieceIndex(side, kind)] |= Bit(to);
     board.positionKey ^= PieceKey(side, kind, to);
   }
@@ -186,19 +187,52 @@ bool TakesEnPassant(const Board& board, int from, int to) {
          FileOf(from) != FileOf(to) && board.epColour == (side ^ 1) && EnPassantAvailable(board);
 }
 
-// One text for all kinds of pieces, compiled for each: the kind is known in
-// every line of it, which halves the work of an average move.
-template <int side, int kind, bool promotes = false>
+// Removes what the move meets on its target or takes in passing, and enters
+// the move in the views. Returns whether it took a piece.
+template <int side, int kind>
+bool TakeVictim(Board& board, UndoRecord& undo, Move move, int landedKind) {
+  constexpr int enemySide = side ^ 1;
+  const int from = FromSquare(move);
+  const int to = ToSquare(move);
+  const Bitboard toBit = Bit(to);
+  if ((board.occupied & toBit) == 0) {
+    const int taken = to + (side == white ? -8 : 8);
+    TakePiece<enemySide>(board, undo, pawn, taken);
+    ToggleViews(board, RotatedOf(taken));
+    ToggleViews(board, RotatedOf(from), RotatedOf(to));
+    undo.epCapture = 1;
+  } else if ((board.sideOccupancyNoKing[enemySide] & toBit) != 0 &&
+             (kind != king || std::abs(FileOf(from) - FileOf(to)) <= 1)) [[likely]] {
+    TakePiece<enemySide>(board, undo, VictimKind(board.pieces + enemySide * nKinds, toBit), to);
+    ToggleViews(board, RotatedOf(from));
+  } else {
+    // A piece put down where it stood meets only itself.
+    const Bitboard own = board.pieces[PieceIndex(side, landedKind)];
+    const bool ontoOwnKind = (own & toBit) != 0 && (from != to || kind != landedKind);
+    board.irregular |= ontoOwnKind ? ontoOwnKindMark : 1;
+  }
+  if (IsCapture(move)) undo.move = WithCaptured(move, undo.capturedKind);
+  return undo.captured != 0;
+}
+
+// One text for all kinds of pieces, compiled for each: with the kind known in
+// every line of it, an average move takes half the work. `takes` tells whether
+// the target is occupied or the move takes en passant; a quiet move finds that
+// out itself, before it changes anything.
+template <int side, int kind, bool promotes = false, bool takes = false>
 [[gnu::noinline]] void PlayMove(Board& board, Move move) {
   constexpr int enemySide = side ^ 1;
   const int from = FromSquare(move);
   const int to = ToSquare(move);
   const RotatedBits& fromBits = RotatedOf(from);
   const RotatedBits& toBits = RotatedOf(to);
-  const Bitboard toBit = toBits.plain;
-  const Bitboard fromTo = fromBits.plain | toBit;
+  if constexpr (!takes) {
+    if ((board.occupied & toBits.plain) != 0 ||
+        (kind == pawn && TakesEnPassant<side>(board, from, to))) {
+      return PlayMove<side, kind, promotes, true>(board, move);
+    }
+  }
   std::uint64_t* own = board.pieces + side * nKinds;
-
   UndoRecord& undo = board.undoStack[board.undoDepth];
   PushRecord(board, undo, move);
   const int landedKind = promotes ? PromotionKind(move) : kind;
@@ -206,44 +240,22 @@ template <int side, int kind, bool promotes = false>
   // change of the board's key waits for the one before.
   const std::uint64_t keys = PieceKey(side, kind, from) ^ PieceKey(side, landedKind, to);
   board.positionKey ^= keys ^ SideKey();
-  bool captured = false;
-  bool ontoOwnKind = false;
-  bool enPassant = false;
 
   // 1. Remove what stands on the target, and enter the move in the views.
-  if ((board.occupied & toBit) != 0) {
-    if ((board.sideOccupancyNoKing[enemySide] & toBit) != 0 &&
-        (kind != king || std::abs(FileOf(from) - FileOf(to)) <= 1)) [[likely]] {
-      const int victim = VictimKind(board.pieces + enemySide * nKinds, toBit);
-      TakePiece<enemySide>(board, undo, victim, to);
-      if (IsCapture(move)) undo.move = WithCaptured(move, victim);
-      captured = true;
-    } else {
-      if (IsCapture(move)) undo.move = WithCaptured(move, pawn);
-      board.irregular = 1;
-      // A piece put down where it stood meets only itself.
-      ontoOwnKind = (own[landedKind] & toBit) != 0 && (from != to || kind != landedKind);
-    }
-    ToggleViews(board, fromBits);
+  bool captured = false;
+  if constexpr (takes) {
+    captured = TakeVictim<side, kind>(board, undo, move, landedKind);
   } else {
-    if (kind == pawn && TakesEnPassant<side>(board, from, to)) {
-      const int taken = to + (side == white ? -8 : 8);
-      TakePiece<enemySide>(board, undo, pawn, taken);
-      ToggleViews(board, RotatedOf(taken));
-      undo.epCapture = 1;
-      captured = true;
-      enPassant = true;
-    }
-    if (IsCapture(move)) undo.move = WithCaptured(move, pawn);
     ToggleViews(board, fromBits, toBits);
   }
 
   // 2. Move the piece.
-  if (promotes) {
+  const Bitboard fromTo = fromBits.plain | toBits.plain;
+  if constexpr (promotes) {
     own[pawn] ^= fromBits.plain;
-    own[landedKind] ^= toBit;
+    own[landedKind] ^= toBits.plain;
   } else {
-    own[kind] ^= fromBits.plain ^ toBit;
+    own[kind] ^= fromBits.plain ^ toBits.plain;
   }
   board.sideOccupancy[side] ^= fromTo;
 
@@ -252,26 +264,26 @@ template <int side, int kind, bool promotes = false>
     UpdateKingState(board, undo, side, from, to);
   } else {
     board.sideOccupancyNoKing[side] ^= fromTo;
-    bool doubleStep = false;
+    if constexpr (kind == rook) UpdateRookState(board, side, from);
+    bool keepsEnPassant = false;
     if constexpr (kind == pawn) {
       board.pawnKey ^= promotes ? PieceKey(side, pawn, from) : keys;
-      doubleStep = std::abs(RankOf(from) - RankOf(to)) == 2;
+      // An older square that a double step does not replace stays, here and
+      // after an en-passant capture, until the next other move.
+      const bool doubleStep = std::abs(RankOf(from) - RankOf(to)) == 2;
+      keepsEnPassant = doubleStep || (takes && undo.epCapture != 0);
       // Few double steps end beside an enemy pawn.
-      if (doubleStep && (board.pieces[PieceIndex(enemySide, pawn)] & (toBit << 1 | toBit >> 1)) !=
-                            0) [[unlikely]] {
+      const Bitboard beside = toBits.plain << 1 | toBits.plain >> 1;
+      if (doubleStep && (board.pieces[PieceIndex(enemySide, pawn)] & beside) != 0) [[unlikely]] {
         RememberDoubleStep(board, side, from, to);
       }
-    } else if constexpr (kind == rook) {
-      UpdateRookState(board, side, from);
     }
-    // An older square that a double step does not replace stays, here and
-    // after an en-passant capture, until the next other move.
-    if (!doubleStep && !enPassant) ForgetEnPassant(board);
+    if (!keepsEnPassant) ForgetEnPassant(board);
   }
 
   // 4. What text input may have done, and history.
   if (board.irregular != 0) [[unlikely]] {
-    SettleIrregularLanding(board, side, landedKind, to, ontoOwnKind);
+    SettleIrregularLanding(board, side, landedKind, to);
     if (kind == king) LocateKing(board, side);
   }
   ++board.plyCount;
@@ -307,6 +319,19 @@ void PlayMove(Board& board, Move move) {
   }
 }
 
+// What few moves need when they are taken back, after all else.
+template <int side>
+[[gnu::noinline]] void TakeBackRest(Board& board, const UndoRecord& undo) {
+  const Move move = undo.move;
+  if (MovingKind(move) == king) {
+    if ((undo.castledShort | undo.castledLong) != 0) {
+      TakeBackCastling(board, undo, side, FromSquare(move));
+    }
+    LocateKing(board, side);
+  }
+  if (board.irregular != 0) RebuildOccupancy(board);
+}
+
 template <int side>
 void TakeBackMove(Board& board) {
   constexpr int enemySide = side ^ 1;
@@ -315,15 +340,14 @@ void TakeBackMove(Board& board) {
   const int from = FromSquare(move);
   const int to = ToSquare(move);
   const int kind = MovingKind(move);
-  const int landedKind = kind == pawn && IsPromotion(move) ? PromotionKind(move) : kind;
   const Bitboard fromTo = Bit(from) ^ Bit(to);
   std::uint64_t* own = board.pieces + side * nKinds;
 
-  if (landedKind == kind) [[likely]] {
-    own[kind] ^= fromTo;
+  if (kind == pawn && IsPromotion(move)) [[unlikely]] {
+    own[pawn] ^= Bit(from);
+    own[PromotionKind(move)] ^= Bit(to);
   } else {
-    own[landedKind] ^= Bit(to);
-    own[kind] ^= Bit(from);
+    own[kind] ^= fromTo;
   }
   board.sideOccupancy[side] ^= fromTo;
   if (kind != king) board.sideOccupancyNoKing[side] ^= fromTo;
@@ -337,18 +361,12 @@ void TakeBackMove(Board& board) {
   } else if (kind != pawn) {
     --board.historyIndex;
   }
-  if (kind == king) {
-    if ((undo.castledShort | undo.castledLong) != 0) TakeBackCastling(board, undo, side, from);
-    LocateKing(board, side);
-  }
-
   static_cast<PositionState&>(board) = undo;
-  if (board.irregular != 0) [[unlikely]] {
-    RebuildOccupancy(board);
-  }
   --board.plyCount;
   board.sideToMove = side;
   board.inCheckCache = -1;
+  if (kind == king || board.irregular != 0) [[unlikely]]
+    TakeBackRest<side>(board, undo);
 }
 
 }  // namespace
