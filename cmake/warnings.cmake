@@ -10,6 +10,3 @@ endif()
 # multiply-adds are never fused.
 add_library(mirvo_flags INTERFACE)
 target_compile_options(mirvo_flags INTERFACE -ffp-contract=off)
-if(MIRVO_NATIVE)
-  target_compile_options(mirvo_flags INTERFACE -march=native)
-endif()

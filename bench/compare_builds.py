@@ -1,0 +1,96 @@
+"""Compares builds of Mirvo on this machine: processor time of searches to a
+depth over the signature positions and of perft, in turns on one core.
+
+Usage: compare_builds.py NAME=PROGRAM NAME=PROGRAM... [--depth D] [--rounds N]
+                         [--perft D] [--core C]
+
+Every build is compared with the first. A position's ratio is the median over
+the rounds, the figure the geometric mean over the positions. Positions that the
+first build searches in less than 5 ms are left out; where two builds take
+different nodes the number of such positions is said, for then the times compare
+different trees.
+"""
+
+import argparse
+import os
+import statistics
+import tempfile
+
+from engine import Engine, geometric_mean, signature_positions
+
+SHORTEST = 0.005  # seconds
+
+
+def search_times(programs, options, folder):
+    """{name: {position: (nodes, [seconds])}}, the builds taking turns."""
+    results = {name: {} for name in programs}
+    engines = {}
+    for name, program in programs.items():
+        engines[name] = Engine([program], options.core, folder)
+        engines[name].start_uci(["Use Opening Book value false"])
+    for _ in range(options.rounds):
+        for position, fen in signature_positions():
+            for name, engine in engines.items():
+                nodes, seconds = engine.search_depth(fen, options.depth)
+                results[name].setdefault(position, (nodes, []))[1].append(seconds)
+    for engine in engines.values():
+        engine.quit()
+    return results
+
+
+def perft_times(programs, options, folder):
+    """{name: [seconds]} of perft of the initial position."""
+    results = {name: [] for name in programs}
+    for _ in range(options.rounds):
+        for name, program in programs.items():
+            engine = Engine([program, "-perft", str(options.perft)], options.core, folder)
+            engine.wait_for("Performing")
+            start = engine.seconds()
+            engine.wait_for("Splits")
+            results[name].append(engine.seconds() - start)
+            engine.kill()
+    return results
+
+
+def compare(first, other):
+    """(geometric mean of first's time by other's, positions used, positions of
+    different nodes)."""
+    ratios, different = [], 0
+    for position, (nodes, seconds) in first.items():
+        if statistics.median(seconds) < SHORTEST:
+            continue
+        different += nodes != other[position][0]
+        ratios.append(statistics.median(a / b for a, b in zip(seconds, other[position][1])))
+    return geometric_mean(ratios), len(ratios), different
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("builds", nargs="+", metavar="NAME=PROGRAM")
+    parser.add_argument("--depth", type=int, default=9, help="of the searches")
+    parser.add_argument("--perft", type=int, default=5, help="depth of the perft")
+    parser.add_argument("--rounds", type=int, default=3, help="each build runs so often")
+    parser.add_argument("--core", type=int, default=0, help="processor to run on")
+    options = parser.parse_args()
+    programs = {}
+    for build in options.builds:
+        name, program = build.split("=", 1)
+        programs[name] = os.path.abspath(program)
+    with tempfile.TemporaryDirectory() as folder:
+        searches = search_times(programs, options, folder)
+        perfts = perft_times(programs, options, folder)
+    first = next(iter(programs))
+    print(f"| build | search to depth {options.depth} | {first}'s time by it | perft {options.perft}"
+          f" | {first}'s time by it |")
+    print("|---|---|---|---|---|")
+    for name in programs:
+        ratio, used, different = compare(searches[first], searches[name])
+        total = sum(statistics.median(seconds) for _, seconds in searches[name].values())
+        perft = statistics.median(a / b for a, b in zip(perfts[first], perfts[name]))
+        note = f", other nodes in {different} of {used} positions" if different else ""
+        print(f"| {name} | {total:.2f} s | {ratio:.2f}{note} | "
+              f"{statistics.median(perfts[name]):.3f} s | {perft:.2f} |")
+
+
+if __name__ == "__main__":
+    main()

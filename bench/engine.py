@@ -1,0 +1,100 @@
+"""What the measuring scripts share: an engine on one core with its processor
+time, searches of it, and the signature positions."""
+
+import math
+import os
+import pathlib
+import shutil
+import statistics
+import subprocess
+import time
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+SEARCH_PATH = os.environ.get("PATH", "") + ":/usr/games"
+
+
+class Engine:
+    """A program on one core; lines go in and out, its processor time is known."""
+
+    def __init__(self, command, core, folder):
+        path = shutil.which(command[0], path=SEARCH_PATH)
+        self.process = subprocess.Popen(
+            ["taskset", "-c", str(core), path, *command[1:]], cwd=folder, text=True,
+            stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, bufsize=1)
+        # The number of the process's clock, as clock_getcpuclockid makes it.
+        self.clock = (~self.process.pid << 3) | 2
+
+    def send(self, line):
+        self.process.stdin.write(line + "\n")
+        self.process.stdin.flush()
+
+    def lines(self):
+        for line in self.process.stdout:
+            yield line.strip()
+
+    def wait_for(self, *beginnings):
+        """The first line that begins with one of the words."""
+        return next(line for line in self.lines() if line.startswith(beginnings))
+
+    def seconds(self):
+        """Processor time used so far; taskset becomes the engine, so it is its."""
+        return time.clock_gettime(self.clock)
+
+    def start_uci(self, settings=()):
+        """Says "uci" and sets options ("NAME value VALUE")."""
+        self.send("uci")
+        self.wait_for("uciok")
+        for setting in settings:
+            self.send("setoption name " + setting)
+
+    def new_position(self, fen):
+        """Empties the tables and sets a position up."""
+        self.send("ucinewgame")
+        self.send("isready")
+        self.wait_for("readyok")
+        self.send("position fen " + fen)
+
+    def search_depth(self, fen, depth):
+        """Nodes and processor seconds of a search with empty tables."""
+        self.new_position(fen)
+        start, nodes = self.seconds(), 0
+        self.send(f"go depth {depth}")
+        for line in self.lines():
+            nodes = read_nodes(line) or nodes
+            if line.startswith("bestmove"):
+                break
+        return nodes, self.seconds() - start
+
+    def quit(self):
+        """Ends an engine that answers; the memory it used at most, in MB."""
+        self.send("quit")
+        _, _, usage = os.wait4(self.process.pid, 0)
+        self.process.returncode = 0
+        return usage.ru_maxrss / 1024
+
+    def kill(self):
+        self.process.kill()
+        self.process.wait()
+
+
+def read_nodes(line):
+    """The node count of an "info" line, or None."""
+    words = line.split()
+    if words[:1] == ["info"] and "nodes" in words[:-1]:
+        return int(words[words.index("nodes") + 1])
+    return None
+
+
+def signature_positions():
+    """[(name, FEN)] of the node signature."""
+    positions = []
+    text = (ROOT / "tests/data/signature.txt").read_text(encoding="utf-8")
+    for line in text.splitlines():
+        if "|" in line and not line.startswith("#"):
+            name, fields, _ = line.split(" | ")
+            positions.append((name, fields + " - 0 1"))
+    return positions
+
+
+def geometric_mean(ratios):
+    return math.exp(statistics.fmean(math.log(ratio) for ratio in ratios))

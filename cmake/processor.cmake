@@ -1,0 +1,24 @@
+# The processors that the program runs on, and optimisation by a profile of
+# earlier runs. Whatever is chosen here, every score and every node stays the
+# same to the bit.
+set(MIRVO_ARCH "" CACHE STRING "Processor to build for, in the words of -march; empty: any x86-64")
+set_property(CACHE MIRVO_ARCH PROPERTY STRINGS "" native x86-64-v2 x86-64-v3)
+if(MIRVO_ARCH)
+  target_compile_options(mirvo_flags INTERFACE -march=${MIRVO_ARCH})
+endif()
+
+# Two builds in one folder: the first program counts its branches as it runs and
+# leaves the counts beside its objects, the second is optimised by them
+# (bench/build_pgo.sh does all of it). Functions that the runs did not reach
+# keep the ordinary optimisation instead of being made small.
+set(MIRVO_PGO "" CACHE STRING "Profile: generate, use, or empty for none")
+set_property(CACHE MIRVO_PGO PROPERTY STRINGS "" generate use)
+if(MIRVO_PGO STREQUAL "generate")
+  target_compile_options(mirvo_flags INTERFACE -fprofile-generate)
+  target_link_options(mirvo_flags INTERFACE -fprofile-generate)
+elseif(MIRVO_PGO STREQUAL "use")
+  target_compile_options(mirvo_flags INTERFACE
+    -fprofile-use -fprofile-partial-training -Wno-missing-profile -Wno-coverage-mismatch)
+elseif(MIRVO_PGO)
+  message(FATAL_ERROR "MIRVO_PGO is generate, use or empty, not ${MIRVO_PGO}")
+endif()
