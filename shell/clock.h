@@ -26,7 +26,11 @@ inline std::int32_t ElapsedSince(std::uint32_t start) {
 /// Zero-length sleep: yields the rest of the time slice.
 void YieldTimeSlice();
 
-/// Sleeps about `milliseconds`.
+/// Sleeps about `milliseconds`. Under a replaced clock it returns at once: the
+/// time of such a run passes by counting, not by waiting.
 void SleepMilliseconds(std::uint32_t milliseconds);
+
+/// The platform's own sleep, whatever SetTickSource was told.
+void SystemSleep(std::uint32_t milliseconds);
 
 }  // namespace mirvo

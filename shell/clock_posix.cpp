@@ -17,7 +17,7 @@ std::uint32_t SystemTickCount() {
 
 void YieldTimeSlice() { sched_yield(); }
 
-void SleepMilliseconds(std::uint32_t milliseconds) {
+void SystemSleep(std::uint32_t milliseconds) {
   timespec length{};
   length.tv_sec = static_cast<time_t>(milliseconds / 1000);
   length.tv_nsec = static_cast<decltype(length.tv_nsec)>(milliseconds % 1000) * 1'000'000;

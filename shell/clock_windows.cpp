@@ -8,6 +8,6 @@ std::uint32_t SystemTickCount() { return GetTickCount(); }
 
 void YieldTimeSlice() { Sleep(0); }
 
-void SleepMilliseconds(std::uint32_t milliseconds) { Sleep(milliseconds); }
+void SystemSleep(std::uint32_t milliseconds) { Sleep(milliseconds); }
 
 }  // namespace mirvo

@@ -47,6 +47,12 @@ TEST_F(ClockTest, RestoresTheSystemClock) {
   EXPECT_LT(elapsed, 60'000);
 }
 
+TEST_F(ClockTest, DoesNotSleepUnderAReplacedClock) {
+  const std::uint32_t before = SystemTickCount();
+  SleepMilliseconds(100'000);
+  EXPECT_LT(static_cast<std::int32_t>(SystemTickCount() - before), 50'000);
+}
+
 TEST(SystemClock, NeverRunsBackwards) {
   std::uint32_t last = SystemTickCount();
   for (int i = 0; i < 10'000; ++i) {
