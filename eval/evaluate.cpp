@@ -140,10 +140,7 @@ ScorePair SumTerms(EvalRecord& record, float& phase) {
   record.attacks[black][pawn] = PawnAttackSet<black>(PiecesOf<black>(board)[pawn]);
 
   sum.mg += EvaluateCentreBlockade(record, own) - EvaluateCentreBlockade(record, enemy);
-  sum += TermDifference(record, knightsTerm, EvaluateKnights);
-  sum += TermDifference(record, bishopsTerm, EvaluateBishops);
-  sum += TermDifference(record, rooksTerm, EvaluateRooks);
-  sum += TermDifference(record, queensTerm, EvaluateQueens);
+  sum += EvaluatePieces(record, own) - EvaluatePieces(record, enemy);
   FormUnion(record, white);
   FormUnion(record, black);
   sum += TermDifference(record, kingsTerm, EvaluateKing);

@@ -46,13 +46,13 @@ std::int32_t CentreAmount(Bitboard set) {
   return centreSums.low[pairs & 0xFF] + centreSums.high[(pairs >> 16) & 0xFF];
 }
 
-/// What every piece of a side is measured against, and what its pieces of one
-/// kind add up to.
+/// What every piece of a side is measured against.
 template <int side>
-struct PieceTerm {
-  explicit PieceTerm(const EvalRecord& record)
+struct PieceView {
+  explicit PieceView(const EvalRecord& record)
       : board(*record.board),
         own(board.sideOccupancy[side]),
+        pawnAttacks(record.attacks[side][pawn]),
         enemyPawnAttacks(record.attacks[side ^ 1][pawn]),
         unsafe(enemyPawnAttacks & (~board.occupied | PiecesOf<side ^ 1>(board)[pawn])),
         enemyIsolated(record.isolated[side ^ 1]),
@@ -60,82 +60,82 @@ struct PieceTerm {
         ownZone(record.kingZone[side]),
         enemyKingDistance(ManhattanDistance[KingSquare(board, side ^ 1)]) {}
 
-  /// Amounts that all kinds share, for one piece that controls `mobility`
-  /// directly and `reach` counting what it sees through own pieces.
-  template <int kind>
-  void AddCommon(int square, Bitboard mobility, Bitboard reach) {
-    std::int32_t both = 0;
-    if ((enemyPawnAttacks & Bit(square)) != 0) both += AttackedByPawn[kind];
-    // Seldom any: a branch is cheaper than counting nothing.
-    if (const Bitboard hits = reach & enemyIsolated; hits != 0) {
-      both += isolatedPawnHit * PopCount(hits);
-    }
-    both += ownZoneSquare * PopCount(reach & ownZone);
-    if (const Bitboard hits = reach & enemyZone; hits != 0) {
-      both += enemyZoneSquare * PopCount(hits);
-      ++attackers;
-      attackWeight += KingAttackWeight[kind];
-    }
-    score.AddBoth(both);
-    score.mg += CentreAmount(mobility);
-    attacks |= reach;
-    tropism += tropismStep[kind] * enemyKingDistance[square] + tropismBase[kind];
-  }
-
-  std::int32_t UnsafeAmount(Bitboard mobility) const {
-    return unsafeSquare * PopCount(mobility & unsafe);
-  }
-
-  /// Hands the sums over to the record.
-  template <int kind>
-  ScorePair Finish(EvalRecord& record) const {
-    record.attacks[side][kind] = attacks;
-    record.kingAttackers[side ^ 1] += attackers;
-    record.kingAttackWeight[side ^ 1] += attackWeight;
-    record.kingTropism[side ^ 1] += tropism;
-    return score;
-  }
-
   const Board& board;
   const Bitboard own;
+  const Bitboard pawnAttacks;
   const Bitboard enemyPawnAttacks;
   const Bitboard unsafe;  // squares an enemy pawn guards and no enemy piece fills
   const Bitboard enemyIsolated;
   const Bitboard enemyZone;
   const Bitboard ownZone;
   const std::int32_t* const enemyKingDistance;  // by square
+};
+
+/// What the pieces of one kind add up to. Whatever many pieces share is summed
+/// as a count and multiplied once, in Finish.
+template <int side, int kind>
+struct KindSums {
+  /// Takes in what all kinds share, for one piece that controls `mobility`
+  /// directly and `reach` counting what it sees through own pieces.
+  void AddCommon(const PieceView<side>& view, int square, Bitboard mobility, Bitboard reach) {
+    // Seldom any: a branch is cheaper than counting nothing.
+    if ((view.enemyPawnAttacks & Bit(square)) != 0) score.AddBoth(AttackedByPawn[kind]);
+    if (const Bitboard hits = reach & view.enemyIsolated; hits != 0) {
+      score.AddBoth(isolatedPawnHit * PopCount(hits));
+    }
+    if (const Bitboard hits = reach & view.enemyZone; hits != 0) {
+      score.AddBoth(enemyZoneSquare * PopCount(hits));
+      ++attackers;
+    }
+    ownZoneSquares += PopCount(reach & view.ownZone);
+    centreAmount += CentreAmount(mobility);
+    attacks |= reach;
+    kingDistance += view.enemyKingDistance[square];
+  }
+
+  /// Hands the sums over to the record; `count` is the number of pieces.
+  ScorePair Finish(EvalRecord& record, int count) {
+    record.attacks[side][kind] = attacks;
+    record.kingAttackers[side ^ 1] += attackers;
+    record.kingAttackWeight[side ^ 1] += attackers * KingAttackWeight[kind];
+    record.kingTropism[side ^ 1] += tropismStep[kind] * kingDistance + tropismBase[kind] * count;
+    score.AddBoth(ownZoneSquare * ownZoneSquares + unsafeSquare * unsafeSquares);
+    score.mg += centreAmount;
+    return score;
+  }
 
   ScorePair score;
   Bitboard attacks = 0;
-  std::int32_t attackers = 0;
-  std::int32_t attackWeight = 0;
-  std::int32_t tropism = 0;
+  std::int32_t attackers = 0;  // pieces that hit the enemy king's zone
+  std::int32_t kingDistance = 0;
+  std::int32_t ownZoneSquares = 0;
+  std::int32_t unsafeSquares = 0;
+  std::int32_t centreAmount = 0;
 };
-
-/// The board's occupancy views without the pieces of `removed`.
-OccupancyViews ViewsWithout(const Board& board, Bitboard removed) {
-  OccupancyViews views = ViewsOf(board);
-  views.occupied &= ~removed;
-  while (removed != 0) {
-    const RotatedBits& bits = RotatedBitsOf[static_cast<std::size_t>(PopHighest(removed))];
-    views.rot90 &= ~bits.rot90;
-    views.diagA1H8 &= ~bits.diagA1H8;
-    views.diagA8H1 &= ~bits.diagA8H1;
-  }
-  return views;
-}
 
 /// Bishop-like attacks that pass through the own pieces in `transparent`. Only
 /// a piece that is hit can open the line, so most calls return `plain`.
 Bitboard DiagonalXRay(const Board& board, int square, Bitboard plain, Bitboard transparent) {
   if ((plain & transparent) == 0) return plain;
-  return BishopAttacks(ViewsWithout(board, transparent), square);
+  std::uint64_t diagA1H8 = board.occupiedDiagA1H8;
+  std::uint64_t diagA8H1 = board.occupiedDiagA8H1;
+  while (transparent != 0) {
+    const RotatedBits& bits = RotatedBitsOf[static_cast<std::size_t>(PopHighest(transparent))];
+    diagA1H8 &= ~bits.diagA1H8;
+    diagA8H1 &= ~bits.diagA8H1;
+  }
+  return BishopAttacks(square, diagA1H8, diagA8H1);
 }
 
 /// The same along rank and file.
 Bitboard LineXRay(const Board& board, int square, Bitboard plain, Bitboard transparent) {
   if ((plain & transparent) == 0) return plain;
-  return RookAttacks(ViewsWithout(board, transparent), square);
+  const std::uint64_t occupied = board.occupied & ~transparent;
+  std::uint64_t rot90 = board.occupiedRot90;
+  while (transparent != 0) {
+    rot90 &= ~RotatedBitsOf[static_cast<std::size_t>(PopHighest(transparent))].rot90;
+  }
+  return RookAttacks(square, occupied, rot90);
 }
 
 // ------------------------------------------------------------------ knights
@@ -145,33 +145,31 @@ Bitboard LineXRay(const Board& board, int square, Bitboard plain, Bitboard trans
 /// the square's number: that is the wrong colour on every other rank, a habit
 /// of this engine's play that is kept.
 template <int side>
-std::int32_t OutpostAmount(const PieceTerm<side>& term, int square) {
+std::int32_t OutpostAmount(const PieceView<side>& view, int square) {
   const std::int32_t outpost = KnightOutpost.of[side][square];
-  if (outpost == 0 || (term.enemyPawnAttacks & Bit(square)) != 0) return 0;
+  if (outpost == 0 || (view.enemyPawnAttacks & Bit(square)) != 0) return 0;
   std::int32_t amount = outpost;
-  if ((PawnAttackSet<side>(PiecesOf<side>(term.board)[pawn]) & Bit(square)) != 0) {
-    amount += outpost / 2;
-  }
-  const Bitboard* enemy = PiecesOf<side ^ 1>(term.board);
+  if ((view.pawnAttacks & Bit(square)) != 0) amount += outpost / 2;
+  const Bitboard* enemy = PiecesOf<side ^ 1>(view.board);
   const Bitboard colourSet = (square & 1) == 0 ? lightSquares : darkSquares;
   if (enemy[knight] == 0 && (enemy[bishop] & colourSet) == 0) amount += outpost / 2;
   return amount;
 }
 
 template <int side>
-ScorePair KnightsOf(EvalRecord& record) {
-  Bitboard knights = PiecesOf<side>(*record.board)[knight];
-  if (knights == 0) return {};
-  PieceTerm<side> term(record);
-  while (knights != 0) {
-    const int square = PopHighest(knights);
+ScorePair KnightsOf(const PieceView<side>& view, EvalRecord& record) {
+  const Bitboard knights = PiecesOf<side>(view.board)[knight];
+  KindSums<side, knight> sums;
+  for (Bitboard left = knights; left != 0;) {
+    const int square = PopHighest(left);
     const Bitboard reach = KnightAttacks[square];
-    const Bitboard mobility = reach & ~term.own;
-    term.score.AddBoth(KnightSquare.of[side][square] + KnightMobility[PopCount(mobility)] +
-                       term.UnsafeAmount(mobility) + OutpostAmount<side>(term, square));
-    term.template AddCommon<knight>(square, mobility, reach);
+    const Bitboard mobility = reach & ~view.own;
+    sums.score.AddBoth(KnightSquare.of[side][square] + KnightMobility[PopCount(mobility)] +
+                       OutpostAmount<side>(view, square));
+    sums.unsafeSquares += PopCount(mobility & view.unsafe);
+    sums.AddCommon(view, square, mobility, reach);
   }
-  return term.template Finish<knight>(record);
+  return sums.Finish(record, PopCount(knights));
 }
 
 // ------------------------------------------------------------------ bishops
@@ -204,27 +202,28 @@ bool IsTrappedBishop(const Board& board, int square) {
 }
 
 template <int side>
-ScorePair BishopsOf(EvalRecord& record) {
-  Bitboard bishops = PiecesOf<side>(*record.board)[bishop];
-  if (bishops == 0) return {};
-  PieceTerm<side> term(record);
-  const Bitboard transparent = PiecesOf<side>(term.board)[queen];
-  term.score = BishopCountAmount<side>(term.board, bishops);
-  while (bishops != 0) {
-    const int square = PopHighest(bishops);
+ScorePair BishopsOf(const PieceView<side>& view, EvalRecord& record) {
+  const Bitboard bishops = PiecesOf<side>(view.board)[bishop];
+  const Bitboard transparent = PiecesOf<side>(view.board)[queen];
+  KindSums<side, bishop> sums;
+  sums.score = BishopCountAmount<side>(view.board, bishops);
+  for (Bitboard left = bishops; left != 0;) {
+    const int square = PopHighest(left);
     const int rank = RankOf(square);
-    const Bitboard plain = BishopAttacks(term.board, square);
-    const Bitboard reach = DiagonalXRay(term.board, square, plain, transparent) & ~term.own;
-    const Bitboard mobility = plain & ~term.own;
-    term.score += bishopMobilityBase;
-    term.score.AddBoth(BishopSquare.of[side][square] +
-                       bishopSquareAhead * PopCount(mobility & RanksAhead<side>(rank)) +
-                       bishopSquareBehind * PopCount(mobility & RanksBehind<side>(rank)) +
-                       term.UnsafeAmount(mobility));
-    if (IsTrappedBishop<side>(term.board, square)) term.score.AddBoth(trappedBishop);
-    term.template AddCommon<bishop>(square, mobility, reach);
+    const Bitboard plain = BishopAttacks(view.board, square);
+    const Bitboard reach = DiagonalXRay(view.board, square, plain, transparent) & ~view.own;
+    const Bitboard mobility = plain & ~view.own;
+    // No square of a bishop is beside it: what is not ahead is behind.
+    const int ahead = PopCount(mobility & RanksAhead<side>(rank));
+    const int behind = PopCount(mobility) - ahead;
+    sums.score += bishopMobilityBase;
+    sums.score.AddBoth(BishopSquare.of[side][square] + bishopSquareAhead * ahead +
+                       bishopSquareBehind * behind);
+    sums.unsafeSquares += PopCount(mobility & view.unsafe);
+    if (IsTrappedBishop<side>(view.board, square)) sums.score.AddBoth(trappedBishop);
+    sums.AddCommon(view, square, mobility, reach);
   }
-  return term.template Finish<bishop>(record);
+  return sums.Finish(record, PopCount(bishops));
 }
 
 // -------------------------------------------------------------------- rooks
@@ -259,71 +258,70 @@ std::int32_t SeventhRankAmount(const Board& board) {
 }
 
 template <int side>
-ScorePair RooksOf(EvalRecord& record) {
-  Bitboard rooks = PiecesOf<side>(*record.board)[rook];
-  if (rooks == 0) return {};
-  PieceTerm<side> term(record);
-  const Bitboard transparent = rooks | PiecesOf<side>(term.board)[queen];
-  const std::int32_t nEnemyPawns = PopCount(PiecesOf<side ^ 1>(term.board)[pawn]);
-  while (rooks != 0) {
-    const int square = PopHighest(rooks);
-    const Bitboard plain = RookAttacks(term.board, square);
-    const Bitboard reach = LineXRay(term.board, square, plain, transparent) & ~term.own;
-    const Bitboard mobility = plain & ~term.own;
+ScorePair RooksOf(const PieceView<side>& view, EvalRecord& record) {
+  const Bitboard rooks = PiecesOf<side>(view.board)[rook];
+  const Bitboard transparent = rooks | PiecesOf<side>(view.board)[queen];
+  const std::int32_t nEnemyPawns = PopCount(PiecesOf<side ^ 1>(view.board)[pawn]);
+  KindSums<side, rook> sums;
+  for (Bitboard left = rooks; left != 0;) {
+    const int square = PopHighest(left);
+    const Bitboard plain = RookAttacks(view.board, square);
+    const Bitboard reach = LineXRay(view.board, square, plain, transparent) & ~view.own;
+    const Bitboard mobility = plain & ~view.own;
     const int count = PopCount(mobility);
-    std::int32_t both = RookSquare.of[side][square] + term.UnsafeAmount(mobility) +
-                        RookFileAmount<side>(term.board, FileOf(square), nEnemyPawns);
-    if (IsTrappedRook<side>(term.board, square)) both += trappedRook;
-    if (RelativeRank<side>(RankOf(square)) == 6) both += SeventhRankAmount<side>(term.board);
-    term.score += {RookMobilityMg[count], RookMobilityEg[count]};
-    term.score.AddBoth(both);
-    term.template AddCommon<rook>(square, mobility, reach);
+    std::int32_t both =
+        RookSquare.of[side][square] + RookFileAmount<side>(view.board, FileOf(square), nEnemyPawns);
+    if (IsTrappedRook<side>(view.board, square)) both += trappedRook;
+    if (RelativeRank<side>(RankOf(square)) == 6) both += SeventhRankAmount<side>(view.board);
+    sums.score += {RookMobilityMg[count], RookMobilityEg[count]};
+    sums.score.AddBoth(both);
+    sums.unsafeSquares += PopCount(mobility & view.unsafe);
+    sums.AddCommon(view, square, mobility, reach);
   }
-  return term.template Finish<rook>(record);
+  return sums.Finish(record, PopCount(rooks));
 }
 
 // ------------------------------------------------------------------- queens
 
 template <int side>
-ScorePair QueensOf(EvalRecord& record) {
-  Bitboard queens = PiecesOf<side>(*record.board)[queen];
-  if (queens == 0) return {};
-  PieceTerm<side> term(record);
-  const Bitboard onDiagonals = queens | PiecesOf<side>(term.board)[bishop];
-  const Bitboard onLines = queens | PiecesOf<side>(term.board)[rook];
-  while (queens != 0) {
-    const int square = PopHighest(queens);
-    const Bitboard diagonals = BishopAttacks(term.board, square);
-    const Bitboard lines = RookAttacks(term.board, square);
-    const Bitboard reach = (DiagonalXRay(term.board, square, diagonals, onDiagonals) |
-                            LineXRay(term.board, square, lines, onLines)) &
-                           ~term.own;
-    const Bitboard mobility = (diagonals | lines) & ~term.own;
+ScorePair QueensOf(const PieceView<side>& view, EvalRecord& record) {
+  const Bitboard queens = PiecesOf<side>(view.board)[queen];
+  const Bitboard onDiagonals = queens | PiecesOf<side>(view.board)[bishop];
+  const Bitboard onLines = queens | PiecesOf<side>(view.board)[rook];
+  KindSums<side, queen> sums;
+  for (Bitboard left = queens; left != 0;) {
+    const int square = PopHighest(left);
+    const Bitboard diagonals = BishopAttacks(view.board, square);
+    const Bitboard lines = RookAttacks(view.board, square);
+    const Bitboard reach = (DiagonalXRay(view.board, square, diagonals, onDiagonals) |
+                            LineXRay(view.board, square, lines, onLines)) &
+                           ~view.own;
+    const Bitboard mobility = (diagonals | lines) & ~view.own;
     // A queen's mobility counts what stands open behind its own helpers too.
     const int count = PopCount(reach);
-    term.score += {QueenMobilityMg[count], QueenMobilityEg[count]};
-    term.score.AddBoth(QueenSquare.of[side][square]);
-    term.template AddCommon<queen>(square, mobility, reach);
+    sums.score += {QueenMobilityMg[count], QueenMobilityEg[count]};
+    sums.score.AddBoth(QueenSquare.of[side][square]);
+    sums.AddCommon(view, square, mobility, reach);
   }
-  return term.template Finish<queen>(record);
+  return sums.Finish(record, PopCount(queens));
+}
+
+template <int side>
+ScorePair PiecesOfSide(EvalRecord& record) {
+  const PieceView<side> view(record);
+  const Bitboard* own = PiecesOf<side>(view.board);
+  ScorePair* terms = record.terms[side ^ record.side];
+  terms[knightsTerm] = own[knight] != 0 ? KnightsOf<side>(view, record) : ScorePair{};
+  terms[bishopsTerm] = own[bishop] != 0 ? BishopsOf<side>(view, record) : ScorePair{};
+  terms[rooksTerm] = own[rook] != 0 ? RooksOf<side>(view, record) : ScorePair{};
+  terms[queensTerm] = own[queen] != 0 ? QueensOf<side>(view, record) : ScorePair{};
+  return terms[knightsTerm] + terms[bishopsTerm] + terms[rooksTerm] + terms[queensTerm];
 }
 
 }  // namespace
 
-ScorePair EvaluateKnights(EvalRecord& record, int side) {
-  return side == white ? KnightsOf<white>(record) : KnightsOf<black>(record);
-}
-
-ScorePair EvaluateBishops(EvalRecord& record, int side) {
-  return side == white ? BishopsOf<white>(record) : BishopsOf<black>(record);
-}
-
-ScorePair EvaluateRooks(EvalRecord& record, int side) {
-  return side == white ? RooksOf<white>(record) : RooksOf<black>(record);
-}
-
-ScorePair EvaluateQueens(EvalRecord& record, int side) {
-  return side == white ? QueensOf<white>(record) : QueensOf<black>(record);
+ScorePair EvaluatePieces(EvalRecord& record, int side) {
+  return side == white ? PiecesOfSide<white>(record) : PiecesOfSide<black>(record);
 }
 
 }  // namespace mirvo

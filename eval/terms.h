@@ -24,14 +24,12 @@ ScorePair EvaluateMaterial(EvalRecord& record, int side);
 ScorePair EvaluatePawns(EvalRecord& record, int side);
 
 // --------------------------------------------------------------- pieces.cpp
-// They need the pawn attack sets, the isolated pawns and the king zones of
-// both sides, and fill the side's attack set of their kind and the enemy
-// king's attack counters.
 
-ScorePair EvaluateKnights(EvalRecord& record, int side);
-ScorePair EvaluateBishops(EvalRecord& record, int side);
-ScorePair EvaluateRooks(EvalRecord& record, int side);
-ScorePair EvaluateQueens(EvalRecord& record, int side);
+/// Knights, bishops, rooks and queens. Needs the pawn attack sets, the isolated
+/// pawns and the king zones of both sides; fills the rows of the four kinds in
+/// `terms`, the side's attack sets of the four kinds and the enemy king's
+/// attack counters. Returns the sum of the rows.
+ScorePair EvaluatePieces(EvalRecord& record, int side);
 
 // ----------------------------------------------------------------- king.cpp
 

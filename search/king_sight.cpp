@@ -19,13 +19,12 @@ void AddScreens(const Board& board, const Bitboard* path, Bitboard set, Bitboard
 
 /// Pieces of either side that alone keep a slider of `attacker` from `square`.
 Bitboard Screens(const Board& board, int square, int attacker) {
-  constexpr int emptyLine = 0;
   const std::uint64_t* sliders = board.pieces + attacker * nKinds;
-  const Bitboard straight = RankAttacks[square][emptyLine] | FileAttacks[square][emptyLine];
-  const Bitboard diagonal = DiagA1H8Attacks[square][emptyLine] | DiagA8H1Attacks[square][emptyLine];
   Bitboard screens = 0;
-  AddScreens(board, RookPath[square], straight & (sliders[rook] | sliders[queen]), screens);
-  AddScreens(board, BishopPath[square], diagonal & (sliders[bishop] | sliders[queen]), screens);
+  AddScreens(board, RookPath[square], RookLines(square) & (sliders[rook] | sliders[queen]),
+             screens);
+  AddScreens(board, BishopPath[square], BishopLines(square) & (sliders[bishop] | sliders[queen]),
+             screens);
   return screens;
 }
 
