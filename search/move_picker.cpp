@@ -11,26 +11,9 @@ constexpr PickerStage stageList[] = {stageHashMove,    stageScoreCaptures, stage
                                      stageScoreQuiets, stageQuiets,        stageBadCaptures,
                                      stageEnd};
 
-// Score of an entry that was handed out; entries at or below it never win.
-constexpr std::int32_t consumedScore = EmptyScore;
+constexpr std::int32_t anyScore = -MoveKeys::maxScore;
 
 }  // namespace
-
-bool ScoredMoves::PickBest(Move& move, std::int32_t& score) {
-  std::int32_t best = consumedScore;
-  int bestIndex = -1;
-  for (int i = 0; i < count; ++i) {
-    if (scores[i] > best) {
-      best = scores[i];
-      bestIndex = i;
-    }
-  }
-  if (bestIndex < 0) return false;
-  scores[bestIndex] = consumedScore;
-  move = moves[bestIndex];
-  score = best;
-  return true;
-}
 
 MovePicker::MovePicker(Board& position, Move fromHash, int nodeDepth, int iterationDepth)
     : stage_(stageList),
@@ -38,11 +21,7 @@ MovePicker::MovePicker(Board& position, Move fromHash, int nodeDepth, int iterat
       hashMove_(fromHash),
       depth_(nodeDepth),
       iterationDepth_(iterationDepth),
-      generator_(position, position.sideToMove) {
-  goodCaptures_.count = 0;
-  badCaptures_.count = 0;
-  quiets_.count = 0;
-}
+      generator_(position, position.sideToMove) {}
 
 bool MovePicker::Next(Move& move, std::int32_t& score) {
   for (;; ++stage_) {
@@ -54,16 +33,16 @@ bool MovePicker::Next(Move& move, std::int32_t& score) {
         ScoreCaptures();
         break;
       case stageGoodCaptures:
-        if (goodCaptures_.PickBest(move, score)) return true;
+        if (TakeCapture(0, move, score)) return true;
         break;
       case stageScoreQuiets:
         ScoreQuiets();
         break;
       case stageQuiets:
-        if (quiets_.PickBest(move, score)) return true;
+        if (TakeQuiet(move, score)) return true;
         break;
       case stageBadCaptures:
-        if (badCaptures_.PickBest(move, score)) return true;
+        if (TakeCapture(anyScore, move, score)) return true;
         break;
       case stageEnd:
         return false;
@@ -114,9 +93,10 @@ void MovePicker::ScoreCaptures() {
   for (int i = 0; i < captureCount_; ++i) {
     const int victim = CaptureVictim(board_, generator_.moves[i]);
     const Move move = WithCaptured(generator_.moves[i], victim) | captureFlag;
-    const std::int32_t score = ScoreCapture(board_, move, victim);
-    (score < 0 ? badCaptures_ : goodCaptures_).Add(move, score);
+    generator_.moves[i] = move;
+    captureKeys_.Add(ScoreCapture(board_, move, victim));
   }
+  captureKeys_.Close();
 }
 
 void MovePicker::ScoreQuiets() {
@@ -134,8 +114,23 @@ void MovePicker::ScoreQuiets() {
     } else if (hasPvMove && SameMove(move, pvMove)) {
       score = previousPvScore;
     }
-    quiets_.Add(move, score);
+    quietKeys_.Add(score);
   }
+  quietKeys_.Close();
+}
+
+bool MovePicker::TakeCapture(std::int32_t floor, Move& move, std::int32_t& score) {
+  const int place = captureKeys_.TakeBest(floor, score);
+  if (place < 0) return false;
+  move = generator_.moves[place];
+  return true;
+}
+
+bool MovePicker::TakeQuiet(Move& move, std::int32_t& score) {
+  const int place = quietKeys_.TakeBest(anyScore, score);
+  if (place < 0) return false;
+  move = generator_.moves[captureCount_ + place];
+  return true;
 }
 
 }  // namespace mirvo

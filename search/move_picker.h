@@ -7,6 +7,7 @@
 #include "board/bb_move_generator.h"
 #include "board/board.h"
 #include "board/move.h"
+#include "search/move_keys.h"
 
 namespace mirvo {
 
@@ -25,21 +26,6 @@ enum PickerStage : std::uint8_t {
 inline constexpr std::int32_t hashMoveScore = 100000;
 inline constexpr std::int32_t killerScore = 10000;
 inline constexpr std::int32_t previousPvScore = 10250;
-
-/// A list of moves with scores; entries that were handed out are marked.
-struct ScoredMoves {
-  std::int32_t scores[moveListCapacity];
-  Move moves[moveListCapacity];
-  std::int32_t count;
-
-  void Add(Move move, std::int32_t score) {
-    if (count >= moveListCapacity) return;
-    moves[count] = move;
-    scores[count++] = score;
-  }
-  /// Hands out the entry with the greatest score, the earliest of equals.
-  bool PickBest(Move& move, std::int32_t& score);
-};
 
 /// One node's picker. Lives on the node's stack; nothing in it is allocated.
 class MovePicker {
@@ -61,6 +47,8 @@ class MovePicker {
   void GenerateQuietsOnce();
   void ScoreCaptures();
   void ScoreQuiets();
+  bool TakeCapture(std::int32_t floor, Move& move, std::int32_t& score);
+  bool TakeQuiet(Move& move, std::int32_t& score);
 
   const PickerStage* stage_;
   Board& board_;
@@ -71,9 +59,8 @@ class MovePicker {
   bool quietsGenerated_ = false;
   std::int32_t captureCount_ = 0;
   BBMoveGenerator2 generator_;
-  ScoredMoves goodCaptures_;
-  ScoredMoves badCaptures_;
-  ScoredMoves quiets_;
+  MoveKeys captureKeys_;  // of the generator's first captureCount_ moves
+  MoveKeys quietKeys_;    // of those behind them
 };
 
 }  // namespace mirvo

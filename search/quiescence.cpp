@@ -9,6 +9,7 @@
 #include "search/hash_table.h"
 #include "search/interruption.h"
 #include "search/king_sight.h"
+#include "search/move_keys.h"
 #include "search/move_order.h"
 #include "search/search_stats.h"
 #include "search/static_exchange.h"
@@ -17,29 +18,21 @@ namespace mirvo {
 namespace {
 
 constexpr std::int32_t deltaMargin = 100;
-constexpr std::int32_t consumedScore = EmptyScore;
 
 // Writes each capture's victim into its word and gives every move its score;
 // quiet moves, searched only in check, take their history.
-void ScoreMoves(const Board& board, BBMoveGenerator2& generator, std::int32_t* scores) {
+void ScoreMoves(const Board& board, BBMoveGenerator2& generator, MoveKeys& keys) {
   for (int i = 0; i < generator.count; ++i) {
     Move& move = generator.moves[i];
     if (!IsCapture(move)) {
-      scores[i] = HistoryTable[board.sideToMove][FromSquare(move)][ToSquare(move)];
+      keys.Add(HistoryTable[board.sideToMove][FromSquare(move)][ToSquare(move)]);
       continue;
     }
     const int victim = CaptureVictim(board, move);
     move = WithCaptured(move, victim);
-    scores[i] = ScoreCapture(board, move, victim);
+    keys.Add(ScoreCapture(board, move, victim));
   }
-}
-
-int SelectBest(const std::int32_t* scores, int count) {
-  int best = 0;
-  for (int i = 1; i < count; ++i) {
-    if (scores[i] > scores[best]) best = i;
-  }
-  return best;
+  keys.Close();
 }
 
 bool IsLegal(Board& board, Move move) {
@@ -73,17 +66,16 @@ std::int32_t Quiesce(SearchState& state, Board& board, std::int32_t alpha, std::
   generator.GenerateCaptures();
   if (inCheck) generator.GenerateNonCaptures();
   if (generator.count == 0) return best;
-  std::int32_t scores[moveListCapacity];
-  ScoreMoves(board, generator, scores);
+  MoveKeys keys;
+  ScoreMoves(board, generator, keys);
 
   // 3. Best first. A move that is left out is made only when its legality is
   // needed and cannot be told otherwise.
   const KingSight sight(board, inCheck);
   bool anyLegal = false;
   for (int pass = 0; pass < generator.count; ++pass) {
-    const int index = SelectBest(scores, generator.count);
-    const std::int32_t orderScore = scores[index];
-    scores[index] = consumedScore;
+    std::int32_t orderScore = 0;
+    const int index = keys.TakeBest(-MoveKeys::maxScore, orderScore);
     const Move move = generator.moves[index];
     const Foresight foresight = sight.Foresee(move);
     if (foresight == Foresight::illegal) continue;

@@ -1,0 +1,65 @@
+// Scores of a move list, laid out for finding the best one fast.
+#pragma once
+
+#include <cstdint>
+#include <limits>
+
+#include "board/bb_move_generator.h"
+
+namespace mirvo {
+
+/// One key a move: the score in the upper bits, below them how far the move is
+/// from the end of the list. So keys differ, the greatest one is the earliest
+/// of the moves with the greatest score, and it tells its own place.
+class MoveKeys {
+ public:
+  /// Scores lie within +-maxScore.
+  static constexpr std::int32_t maxScore = 1 << 22;
+
+  void Add(std::int32_t score) {
+    keys_[count_] = score * places + (places - 1 - count_);
+    ++count_;
+  }
+
+  /// To be called after the last Add: fills the last block.
+  void Close() {
+    for (int i = count_; i % block != 0; ++i) keys_[i] = taken;
+  }
+
+  /// Takes out the best move with a score of at least `floor`: its place in
+  /// the list and its score, or -1 when there is none.
+  int TakeBest(std::int32_t floor, std::int32_t& score) {
+    const std::int32_t best = Greatest();
+    if (best < floor * places) return -1;
+    const int place = places - 1 - (best & (places - 1));
+    keys_[place] = taken;
+    score = best >> placeBits;
+    return place;
+  }
+
+ private:
+  static constexpr int placeBits = 8;
+  static constexpr int places = 1 << placeBits;
+  static constexpr int block = 8;  // keys that the processor compares at a time
+  static constexpr std::int32_t taken = std::numeric_limits<std::int32_t>::min();
+  static_assert(moveListCapacity <= places);
+
+  std::int32_t Greatest() const {
+    std::int32_t best[block];
+    for (std::int32_t& lane : best) lane = taken;
+    for (int first = 0; first < count_; first += block) {
+      for (int lane = 0; lane < block; ++lane) {
+        const std::int32_t key = keys_[first + lane];
+        best[lane] = key > best[lane] ? key : best[lane];
+      }
+    }
+    std::int32_t greatest = best[0];
+    for (const std::int32_t lane : best) greatest = lane > greatest ? lane : greatest;
+    return greatest;
+  }
+
+  std::int32_t count_ = 0;
+  std::int32_t keys_[moveListCapacity + block];
+};
+
+}  // namespace mirvo
