@@ -42,6 +42,7 @@ std::int32_t EvaluateThreats(const EvalRecord& record, int side) {
   std::int32_t amount = 0;
   for (int victim = pawn; victim < king; ++victim) {
     const Bitboard hit = targets & enemy[victim];
+    if (hit == 0) continue;
     unsigned attackers = 0;
     for (int attacker = pawn; attacker < king; ++attacker) {
       attackers |= ((sets[attacker] & hit) != 0 ? 1U : 0U) << attacker;

@@ -14,35 +14,38 @@ namespace {
 constexpr int maxExchanges = nSquares + 1;
 
 // The exchange in progress: who still attacks the square, over an occupancy
-// from which the pieces that have captured are gone.
+// from which the pieces that have captured are gone, and the sliders on its
+// lines that something stands in front of.
 struct Exchange {
+  Exchange(const Board& position, int target);
+
   const Board& board;
   int square;
   OccupancyViews views;
   Bitboard attackers;
+  Bitboard hiddenOnDiagonals;
+  Bitboard hiddenOnLines;
 };
 
-Bitboard DiagonalSliders(const Board& board) {
-  return board.pieces[PieceIndex(white, bishop)] | board.pieces[PieceIndex(white, queen)] |
-         board.pieces[PieceIndex(black, bishop)] | board.pieces[PieceIndex(black, queen)];
-}
-
-Bitboard StraightSliders(const Board& board) {
-  return board.pieces[PieceIndex(white, rook)] | board.pieces[PieceIndex(white, queen)] |
-         board.pieces[PieceIndex(black, rook)] | board.pieces[PieceIndex(black, queen)];
-}
-
-Bitboard AllAttackers(const Board& board, int square) {
+Exchange::Exchange(const Board& position, int target)
+    : board(position), square(target), views(ViewsOf(position)) {
   const std::uint64_t* whites = board.pieces;
   const std::uint64_t* blacks = board.pieces + nKinds;
-  return (PawnAttacks[black][square] & whites[pawn]) | (PawnAttacks[white][square] & blacks[pawn]) |
-         (KnightAttacks[square] & (whites[knight] | blacks[knight])) |
-         (KingAttacks[square] & (whites[king] | blacks[king])) |
-         (BishopAttacks(board, square) & DiagonalSliders(board)) |
-         (RookAttacks(board, square) & StraightSliders(board));
+  const Bitboard queens = whites[queen] | blacks[queen];
+  const Bitboard onDiagonals = BishopLines(square) & (whites[bishop] | blacks[bishop] | queens);
+  const Bitboard onLines = RookLines(square) & (whites[rook] | blacks[rook] | queens);
+  const Bitboard diagonalAttackers =
+      onDiagonals != 0 ? BishopAttacks(board, square) & onDiagonals : 0;
+  const Bitboard lineAttackers = onLines != 0 ? RookAttacks(board, square) & onLines : 0;
+  hiddenOnDiagonals = onDiagonals ^ diagonalAttackers;
+  hiddenOnLines = onLines ^ lineAttackers;
+  attackers =
+      (PawnAttacks[black][square] & whites[pawn]) | (PawnAttacks[white][square] & blacks[pawn]) |
+      (KnightAttacks[square] & (whites[knight] | blacks[knight])) |
+      (KingAttacks[square] & (whites[king] | blacks[king])) | diagonalAttackers | lineAttackers;
 }
 
-// Takes a piece that captures off its square and adds the sliders behind it.
+// Takes a piece that captures off its square and adds the slider behind it.
 // Knights and kings uncover nothing that was not seen before.
 void TakeOff(Exchange& exchange, int square, int kind) {
   const RotatedBits& bits = RotatedBitsOf[static_cast<std::size_t>(square)];
@@ -50,13 +53,16 @@ void TakeOff(Exchange& exchange, int square, int kind) {
   exchange.views.rot90 &= ~bits.rot90;
   exchange.views.diagA1H8 &= ~bits.diagA1H8;
   exchange.views.diagA8H1 &= ~bits.diagA8H1;
-  if (kind == pawn || kind == bishop || kind == queen) {
-    exchange.attackers |=
-        BishopAttacks(exchange.views, exchange.square) & DiagonalSliders(exchange.board);
+  if (exchange.hiddenOnDiagonals != 0 && (kind == pawn || kind == bishop || kind == queen)) {
+    const Bitboard seen =
+        BishopAttacks(exchange.views, exchange.square) & exchange.hiddenOnDiagonals;
+    exchange.attackers |= seen;
+    exchange.hiddenOnDiagonals ^= seen;
   }
-  if (kind == rook || kind == queen) {
-    exchange.attackers |=
-        RookAttacks(exchange.views, exchange.square) & StraightSliders(exchange.board);
+  if (exchange.hiddenOnLines != 0 && (kind == rook || kind == queen)) {
+    const Bitboard seen = RookAttacks(exchange.views, exchange.square) & exchange.hiddenOnLines;
+    exchange.attackers |= seen;
+    exchange.hiddenOnLines ^= seen;
   }
   exchange.attackers &= exchange.views.occupied;
 }
@@ -64,14 +70,13 @@ void TakeOff(Exchange& exchange, int square, int kind) {
 // Kind of the side's least valuable attacker, or noPiece; its square is the
 // highest of its kind.
 int LeastAttacker(const Exchange& exchange, int side, int& square) {
+  const Bitboard attackers = exchange.attackers & exchange.board.sideOccupancy[side];
+  if (attackers == 0) return noPiece;
   const std::uint64_t* own = exchange.board.pieces + side * nKinds;
-  for (int kind = pawn; kind <= king; ++kind) {
-    const Bitboard candidates = own[kind] & exchange.attackers;
-    if (candidates == 0) continue;
-    square = HighestSquare(candidates);
-    return kind;
-  }
-  return noPiece;
+  int kind = pawn;
+  while ((own[kind] & attackers) == 0) ++kind;
+  square = HighestSquare(own[kind] & attackers);
+  return kind;
 }
 
 }  // namespace
@@ -82,7 +87,7 @@ int CaptureVictim(const Board& board, Move move) {
 }
 
 std::int32_t StaticExchange(const Board& board, Move move, int victim) {
-  Exchange exchange{board, ToSquare(move), ViewsOf(board), AllAttackers(board, ToSquare(move))};
+  Exchange exchange(board, ToSquare(move));
   std::int32_t gain[maxExchanges];
   gain[0] = exchangeValue[victim];
   int standing = MovingKind(move);
@@ -106,7 +111,8 @@ std::int32_t StaticExchange(const Board& board, Move move, int victim) {
 
 std::int32_t ScoreCapture(const Board& board, Move move, int victim) {
   const int attacker = MovingKind(move);
-  if (attacker > victim) {
+  // Nothing is lost where the first recapture wins no more than was taken.
+  if (exchangeValue[attacker] > exchangeValue[victim]) {
     const std::int32_t exchange = StaticExchange(board, move, victim);
     if (exchange < 0) return exchange;
   }

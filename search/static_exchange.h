@@ -22,8 +22,8 @@ int CaptureVictim(const Board& board, Move move);
 std::int32_t StaticExchange(const Board& board, Move move, int victim);
 
 /// Ordering score of a capture: the MVV/LVA score when the attacker is not
-/// worth more than the victim by kind or loses nothing by exchange, else the
-/// negative exchange value.
+/// worth more than the victim or loses nothing by exchange, else the negative
+/// exchange value.
 std::int32_t ScoreCapture(const Board& board, Move move, int victim);
 
 }  // namespace mirvo
