@@ -19,8 +19,15 @@ namespace {
 
 constexpr std::int32_t deltaMargin = 100;
 
-// Writes each capture's victim into its word and gives every move its score;
-// quiet moves, searched only in check, take their history.
+bool IsLegal(Board& board, Move move) {
+  MakeMove(board, move);
+  const bool legal = !MoverLeftInCheck(board);
+  UnmakeMove(board);
+  return legal;
+}
+
+// Gives every move its score; quiet moves, searched only in check, take their
+// history. Writes each capture's victim into its word.
 void ScoreMoves(const Board& board, BBMoveGenerator2& generator, MoveKeys& keys) {
   for (int i = 0; i < generator.count; ++i) {
     Move& move = generator.moves[i];
@@ -32,14 +39,43 @@ void ScoreMoves(const Board& board, BBMoveGenerator2& generator, MoveKeys& keys)
     move = WithCaptured(move, victim);
     keys.Add(ScoreCapture(board, move, victim));
   }
-  keys.Close();
 }
 
-bool IsLegal(Board& board, Move move) {
-  MakeMove(board, move);
-  const bool legal = !MoverLeftInCheck(board);
-  UnmakeMove(board);
-  return legal;
+// Enemy pieces that are worth `needed` or more.
+Bitboard PiecesWorth(const Board& board, std::int32_t needed) {
+  const std::uint64_t* enemy = board.pieces + (board.sideToMove ^ 1) * nKinds;
+  Bitboard set = 0;
+  for (int kind = pawn; kind < king; ++kind) {
+    if (exchangeValue[kind] >= needed) set |= enemy[kind];
+  }
+  return set;
+}
+
+// Drops the captures whose victim is worth less than `needed`, which is more
+// than a pawn: the search would leave them out anyway. Whether one of them is
+// legal still counts; `anyLegal` is set then.
+void DropHopeless(Board& board, const KingSight& sight, std::int32_t needed,
+                  BBMoveGenerator2& generator, bool& anyLegal) {
+  const Bitboard wanted = PiecesWorth(board, needed);
+  int nKept = 0;
+  for (int i = 0; i < generator.count; ++i) {
+    const Move move = generator.moves[i];
+    if ((wanted & Bit(ToSquare(move))) != 0) {
+      generator.moves[nKept++] = move;
+    } else if (!anyLegal) {
+      const Foresight foresight = sight.Foresee(move);
+      anyLegal = foresight == Foresight::legal ||
+                 (foresight == Foresight::unknown && IsLegal(board, move));
+    }
+  }
+  generator.count = nKept;
+}
+
+// Whether the side has a pawn one step from promotion. Promotions are never
+// left out.
+bool MayPromote(const Board& board, int side) {
+  constexpr Bitboard seventh[nSides] = {0x00FF000000000000ULL, 0x000000000000FF00ULL};
+  return (board.pieces[PieceIndex(side, pawn)] & seventh[side]) != 0;
 }
 
 }  // namespace
@@ -66,13 +102,20 @@ std::int32_t Quiesce(SearchState& state, Board& board, std::int32_t alpha, std::
   generator.GenerateCaptures();
   if (inCheck) generator.GenerateNonCaptures();
   if (generator.count == 0) return best;
+  const KingSight sight(board, inCheck);
+  const bool mayLeaveOut = !inCheck && !isPv;
+  bool anyLegal = false;
+  const std::int32_t needed = alpha - margin;
+  if (mayLeaveOut && needed > exchangeValue[pawn] && board.irregular == 0 &&
+      !MayPromote(board, side)) {
+    DropHopeless(board, sight, needed, generator, anyLegal);
+  }
   MoveKeys keys;
   ScoreMoves(board, generator, keys);
+  keys.Close();
 
   // 3. Best first. A move that is left out is made only when its legality is
   // needed and cannot be told otherwise.
-  const KingSight sight(board, inCheck);
-  bool anyLegal = false;
   for (int pass = 0; pass < generator.count; ++pass) {
     std::int32_t orderScore = 0;
     const int index = keys.TakeBest(-MoveKeys::maxScore, orderScore);
@@ -80,7 +123,7 @@ std::int32_t Quiesce(SearchState& state, Board& board, std::int32_t alpha, std::
     const Foresight foresight = sight.Foresee(move);
     if (foresight == Foresight::illegal) continue;
     const bool foreseen = foresight == Foresight::legal;
-    if (!inCheck && !isPv && !IsPromotion(move)) {
+    if (mayLeaveOut && !IsPromotion(move)) {
       const bool losing = orderScore < 0;  // so are all that are left
       if (losing || margin + exchangeValue[CapturedKind(move)] < alpha) {
         if (foreseen || (anyLegal && !losing) || IsLegal(board, move)) {
