@@ -27,9 +27,11 @@ for name in "${names[@]}"; do
     book_file) seeds=tests/book/corpus/books ;;
     *) seeds=tests/fuzz/corpus/$name ;;
   esac
-  # The engine uses the alarm signal itself under XBoard, so libFuzzer may not.
   options=(-max_total_time="$seconds" -max_len=1024 -rss_limit_mb=2048 -close_fd_mask=1
-    -print_final_stats=1 -handle_alrm=0 -artifact_prefix="$found/failed/")
+    -print_final_stats=1 -artifact_prefix="$found/failed/")
+  # When it comes to speak XBoard the engine takes the alarm signal, by which
+  # libFuzzer would notice an input that takes too long.
+  [ "$name" != process ] || options+=(-timeout=0)
   [ ! -e "fuzz/dictionaries/$name.dict" ] || options+=(-dict="fuzz/dictionaries/$name.dict")
   nice -n 15 "build/fuzz/fuzz/fuzz_$name" "${options[@]}" "$found/new" "$seeds" >"$found/log" 2>&1
   status=$?
