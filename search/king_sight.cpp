@@ -41,13 +41,18 @@ KingSight::KingSight(const Board& position, bool inCheck) : board_(position) {
   checks_[queen] = checks_[bishop] | checks_[rook];
   checks_[king] = 0;
   // Boards that only text input can set up get no answers.
-  if (position.irregular != 0 || position.pieces[PieceIndex(side, king)] != Bit(ownKing)) {
-    screens_ = ~Bitboard{0};
+  const std::uint64_t* own = position.pieces + side * nKinds;
+  const Bitboard attackers = (checks_[pawn] & own[pawn]) | (checks_[knight] & own[knight]) |
+                             (checks_[bishop] & own[bishop]) | (checks_[rook] & own[rook]) |
+                             (checks_[queen] & own[queen]) | (KingAttacks[enemyKing] & own[king]);
+  if (position.irregular != 0 || own[king] != Bit(ownKing) ||
+      position.pieces[PieceIndex(side ^ 1, king)] != Bit(enemyKing) || attackers != 0) {
+    unforeseen_ = ~Bitboard{0};
     return;
   }
   screens_ = Screens(position, ownKing, side ^ 1) | Screens(position, enemyKing, side);
   if (HasEnPassant(position)) {
-    enPassant_ = Bit(SquareAt(position.epRank & 7, position.epFile & 7));
+    unforeseen_ = Bit(SquareAt(position.epRank & 7, position.epFile & 7));
   }
   if (inCheck) FindEvasions(ownKing);
 }

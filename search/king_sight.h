@@ -19,11 +19,14 @@ class KingSight {
 
   /// What is known of `move`, which the generator offers here. Unknown are
   /// castling, en passant, promotions (the new piece may see through the square
-  /// that the pawn leaves) and moves of a piece that screens a king.
+  /// that the pawn leaves) and moves of a piece that screens a king. Of boards
+  /// without exactly one king a side, or where the side to move could take the
+  /// enemy king, everything is unknown.
   Foresight Foresee(Move move) const {
-    if (MovingKind(move) == king) return ForeseeKing(FromSquare(move), ToSquare(move));
     const Bitboard to = Bit(ToSquare(move));
-    if ((to & enPassant_) != 0 || IsPromotion(move)) return Foresight::unknown;
+    if ((to & unforeseen_) != 0) return Foresight::unknown;
+    if (MovingKind(move) == king) return ForeseeKing(FromSquare(move), ToSquare(move));
+    if (IsPromotion(move)) return Foresight::unknown;
     if ((to & targets_) == 0) return Foresight::illegal;
     return (screens_ & Bit(FromSquare(move))) != 0 ? Foresight::unknown : Foresight::legal;
   }
@@ -41,7 +44,7 @@ class KingSight {
   Bitboard checks_[nKinds];          // from where a piece of a kind attacks the enemy king
   Bitboard screens_;                 // alone between a slider and the other side's king
   Bitboard targets_ = ~Bitboard{0};  // where moves of other pieces than the king must end
-  Bitboard enPassant_ = 0;           // target of an en-passant capture
+  Bitboard unforeseen_ = 0;          // targets of moves that have to be made to be known
   Bitboard checkingSliders_ = 0;
 };
 

@@ -97,11 +97,29 @@ INSTANTIATE_TEST_SUITE_P(
         SightCase{"doubleCheck", "k3r3/8/8/8/8/5n2/7R/4K3 w -", "h2e2", Foresight::illegal, false}),
     [](const auto& instance) { return instance.param.name; });
 
-TEST(KingSight, KnowsNothingOfBoardsWithTwoOwnKings) {
-  Board board = test::BoardFrom("4k3/8/8/8/8/8/8/R2KK3 w -");
-  const KingSight sight(board, InCheck(board, board.sideToMove));
-  for (const Move move : test::AllMoves(board)) {
-    EXPECT_EQ(sight.Foresee(move), Foresight::unknown) << test::TextOf(move);
+// Without a king the square h8 stands for it; with two, the higher one.
+TEST(KingSight, KnowsNothingUnlessEachSideHasOneKing) {
+  for (const char* fen :
+       {"4k3/8/8/8/8/8/8/R2KK3 w -", "4k3/8/8/8/8/8/8/R2KK3 b -", "R6k/8/8/8/8/8/8/8 w -",
+        "R6k/8/8/8/8/8/8/8 b -", "8/8/8/8/8/8/8/8 w -", "7r/6P1/8/8/8/8/4K3/4R3 w -"}) {
+    Board board = test::BoardFrom(fen);
+    const KingSight sight(board, InCheck(board, board.sideToMove));
+    for (const Move move : test::AllMoves(board)) {
+      EXPECT_EQ(sight.Foresee(move), Foresight::unknown) << fen << ' ' << test::TextOf(move);
+    }
+  }
+}
+
+// Then any move may leave that king attacked.
+TEST(KingSight, KnowsNothingWhereTheEnemyKingCouldBeTaken) {
+  for (const char* fen :
+       {"4k3/8/8/8/8/8/8/K3R3 w -", "4k3/8/8/8/B7/8/8/K7 w -", "4k3/3P4/8/8/8/8/8/K7 w -",
+        "4k3/8/3N4/8/8/8/8/K7 w -", "4k3/8/8/4Q3/8/8/8/K7 w -", "8/8/3kK3/8/8/8/4r3/R7 b -"}) {
+    Board board = test::BoardFrom(fen);
+    const KingSight sight(board, InCheck(board, board.sideToMove));
+    for (const Move move : test::AllMoves(board)) {
+      EXPECT_EQ(sight.Foresee(move), Foresight::unknown) << fen << ' ' << test::TextOf(move);
+    }
   }
 }
 
