@@ -18,7 +18,7 @@ stages=("$@")
 # Compiler and test library; format check; scripts; instruction counter;
 # referees, peers and clients of the tests that play whole games.
 if ! need_packages g++ cmake ninja-build libgtest-dev libgmock-dev libbenchmark-dev \
-  clang-format python3 valgrind polyglot stockfish xboard fairymax xvfb xauth; then
+  clang-format cppcheck python3 valgrind polyglot stockfish xboard fairymax xvfb xauth; then
   echo "Some packages could not be installed; tests that need them are skipped." >&2
 fi
 # Debian keeps its games in a folder that root's PATH lacks.

@@ -21,6 +21,7 @@ class BBMoveGenerator2 final : public MoveGenerator {
  public:
   /// Generates for `mover` on `position`, which must outlive the generator.
   /// `mover` may be the side not to move.
+  // cppcheck-suppress uninitMemberVar ; only entries below `count` are ever read.
   BBMoveGenerator2(Board& position, int mover)
       : count(0), side(mover), opponent(mover ^ 1), board(&position), next(moves) {}
 

@@ -15,7 +15,10 @@ Bitboard BishopPath[nSquares][nSquares];
 
 namespace {
 
-int Sign(int value) { return (value > 0) - (value < 0); }
+int Sign(int value) {
+  if (value == 0) return 0;
+  return value > 0 ? 1 : -1;
+}
 
 // Squares from the first (excluded) to the second (included); the two lie on
 // one line.

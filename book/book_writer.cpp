@@ -49,7 +49,7 @@ void ApplyOrder(BookEntry* entries, std::vector<SortKey>& order) {
     const BookEntry first = entries[start];
     std::size_t place = start;
     for (;;) {
-      const std::size_t source = static_cast<std::size_t>(order[place].source);
+      const auto source = static_cast<std::size_t>(order[place].source);
       order[place].source = static_cast<std::int32_t>(place);
       if (source == start) break;
       entries[place] = entries[source];

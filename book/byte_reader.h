@@ -13,6 +13,7 @@ inline constexpr int endOfFile = -1;
 /// Borrows an open file; the opener closes it.
 class ByteReader {
  public:
+  // cppcheck-suppress uninitMemberVar ; only bytes below `size` are ever read.
   explicit ByteReader(std::FILE* source) : file(source) {}
   ByteReader(const ByteReader&) = delete;
   ByteReader& operator=(const ByteReader&) = delete;

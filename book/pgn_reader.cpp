@@ -63,7 +63,8 @@ struct GamePlayer {
     CopyText(text, sizeof(text), word);
     // A "$" begins an annotation number that was written without a blank.
     text[std::strcspn(text, "$")] = '\0';
-    for (std::size_t n = std::strlen(text); n > 0 && std::strchr("!?", text[n - 1]); --n) {
+    for (std::size_t n = std::strlen(text); n > 0 && std::strchr("!?", text[n - 1]) != nullptr;
+         --n) {
       text[n - 1] = '\0';
     }
     Move move = noMove;

@@ -23,7 +23,7 @@ void PrintEvalReport(EvalRecord& record, std::int32_t score, float phase) {
   for (int row = 0; row < nReportRows; ++row) {
     const ScorePair whites = record.terms[0][row];
     const ScorePair blacks = record.terms[1][row];
-    const float net = static_cast<float>(whites.eg - blacks.eg) * (1.0f - phase) +
+    const float net = static_cast<float>(whites.eg - blacks.eg) * (1.0F - phase) +
                       static_cast<float>(whites.mg - blacks.mg) * phase;
     // Black's numbers are negated as integers, so that nothing prints as -0.00.
     PrintToConsole("%10s:\t%4.2f\t|\t%4.2f\t%4.2f\t|\t%4.2f\t%4.2f\t|\n", rowNames[row],

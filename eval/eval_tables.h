@@ -30,7 +30,7 @@ inline constexpr std::int32_t knightPawnDivisor = 16;
 inline constexpr std::int32_t rookPawnDivisor = 8;
 
 /// 1 / 7800: non-pawn material of both sides that makes the phase 1.
-inline constexpr float phasePerCentipawn = 0.00012820512f;
+inline constexpr float phasePerCentipawn = 0.00012820512F;
 
 /// Below this non-pawn material of either side the end-game stage begins.
 inline constexpr std::int32_t endgameMaterial = 1101;
@@ -122,7 +122,7 @@ inline constexpr std::int32_t rookSeventhPawns = 10;
 inline constexpr int nKingDanger = 100;
 /// Centipawns by danger points. Built at start-up, read-only afterwards.
 extern std::int32_t KingDangerTable[nKingDanger];
-inline constexpr float kingDangerScale = 0.05f;
+inline constexpr float kingDangerScale = 0.05F;
 inline constexpr std::int32_t dangerPerZoneSquare = 3;
 
 inline constexpr std::int32_t shelterPawn = 5;

@@ -41,7 +41,7 @@ bool StoreScore(HashTable& table, HashEntry& slot, std::uint64_t key, std::int32
 
 std::int32_t Blend(ScorePair score, float phase) {
   const float blended =
-      (1.0f - phase) * static_cast<float>(score.eg) + phase * static_cast<float>(score.mg);
+      (1.0F - phase) * static_cast<float>(score.eg) + phase * static_cast<float>(score.mg);
   return static_cast<std::int32_t>(blended);
 }
 
@@ -169,7 +169,7 @@ std::int32_t Evaluate(EvalRecord& record, Board& board, int side) {
     return 0;
   }
 
-  float phase = 0.0f;
+  float phase = 0.0F;
   const ScorePair sum = SumTerms(record, phase);
   const std::int32_t score = Blend(sum, phase);
   StoreScore(EvalHashTable, slot, key, score);

@@ -14,7 +14,7 @@ std::int32_t KingDangerTable[nKingDanger];
 
 void BuildKingDangerTable() {
   for (int points = 0; points < nKingDanger; ++points) {
-    const float square = static_cast<float>(points * points);
+    const auto square = static_cast<float>(points * points);
     KingDangerTable[points] = static_cast<std::int32_t>(square * kingDangerScale);
   }
 }

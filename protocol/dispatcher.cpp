@@ -179,7 +179,7 @@ void PassIdleTurnAfterEnd() {
 }
 
 /// Takes the next line: the front end's own, then held ones, then new input.
-LineStatus TakeLine(ProtocolMode& mode, char* line) {
+LineStatus TakeLine(const ProtocolMode& mode, char* line) {
   HeldLines& held = pending.held;
   if (mode.mode == xboardProtocol && XBoardHasOwnLine()) {
     TakeXBoardOwnLine(line, lineCapacity);

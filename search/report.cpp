@@ -96,9 +96,8 @@ void ReportForUci(const SearchRecord& record, const PvLine& pv, std::int32_t sco
 void ReportForConsole(const SearchRecord& record, const PvLine& pv, std::int32_t score,
                       std::int32_t elapsed) {
   const bool blackToMove = record.gameBoard->sideToMove == black;
-  const std::int32_t nodes =
-      static_cast<std::int32_t>(static_cast<std::uint32_t>(searchStats.nNodes) +
-                                static_cast<std::uint32_t>(searchStats.nQSNodes));
+  const auto nodes = static_cast<std::int32_t>(static_cast<std::uint32_t>(searchStats.nNodes) +
+                                               static_cast<std::uint32_t>(searchStats.nQSNodes));
   const std::int32_t knps = Truncated(PerSecond(static_cast<float>(nodes), elapsed) * 0.001F);
   char timeText[moveTextCapacity];
   ElapsedText(static_cast<std::uint32_t>(elapsed), timeText);

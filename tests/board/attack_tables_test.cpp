@@ -92,7 +92,7 @@ TEST_F(AttackTables, RankAttacksOfA1ByHand) {
 TEST_F(AttackTables, ADiagonalOfOneSquareAttacksNothing) {
   const int h1 = test::Square("h1");
   EXPECT_EQ(DiagA1H8Mask[h1], 1);
-  EXPECT_EQ(DiagA1H8Attacks[h1][0], 0u);
+  EXPECT_EQ(DiagA1H8Attacks[h1][0], 0U);
 }
 
 TEST_F(AttackTables, ShiftsLengthsAndMasksOfLines) {
@@ -191,8 +191,8 @@ TEST_F(AttackTables, PawnAttacksFromEverySquare) {
   }
   EXPECT_EQ(test::NamesOf(PawnAttacks[white][test::Square("h2")]), "g3");
   EXPECT_EQ(test::NamesOf(PawnAttacks[black][test::Square("a7")]), "b6");
-  EXPECT_EQ(PawnAttacks[white][test::Square("e8")], 0u);
-  EXPECT_EQ(PawnAttacks[black][test::Square("e1")], 0u);
+  EXPECT_EQ(PawnAttacks[white][test::Square("e8")], 0U);
+  EXPECT_EQ(PawnAttacks[black][test::Square("e1")], 0U);
 }
 
 TEST_F(AttackTables, BuildersRunInAnyNumberOfRounds) {

@@ -39,7 +39,7 @@ TEST(SquareAttacked, EachKindAlone) {
 }
 
 TEST(SquareAttacked, AgreesWithTheMailboxOnRandomPositions) {
-  test::PlayRandomGames(31, 12, 60, [](Board& board) {
+  test::PlayRandomGames(31, 12, 60, [](const Board& board) {
     const test::Mailbox mailbox(test::PlacementOf(board));
     for (int square = 0; square < nSquares; ++square) {
       ASSERT_EQ(SquareAttacked(board, white, square), mailbox.Attacks('w', square % 8, square / 8));

@@ -114,13 +114,13 @@ TEST_F(BoardSetUp, ClearBoardEmptiesOnlyThePosition) {
   board.inCheckCache = 1;
   std::fill_n(&board.castling.hasCastled[0], 2, std::uint8_t{1});
   ClearBoard(board);
-  for (const std::uint64_t set : board.pieces) EXPECT_EQ(set, 0u);
-  EXPECT_EQ(board.occupied, 0u);
-  EXPECT_EQ(board.occupiedRot90, 0u);
-  EXPECT_EQ(board.occupiedDiagA1H8, 0u);
-  EXPECT_EQ(board.occupiedDiagA8H1, 0u);
-  EXPECT_EQ(board.sideOccupancy[white] | board.sideOccupancy[black], 0u);
-  EXPECT_EQ(board.sideOccupancyNoKing[white] | board.sideOccupancyNoKing[black], 0u);
+  for (const std::uint64_t set : board.pieces) EXPECT_EQ(set, 0U);
+  EXPECT_EQ(board.occupied, 0U);
+  EXPECT_EQ(board.occupiedRot90, 0U);
+  EXPECT_EQ(board.occupiedDiagA1H8, 0U);
+  EXPECT_EQ(board.occupiedDiagA8H1, 0U);
+  EXPECT_EQ(board.sideOccupancy[white] | board.sideOccupancy[black], 0U);
+  EXPECT_EQ(board.sideOccupancyNoKing[white] | board.sideOccupancyNoKing[black], 0U);
   for (int side = 0; side < nSides; ++side) {
     EXPECT_EQ(board.castling.hasCastled[side], 0);
     EXPECT_EQ(board.castling.kingMoved[side], 0);
@@ -140,7 +140,7 @@ TEST_F(BoardSetUp, ClearBoardEmptiesOnlyThePosition) {
   EXPECT_EQ(board.kingFile[white], 4);
   EXPECT_EQ(board.kingRank[black], 7);
   EXPECT_EQ(board.historyIndex, 17);
-  EXPECT_EQ(board.positionKey, 99u);
+  EXPECT_EQ(board.positionKey, 99U);
 }
 
 TEST_F(BoardSetUp, TheKingSquareIsThatOfTheHighestKing) {

@@ -137,16 +137,16 @@ TEST(SetupFromFen, LocatesKingsAndBuildsTheOccupancies) {
 
 // A word of `length` characters that ends in a rook; pawns drop off the end.
 TEST(SetupFromFen, PlacementWordsAreCutAt99Characters) {
-  for (const std::size_t length : {98u, 99u, 100u, 101u, 5000u}) {
+  for (const std::size_t length : {98U, 99U, 100U, 101U, 5000U}) {
     std::string word(length - 1, '0');
     word += 'R';
     const Board board = WithPlacement(word);
-    EXPECT_EQ(board.pieces[rook], length <= 99 ? Bit(56) : 0u) << length;
+    EXPECT_EQ(board.pieces[rook], length <= 99 ? Bit(56) : 0U) << length;
   }
 }
 
 TEST(SetupFromFen, CastlingWordsAreCutAt99Characters) {
-  for (const std::size_t length : {99u, 100u, 5000u}) {
+  for (const std::size_t length : {99U, 100U, 5000U}) {
     const std::string word = std::string(length - 1, '-') + "K";
     const Board board = Loaded(startPlacement, "w", word.c_str());
     EXPECT_EQ(Flags(board, white), length <= 99 ? "0010" : "1111") << length;
@@ -176,7 +176,7 @@ TEST(SetupFromFen, AnyBytesGiveABoardThatCanBeUsed) {
     BeginFromFen(placement.c_str(), random.Below(2) == 0 ? "w" : "b", "KQkq", *board);
     test::ExpectConsistent(*board);
     const std::vector<Move> moves = test::AllMoves(*board);
-    ASSERT_LE(moves.size(), 256u);
+    ASSERT_LE(moves.size(), 256U);
     board->inCheckCache = -1;
     const test::Snapshot before(*board);
     for (const Move move : moves) {

@@ -57,8 +57,8 @@ TEST_F(GeometryTables, FrontSpansReachTheBoardEdges) {
     EXPECT_EQ(FrontSpan(black, square), below);
   }
   EXPECT_EQ(test::NamesOf(FrontSpanWhite[test::Square("a6")]), "a7 b7 a8 b8");
-  EXPECT_EQ(FrontSpanWhite[test::Square("d8")], 0u);
-  EXPECT_EQ(FrontSpanBlack[test::Square("d1")], 0u);
+  EXPECT_EQ(FrontSpanWhite[test::Square("d8")], 0U);
+  EXPECT_EQ(FrontSpanBlack[test::Square("d1")], 0U);
 }
 
 // A square lies on the path from a to b when it is on their line, b itself or
@@ -88,8 +88,8 @@ TEST_F(GeometryTables, PathsLeaveOutTheStartAndKeepTheEnd) {
   }
   EXPECT_EQ(test::NamesOf(RookPath[0][3]), "b1 c1 d1");
   EXPECT_EQ(test::NamesOf(BishopPath[0][27]), "b2 c3 d4");
-  EXPECT_EQ(RookPath[0][9], 0u);
-  EXPECT_EQ(BishopPath[0][0], 0u);
+  EXPECT_EQ(RookPath[0][9], 0U);
+  EXPECT_EQ(BishopPath[0][0], 0U);
 }
 
 }  // namespace

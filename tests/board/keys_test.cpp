@@ -74,7 +74,7 @@ TEST(PieceKeys, FollowThePublishedOrder) {
 // A board with nothing on it: what the key holds beside the pieces.
 Board EmptyBoard() { return BoardFrom("8/8/8/8/8/8/8/8 b -"); }
 
-TEST(ComputeKey, OfAnEmptyBoardWithBlackToMoveIsZero) { EXPECT_EQ(ComputeKey(EmptyBoard()), 0u); }
+TEST(ComputeKey, OfAnEmptyBoardWithBlackToMoveIsZero) { EXPECT_EQ(ComputeKey(EmptyBoard()), 0U); }
 
 TEST(ComputeKey, HoldsTheSideKeyWhenWhiteMoves) {
   Board board = EmptyBoard();
@@ -103,7 +103,7 @@ TEST(ComputeKey, AMovedKingTakesBothRightsOut) {
   board.castling.kingMoved[white] = 1;
   EXPECT_EQ(ComputeKey(board), Random64[770] ^ Random64[771]);
   board.castling.kingMoved[black] = 1;
-  EXPECT_EQ(ComputeKey(board), 0u);
+  EXPECT_EQ(ComputeKey(board), 0U);
 }
 
 TEST(ComputeKey, HasCastledTakesNoPart) {
@@ -122,7 +122,7 @@ TEST(ComputeKey, HoldsTheFileOfTheEnPassantSquare) {
     EXPECT_EQ(ComputeKey(board), Random64[772 + file]);
   }
   board.epFile = 255;
-  EXPECT_EQ(ComputeKey(board), 0u);
+  EXPECT_EQ(ComputeKey(board), 0U);
 }
 
 // "KEY position" lines of a data file.

@@ -34,10 +34,9 @@ std::string NonCaptureTexts(const std::string& fen) {
 }
 
 bool Offers(Board& board, const std::string& text) {
-  for (const Move move : test::AllMoves(board)) {
-    if (test::TextOf(move) == text) return true;
-  }
-  return false;
+  const std::vector<Move> moves = test::AllMoves(board);
+  return std::any_of(moves.begin(), moves.end(),
+                     [&text](Move move) { return test::TextOf(move) == text; });
 }
 
 // Generation order.
@@ -320,8 +319,8 @@ TEST(EnPassant, IsNotOfferedToTheSideThatGetsTheMoveByANullMove) {
 
 TEST(OddPositions, The218MovesOfTheRichestPosition) {
   Board board = BoardFrom("R6R/3Q4/1Q4Q1/4Q3/2Q4Q/Q4Q2/pp1Q4/kBNN1KB1 w -");
-  EXPECT_EQ(test::AllMoves(board).size(), 218u);
-  EXPECT_EQ(test::LegalMoves(board).size(), 218u);
+  EXPECT_EQ(test::AllMoves(board).size(), 218U);
+  EXPECT_EQ(test::LegalMoves(board).size(), 218U);
 }
 
 TEST(OddPositions, MovesPastTheCapacityAreDropped) {
@@ -334,10 +333,10 @@ TEST(OddPositions, MovesPastTheCapacityAreDropped) {
   }
   ASSERT_GT(nMoves, 256);
   const std::vector<Move> moves = test::AllMoves(board);
-  EXPECT_EQ(moves.size(), 256u);
-  EXPECT_EQ(std::set<Move>(moves.begin(), moves.end()).size(), 256u);
+  EXPECT_EQ(moves.size(), 256U);
+  EXPECT_EQ(std::set<Move>(moves.begin(), moves.end()).size(), 256U);
   for (const Move move : moves) {
-    EXPECT_NE(QueenAttacks(board, FromSquare(move)) & Bit(ToSquare(move)), 0u);
+    EXPECT_NE(QueenAttacks(board, FromSquare(move)) & Bit(ToSquare(move)), 0U);
   }
 }
 
@@ -346,7 +345,7 @@ TEST(OddPositions, CapturesFillingTheListLeaveNoRoom) {
   Board board =
       BoardFrom("Q1n1Q1n1/1Q1n1Q1n/n1Q1n1Q1/1n1Q1n1Q/Q1n1Q1n1/1Q1n1Q1n/n1Q1n1Q1/1n1Q1n1Q w -");
   const std::vector<Move> moves = test::AllMoves(board);
-  EXPECT_LE(moves.size(), 256u);
+  EXPECT_LE(moves.size(), 256U);
   BBMoveGenerator2 generator(board, white);
   for (int round = 0; round < 6; ++round) generator.GenerateAll();
   EXPECT_EQ(generator.count, 256);

@@ -26,7 +26,7 @@ TEST(Coding, LettersFollowSideAndKind) {
 TEST(MoveWord, PacksItsFieldsIntoTheirBits) {
   // e7 is 52, f8 is 61.
   const Move move = BuildMove(52, 61, black, queen);
-  EXPECT_EQ(move, 52u | 61u << 6 | 1u << 12 | 4u << 15);
+  EXPECT_EQ(move, 52U | 61U << 6 | 1U << 12 | 4U << 15);
   EXPECT_EQ(FromSquare(move), 52);
   EXPECT_EQ(ToSquare(move), 61);
   EXPECT_EQ(MoveColour(move), black);
@@ -36,19 +36,19 @@ TEST(MoveWord, PacksItsFieldsIntoTheirBits) {
 }
 
 TEST(MoveWord, FlagsAndMarksHaveTheirOwnBits) {
-  EXPECT_EQ(sanFileMark, 1u << 13);
-  EXPECT_EQ(mateMark, 1u << 27);
-  EXPECT_EQ(checkMark, 1u << 28);
-  EXPECT_EQ(promotionFlag, 1u << 30);
-  EXPECT_EQ(captureFlag, 1u << 31);
-  EXPECT_EQ(sameMoveMask, 0x39FFFu);
+  EXPECT_EQ(sanFileMark, 1U << 13);
+  EXPECT_EQ(mateMark, 1U << 27);
+  EXPECT_EQ(checkMark, 1U << 28);
+  EXPECT_EQ(promotionFlag, 1U << 30);
+  EXPECT_EQ(captureFlag, 1U << 31);
+  EXPECT_EQ(sameMoveMask, 0x39FFFU);
 }
 
 TEST(MoveWord, PromotionsCarryFlagAndKind) {
-  EXPECT_EQ(PromotionBits(queen), 0x40800000u);
-  EXPECT_EQ(PromotionBits(rook), 0x40600000u);
-  EXPECT_EQ(PromotionBits(bishop), 0x40400000u);
-  EXPECT_EQ(PromotionBits(knight), 0x40200000u);
+  EXPECT_EQ(PromotionBits(queen), 0x40800000U);
+  EXPECT_EQ(PromotionBits(rook), 0x40600000U);
+  EXPECT_EQ(PromotionBits(bishop), 0x40400000U);
+  EXPECT_EQ(PromotionBits(knight), 0x40200000U);
   EXPECT_EQ(PromotionKind(PromotionBits(rook)), rook);
   EXPECT_TRUE(IsPromotion(PromotionBits(rook)));
 }

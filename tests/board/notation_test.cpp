@@ -87,9 +87,9 @@ TEST(MoveFromCoordinates, ReadsPromotionLettersOfEitherCase) {
   const struct {
     char letter;
     Move bits;
-  } cases[] = {{'q', 0x40800000u}, {'r', 0x40600000u}, {'b', 0x40400000u}, {'n', 0x40200000u},
-               {'Q', 0x40800000u}, {'R', 0x40600000u}, {'B', 0x40400000u}, {'N', 0x40200000u},
-               {'k', 0u},          {'+', 0u},          {' ', 0u},          {'p', 0u}};
+  } cases[] = {{'q', 0x40800000U}, {'r', 0x40600000U}, {'b', 0x40400000U}, {'n', 0x40200000U},
+               {'Q', 0x40800000U}, {'R', 0x40600000U}, {'B', 0x40400000U}, {'N', 0x40200000U},
+               {'k', 0U},          {'+', 0U},          {' ', 0U},          {'p', 0U}};
   for (const auto& c : cases) {
     const std::string text = std::string("e7e8") + c.letter;
     EXPECT_EQ(MoveFromCoordinates(text.c_str(), board, white), plain | c.bits) << text;
@@ -127,7 +127,7 @@ TEST(ElapsedText, ShowsMinutesAndUnpaddedSeconds) {
     std::uint32_t milliseconds;
     const char* text;
   } cases[] = {{0, "0:0"},     {999, "0:0"},    {1000, "0:1"},     {59999, "0:59"},
-               {60000, "1:0"}, {125000, "2:5"}, {3600000, "60:0"}, {4294967295u, "71582:47"}};
+               {60000, "1:0"}, {125000, "2:5"}, {3600000, "60:0"}, {4294967295U, "71582:47"}};
   for (const auto& c : cases) {
     char text[moveTextCapacity];
     ElapsedText(c.milliseconds, text);

@@ -67,7 +67,7 @@ TEST(OccupancyMaps, EveryViewKeepsSquaresApart) {
     EXPECT_EQ(RotatedBitsOf[square].diagA1H8, Bitboard{1} << DiagA1H8Map[square]);
     EXPECT_EQ(RotatedBitsOf[square].diagA8H1, Bitboard{1} << DiagA8H1Map[square]);
   }
-  for (const auto& indices : seen) EXPECT_EQ(indices.size(), 64u);
+  for (const auto& indices : seen) EXPECT_EQ(indices.size(), 64U);
 }
 
 TEST(OccupancyMaps, FileMasksAndTheirSpans) {

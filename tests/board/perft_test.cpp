@@ -34,25 +34,25 @@ TEST(RunPerft, PrintsTimeSpeedAndSplits) {
 
 TEST(RunPerft, CountsEveryDepthUpToTheTarget) {
   RunAndCapture(startFen, 3);
-  EXPECT_EQ(PerftCountAtDepth(1), 20u);
-  EXPECT_EQ(PerftCountAtDepth(2), 400u);
-  EXPECT_EQ(PerftCountAtDepth(3), 8902u);
-  EXPECT_EQ(PerftCountAtDepth(4), 0u);
+  EXPECT_EQ(PerftCountAtDepth(1), 20U);
+  EXPECT_EQ(PerftCountAtDepth(2), 400U);
+  EXPECT_EQ(PerftCountAtDepth(3), 8902U);
+  EXPECT_EQ(PerftCountAtDepth(4), 0U);
 }
 
 TEST(RunPerft, StartsFromZeroEachTime) {
   RunAndCapture(startFen, 3);
   RunAndCapture(startFen, 2);
-  EXPECT_EQ(PerftCountAtDepth(1), 20u);
-  EXPECT_EQ(PerftCountAtDepth(2), 400u);
-  EXPECT_EQ(PerftCountAtDepth(3), 0u);
+  EXPECT_EQ(PerftCountAtDepth(1), 20U);
+  EXPECT_EQ(PerftCountAtDepth(2), 400U);
+  EXPECT_EQ(PerftCountAtDepth(3), 0U);
 }
 
 TEST(RunPerft, DepthZeroCountsNothing) {
   for (const int depth : {0, -1, -1000}) {
     const std::string text = RunAndCapture(startFen, depth);
     EXPECT_NE(text.find("kNodes/sec = 0.00\nSplits = 0\n"), std::string::npos) << text;
-    EXPECT_EQ(PerftCountAtDepth(1), 0u);
+    EXPECT_EQ(PerftCountAtDepth(1), 0U);
   }
 }
 
@@ -67,12 +67,12 @@ TEST(RunPerft, DepthsBeyondTheCountersAreCutAtTen) {
 TEST(RunPerft, APositionWithoutMovesShowsTheHelpersCounts) {
   // Stalemate.
   RunAndCapture("k7/2Q5/1K6/8/8/8/8/8 b -", 2);
-  EXPECT_EQ(PerftCountAtDepth(1), 0u);
+  EXPECT_EQ(PerftCountAtDepth(1), 0U);
   PerftSplitCounts[0][0] = 5;
   PerftSplitCounts[1][0] = 7;
-  EXPECT_EQ(PerftCountAtDepth(1), 12u);
+  EXPECT_EQ(PerftCountAtDepth(1), 12U);
   RunAndCapture("k7/2Q5/1K6/8/8/8/8/8 b -", 2);
-  EXPECT_EQ(PerftCountAtDepth(1), 0u);
+  EXPECT_EQ(PerftCountAtDepth(1), 0U);
 }
 
 TEST(RunPerft, CountsEveryMoveMadeLegalOrNot) {
@@ -94,7 +94,7 @@ TEST(RunPerft, WorksAtTheEndOfALongGame) {
   CaptureStdout();
   RunPerft(*board, 3);
   GetCapturedStdout();
-  EXPECT_EQ(PerftCountAtDepth(3), 8902u);
+  EXPECT_EQ(PerftCountAtDepth(3), 8902U);
 }
 
 }  // namespace

@@ -20,7 +20,8 @@ constexpr int nGames = 48;
 constexpr int maxPlies = 120;
 
 TEST(RandomGames, DerivedFieldsAndKeyFollowThePieces) {
-  test::PlayRandomGames(1, nGames, maxPlies, [](Board& board) { test::ExpectConsistent(board); });
+  test::PlayRandomGames(1, nGames, maxPlies,
+                        [](const Board& board) { test::ExpectConsistent(board); });
 }
 
 TEST(RandomGames, UnmakingRestoresEveryByte) {

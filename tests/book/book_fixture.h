@@ -77,7 +77,7 @@ class ScratchDirectory {
 
   /// Writes a file of exactly these bytes and returns its path.
   std::string Write(const char* name, const std::string& bytes) const {
-    const std::string path = Path(name);
+    std::string path = Path(name);
     std::ofstream(path, std::ios::binary) << bytes;
     return path;
   }

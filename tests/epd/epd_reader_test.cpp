@@ -37,11 +37,7 @@ std::string Points(const SuitePosition& position) {
 /// A file of its own for one test, removed at its end.
 class TemporaryFile {
  public:
-  explicit TemporaryFile(const std::string& content) {
-    static int number = 0;
-    path_ = std::filesystem::temp_directory_path() /
-            ("mirvo_epd_" + std::to_string(std::random_device{}()) + "_" +
-             std::to_string(number++) + ".epd");
+  explicit TemporaryFile(const std::string& content) : path_(FreshPath()) {
     std::ofstream(path_, std::ios::binary) << content;
   }
   ~TemporaryFile() { std::filesystem::remove(path_); }
@@ -50,6 +46,13 @@ class TemporaryFile {
   std::string Name() const { return path_.string(); }
 
  private:
+  static std::filesystem::path FreshPath() {
+    static int number = 0;
+    return std::filesystem::temp_directory_path() /
+           ("mirvo_epd_" + std::to_string(std::random_device{}()) + "_" + std::to_string(number++) +
+            ".epd");
+  }
+
   std::filesystem::path path_;
 };
 

@@ -81,9 +81,9 @@ bool HasLegalMove(Board& board, int kind, int to) {
 /// quiet search to depth 3.
 class RunSuiteTest : public testing::Test {
  protected:
-  RunSuiteTest() {
-    folder_ = std::filesystem::temp_directory_path() /
-              ("mirvo_runner_" + std::to_string(std::random_device{}()));
+  RunSuiteTest()
+      : folder_(std::filesystem::temp_directory_path() /
+                ("mirvo_runner_" + std::to_string(std::random_device{}()))) {
     std::filesystem::create_directory(folder_);
     engineConfig.EvalHashSize = engineConfig.PawnHashSize = engineConfig.TTHashSize = 1;
     engineConfig.InfiniteThinkingTime = 1;

@@ -30,7 +30,7 @@ TEST_F(EvalReport, RowsAreInPawnsWithBlackNegated) {
   record.terms[0][develTerm] = {-15, 0};
   record.terms[1][kingsTerm] = {-7, 8};
   // Material: 0.75 x 800 + 0.25 x 600.
-  EXPECT_EQ(Report(123, 0.25f),
+  EXPECT_EQ(Report(123, 0.25F),
             "  material:\t7.50\t|\t10.00\t11.00\t|\t-4.00\t-3.00\t|\n"
             "     pawns:\t0.00\t|\t0.00\t0.00\t|\t0.00\t0.00\t|\n"
             "   knights:\t0.00\t|\t0.00\t0.00\t|\t0.00\t0.00\t|\n"
@@ -46,7 +46,7 @@ TEST_F(EvalReport, BlacksRowsAreSwappedButTheTotalIsNot) {
   record.side = black;
   record.terms[0][pawnsTerm] = {10, 20};
   record.terms[1][pawnsTerm] = {30, 40};
-  const std::string report = Report(-250, 0.0f);
+  const std::string report = Report(-250, 0.0F);
   EXPECT_NE(report.find("     pawns:\t0.20\t|\t0.30\t0.40\t|\t-0.10\t-0.20\t|\n"),
             std::string::npos);
   EXPECT_NE(report.find("Total:\t-2.50\n\n"), std::string::npos);

@@ -36,8 +36,8 @@ class Evaluation : public EvalTest {
   std::int32_t BlendOf(ScorePair sum) const {
     const float phase =
         static_cast<float>(record.nonPawnMaterial[white] + record.nonPawnMaterial[black]) *
-        0.00012820512f;
-    return static_cast<std::int32_t>((1.0f - phase) * static_cast<float>(sum.eg) +
+        0.00012820512F;
+    return static_cast<std::int32_t>((1.0F - phase) * static_cast<float>(sum.eg) +
                                      phase * static_cast<float>(sum.mg));
   }
 

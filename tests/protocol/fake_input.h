@@ -35,6 +35,7 @@ inline std::uint32_t FakeWaiting() {
 inline int FakeRead(char* buffer, std::size_t size, bool wait) {
   ++fakeInput.nReads;
   const std::size_t nBytes = std::min({size, fakeInput.maxRead, fakeInput.bytes.size()});
+  // Bytes, not a text. NOLINTNEXTLINE(bugprone-not-null-terminated-result)
   std::memcpy(buffer, fakeInput.bytes.data(), nBytes);
   fakeInput.bytes.erase(0, nBytes);
   if (nBytes > 0) return static_cast<int>(nBytes);

@@ -66,7 +66,7 @@ class GameFiles : public XBoardTest {
 
 TEST_F(GameFiles, NothingIsSavedWithoutLoggingMode) {
   PlayOneGame("result 1-0\n");
-  EXPECT_EQ(FileCount(), 0u);
+  EXPECT_EQ(FileCount(), 0U);
 }
 
 TEST_F(GameFiles, AFinishedGameIsTheTagSectionAndBlankLines) {
@@ -102,10 +102,10 @@ TEST_F(GameFiles, EveryGameTakesTheFirstFreeName) {
 TEST_F(GameFiles, AResultOutsideAGameSavesNothing) {
   engineConfig.LoggingMode = 1;
   Play({"new\n", "force\n", "e2e4\n", "result 1-0\n"});
-  EXPECT_EQ(FileCount(), 0u);
+  EXPECT_EQ(FileCount(), 0U);
   PlayOneGame("result 1-0\n");
   Play({"result 1-0\n"});
-  EXPECT_EQ(FileCount(), 1u);
+  EXPECT_EQ(FileCount(), 1U);
 }
 
 TEST_F(GameFiles, ANameInUseForADirectoryIsNotFree) {
@@ -129,7 +129,7 @@ TEST_F(GameFiles, AFileThatCannotBeWrittenIsSkipped) {
   // when its folder is missing.
   if (!Link("missing/folder", "game000000.pgn")) GTEST_SKIP() << "no links here";
   PlayOneGame("result 1-0\n");
-  EXPECT_EQ(FileCount(), 1u);
+  EXPECT_EQ(FileCount(), 1U);
   EXPECT_EQ(xboardGame.record.file, nullptr);
 }
 

@@ -190,7 +190,7 @@ TEST_F(XBoardPondering, ForceAbandonsAtOnce) {
   EXPECT_EQ(Position(), afterE4E5);
   EXPECT_EQ(xboardGame.force, 1);
   EXPECT_EQ(xboardPonder.ponderMiss, 0);
-  EXPECT_EQ(ponderStats.misses, 0u);
+  EXPECT_EQ(ponderStats.misses, 0U);
   EXPECT_FALSE(XBoardHasOwnLine());
 }
 
@@ -240,7 +240,7 @@ TEST_F(XBoardPondering, NewAbandonsAndRunsAfterTheUnwinding) {
   EXPECT_EQ(Position(), "rnbqkbnr/pppppppp/8/8/8/5N2/PPPPPPPP/RNBQKB1R b KQkq -\n");
   EXPECT_EQ(xboardGame.force, 1);
   EXPECT_TRUE(script.empty());
-  EXPECT_EQ(searchKinds.size(), 2u);
+  EXPECT_EQ(searchKinds.size(), 2U);
 }
 
 TEST_F(XBoardPondering, SetboardAbandonsAndRunsAfterTheUnwinding) {
@@ -248,7 +248,7 @@ TEST_F(XBoardPondering, SetboardAbandonsAndRunsAfterTheUnwinding) {
   const std::string printed = Play({"new\n", "e2e4\n"});
   EXPECT_EQ(Position(), "4k3/8/8/8/8/8/8/4K3 b - -\n");
   EXPECT_EQ(Count(printed, "PONDER"), 1);
-  EXPECT_EQ(searchKinds.size(), 2u);
+  EXPECT_EQ(searchKinds.size(), 2U);
 }
 
 TEST_F(XBoardPondering, OtherLinesActAtOnceAndPonderingGoesOn) {
@@ -271,7 +271,7 @@ TEST_F(XBoardPondering, EndOfInputAbandonsSilently) {
   EXPECT_EQ(searchFlags.StopSearch, 1);
   EXPECT_EQ(searchFlags.pondering, 0);
   EXPECT_EQ(xboardPonder.ponderMiss, 1);
-  EXPECT_EQ(ponderStats.misses, 0u);
+  EXPECT_EQ(ponderStats.misses, 0U);
 }
 
 TEST_F(XBoardPondering, EndOfInputLeavesATimedSearchAlone) {
@@ -286,14 +286,14 @@ TEST_F(XBoardPondering, ForceAfterAMissRecordsTheHeldMoveOnly) {
   script = {FirstAnswer(), {{"f1c4\n", "force\n"}, "b8c6"}};
   Play({"new\n", "e2e4\n"});
   EXPECT_EQ(Position(), "rnbqkbnr/pppp1ppp/8/4p3/2B1P3/8/PPPP1PPP/RNBQK1NR b KQkq -\n");
-  EXPECT_EQ(searchKinds.size(), 2u);
+  EXPECT_EQ(searchKinds.size(), 2U);
 }
 
 TEST_F(XBoardPondering, ResultAfterAMissStartsNothingAgain) {
   script = {FirstAnswer(), {{"f1c4\n", "result 1-0 {White mates}\n"}, "b8c6"}};
   Play({"new\n", "e2e4\n"});
   EXPECT_EQ(Position(), "rnbqkbnr/pppp1ppp/8/4p3/2B1P3/8/PPPP1PPP/RNBQK1NR b KQkq -\n");
-  EXPECT_EQ(searchKinds.size(), 2u);
+  EXPECT_EQ(searchKinds.size(), 2U);
   EXPECT_EQ(xboardGame.gameInProgress, 0);
   EXPECT_EQ(xboardPonder.replyUnwanted, 0);
 }
@@ -302,7 +302,7 @@ TEST_F(XBoardPondering, NewAfterAMissForgetsTheHeldMove) {
   script = {FirstAnswer(), {{"f1c4\n", "new\n"}, "b8c6"}};
   Play({"new\n", "e2e4\n"});
   EXPECT_EQ(Position(), "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq -\n");
-  EXPECT_EQ(searchKinds.size(), 2u);
+  EXPECT_EQ(searchKinds.size(), 2U);
 }
 
 // When the engine does not ponder.

@@ -129,7 +129,7 @@ TEST_F(XBoardCommands, WhiteAndBlackSetTheEngineColour) {
 TEST_F(XBoardCommands, TextsAreCutAt127AndLoseTheirLineEnds) {
   Play({"ics freechess.org\r\n"});
   EXPECT_STREQ(xboardGame.tags.site, "freechess.org");
-  for (const std::size_t length : {126u, 127u, 128u, 4000u}) {
+  for (const std::size_t length : {126U, 127U, 128U, 4000U}) {
     Play({"ics " + std::string(length, 'x') + "\n", "name " + std::string(length, 'y') + "\n"});
     EXPECT_EQ(std::strlen(xboardGame.tags.site), length < 127 ? length : 127);
     EXPECT_EQ(std::strlen(xboardGame.opponentName), length < 127 ? length : 127);
@@ -258,8 +258,8 @@ TEST_F(XBoardCommands, NewStartsAgainButKeepsTheOpponentsName) {
   EXPECT_EQ(HistoryTable[white][12][28], 0);
   EXPECT_EQ(gameCounters.reversibleMoves, 0);
   EXPECT_EQ(gameCounters.hundredReached, 0);
-  EXPECT_EQ(ponderStats.hits, 0u);
-  EXPECT_EQ(ponderStats.misses, 0u);
+  EXPECT_EQ(ponderStats.hits, 0U);
+  EXPECT_EQ(ponderStats.misses, 0U);
   EXPECT_EQ(searchFlags.StopSearch, 0);
   EXPECT_EQ(searchFlags.pondering, 0);
 }
@@ -331,8 +331,8 @@ TEST_F(XBoardCommands, TheMateMarkIsKeptAndNotPlayed) {
   script = {{{}, "e7e5", "g1f3", mateMark}};
   Play({"new\n", "e2e4\n"});
   EXPECT_EQ(xboardGame.LastMoveFlagged, 1);
-  EXPECT_EQ(gameBoard.undoStack[1].move & mateMark, 0u);
-  EXPECT_EQ(searchKinds.size(), 1u);
+  EXPECT_EQ(gameBoard.undoStack[1].move & mateMark, 0U);
+  EXPECT_EQ(searchKinds.size(), 1U);
 }
 
 TEST_F(XBoardCommands, AnIllegalMoveIsMade) {

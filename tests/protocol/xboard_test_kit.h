@@ -96,7 +96,7 @@ class XBoardTest : public ::testing::Test {
   static SearchResult RunScript(SearchRecord& record) { return current->NextSearch(record); }
 
   SearchResult NextSearch(SearchRecord& record) {
-    searchKinds.push_back(engineConfig.InfiniteThinkingTime != 0 ? "ponder" : "timed");
+    searchKinds.emplace_back(engineConfig.InfiniteThinkingTime != 0 ? "ponder" : "timed");
     EXPECT_EQ(searchFlags.StopSearch, 0) << "a stop was left over";
     if (script.empty()) return {noMove, noMove};
     const ScriptedSearch search = script.front();

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include "board/attacks.h"
 #include "board/keys.h"
+#include "board/notation.h"
 #include "search/hash_table.h"
 #include "search/move_order.h"
 #include "search/quiescence.h"
@@ -118,9 +120,13 @@ TEST_F(MainSearch, TheLineBeginsWithTheBestMoveAndIsPlayable) {
   const HashEntry& slot = HashSlot(TranspositionTable, board.positionKey);
   EXPECT_TRUE(SameMove(pv.moves[0], slot.move));
   EXPECT_EQ(slot.bound, exactBound);
-  std::string moves;
   Board line;
   test::SetPosition(line, middleGame);
+  for (int i = 0; i < pv.length; ++i) {
+    const std::string text = test::MoveText(pv.moves[i]);
+    EXPECT_NE(PlayCoordinateMove(text.c_str(), line, line.sideToMove), noMove) << text;
+    EXPECT_FALSE(MoverLeftInCheck(line)) << text;
+  }
 }
 
 TEST_F(MainSearch, APvIsBoundedAtItsCapacity) {

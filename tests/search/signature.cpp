@@ -23,7 +23,10 @@ Signature ReadSignature(const std::string& fileName) {
       words >> signature.total;
       continue;
     }
-    std::string bar, placement, side, castling;
+    std::string bar;
+    std::string placement;
+    std::string side;
+    std::string castling;
     words >> bar >> placement >> side >> castling >> bar >> position.nodes;
     position.fen = placement + " " + side + " " + castling;
     signature.positions.push_back(position);

@@ -19,7 +19,7 @@ class ClockTest : public testing::Test {
 
 TEST_F(ClockTest, ReadsTheSourceItWasGiven) {
   fakeTicks = 4711;
-  EXPECT_EQ(TickCount(), 4711u);
+  EXPECT_EQ(TickCount(), 4711U);
 }
 
 TEST_F(ClockTest, CountsFromAStart) {
@@ -31,7 +31,7 @@ TEST_F(ClockTest, CountsFromAStart) {
 TEST_F(ClockTest, CountsAcrossTheWrap) {
   // The 32-bit count starts again after about 49 days.
   fakeTicks = 99;
-  EXPECT_EQ(ElapsedSince(0xFFFFFF9Cu), 199);
+  EXPECT_EQ(ElapsedSince(0xFFFFFF9CU), 199);
 }
 
 TEST_F(ClockTest, GivesANegativeTimeWhenTheClockWentBack) {

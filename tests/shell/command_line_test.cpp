@@ -167,7 +167,7 @@ TEST(CommandLine, MissingPositionWordsReadAsEmpty) {
   EXPECT_TRUE(HasNoCastlingRight(castlingMissing->CommandLineBoard));
   const auto allMissing = Parse({"-eval"});
   EXPECT_EQ(allMissing->RunMode, RunModeCode::eval);
-  EXPECT_EQ(allMissing->CommandLineBoard.occupied, 0u);
+  EXPECT_EQ(allMissing->CommandLineBoard.occupied, 0U);
   EXPECT_EQ(allMissing->CommandLineBoard.sideToMove, white);
   EXPECT_TRUE(HasNoCastlingRight(allMissing->CommandLineBoard));
 }
@@ -239,7 +239,7 @@ TEST(CommandLine, AnalyzeWithoutFileHasAnEmptyName) {
 }
 
 TEST(CommandLine, FileNamesAreCutAtTheirWidth) {
-  for (const std::size_t length : {62u, 63u, 64u, 126u, 127u, 128u, 4000u}) {
+  for (const std::size_t length : {62U, 63U, 64U, 126U, 127U, 128U, 4000U}) {
     const std::string name(length, 'f');
     const auto config = Parse({"-usebook", name.c_str(), "-quiet", "-analyze", name.c_str()});
     EXPECT_EQ(config->AnalyzeFile, name.substr(0, 127)) << length;
@@ -350,7 +350,7 @@ TEST_F(BookTools, CreateBookBuildsAndWrites) {
   EXPECT_EQ(config->Quiet, 1);
   EXPECT_EQ(openingBook.maxPlies, 20);
   EXPECT_EQ(openingBook.minHits, 1);
-  EXPECT_EQ(std::filesystem::file_size("new.bk"), 32u);
+  EXPECT_EQ(std::filesystem::file_size("new.bk"), 32U);
 }
 
 TEST_F(BookTools, CreateBookWithoutGamesWritesNothing) {

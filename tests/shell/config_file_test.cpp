@@ -193,7 +193,7 @@ TEST_F(ConfigFileTest, LeavesTheBookOptionAloneWithoutABookKey) {
 }
 
 TEST_F(ConfigFileTest, CutsBookNamesAtTheirWidth) {
-  for (const std::size_t length : {62u, 63u, 64u, 500u, 5000u}) {
+  for (const std::size_t length : {62U, 63U, 64U, 500U, 5000U}) {
     const std::string name(length, 'n');
     Read("Book=" + name + " DepthSearch=17\n");
     EXPECT_EQ(config->BookName, name.substr(0, 63)) << length;
@@ -205,7 +205,7 @@ TEST_F(ConfigFileTest, CutsBookNamesAtTheirWidth) {
 
 TEST_F(ConfigFileTest, TakesAWordOfAnyLengthAsOneToken) {
   // Were it cut in two, the second half would be a setting of its own.
-  for (const std::size_t length : {140u, 149u, 150u, 1022u, 1023u, 1024u, 4095u, 100000u}) {
+  for (const std::size_t length : {140U, 149U, 150U, 1022U, 1023U, 1024U, 4095U, 100000U}) {
     Read(std::string(length, 'x') + "DepthSearch=10\nPonder=0\n");
     EXPECT_EQ(config->DepthSearch, 40) << length;
     EXPECT_EQ(config->Ponder, 0) << length;

@@ -43,7 +43,7 @@ TEST_F(OutputTest, WritesOneMessageToConsoleAndLog) {
   // what is in the file before that was flushed by the message itself.
   EXPECT_EQ(ReadFile(logFileName), "info depth 7 score cp -31\n");
   EXPECT_EQ(GetCapturedStdout(), "info depth 7 score cp -31\n");
-  EXPECT_EQ(length, 26u);
+  EXPECT_EQ(length, 26U);
 }
 
 TEST_F(OutputTest, PrintsCountsOf64BitsWhole) {
@@ -63,7 +63,7 @@ TEST_F(OutputTest, AppendsMessagesInOrder) {
 }
 
 TEST_F(OutputTest, WritesMessagesOfAnyLengthWhole) {
-  for (const std::size_t length : {0u, 1u, 2046u, 2047u, 2048u, 2049u, 4096u, 100000u}) {
+  for (const std::size_t length : {0U, 1U, 2046U, 2047U, 2048U, 2049U, 4096U, 100000U}) {
     const std::string message = std::string(length, 'm');
     const std::string before = ReadFile(logFileName);
     CaptureStdout();
@@ -98,7 +98,7 @@ TEST_F(OutputTest, WorksWithoutALog) {
   std::fclose(record.log);
   record.log = nullptr;
   CaptureStdout();
-  EXPECT_EQ(Output(record, "readyok\n"), 8u);
+  EXPECT_EQ(Output(record, "readyok\n"), 8U);
   EXPECT_EQ(GetCapturedStdout(), "readyok\n");
 }
 

@@ -94,9 +94,9 @@ TEST_F(StartUpTest, TheBookIsInUseOnlyForTheSettingOne) {
 TEST_F(StartUpTest, EachTableGetsItsSize) {
   Start("EvalHashSize=1 PawnHashSize=2 TTHashSize=3\n");
   // 64-byte slots: 16384 in a megabyte.
-  EXPECT_EQ(EvalHashTable.size, 16384u);
-  EXPECT_EQ(PawnHashTable.size, 2 * 16384u);
-  EXPECT_EQ(TranspositionTable.size, 3 * 16384u);
+  EXPECT_EQ(EvalHashTable.size, 16384U);
+  EXPECT_EQ(PawnHashTable.size, 2 * 16384U);
+  EXPECT_EQ(TranspositionTable.size, 3 * 16384U);
 }
 
 TEST_F(StartUpTest, BuildsTheTablesAndTheBook) {
@@ -121,7 +121,7 @@ TEST_F(StartUpTest, SetsTheRandomSeedWord) {
 
 TEST_F(StartUpTest, AdvancesTheBooksGeneratorByTheClock) {
   for (const auto& [ticks, nSteps] :
-       {std::pair{0u, 0}, {3u, 3}, {99'999u, 99'999}, {100'000u, 0}, {4'294'967'295u, 67'295}}) {
+       {std::pair{0U, 0}, {3U, 3}, {99'999U, 99'999}, {100'000U, 0}, {4'294'967'295U, 67'295}}) {
     ResetRandom();
     for (int i = 0; i < nSteps; ++i) {
       NextRandom();

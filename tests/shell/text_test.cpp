@@ -102,7 +102,7 @@ TEST(StartsWith, ComparesTheWholePrefix) {
 }
 
 TEST(CopyText, CutsAtTheWidth) {
-  for (const std::size_t length : {0u, 1u, 6u, 7u, 8u, 100u}) {
+  for (const std::size_t length : {0U, 1U, 6U, 7U, 8U, 100U}) {
     char field[9] = "########";
     const std::string source(length, 'b');
     CopyText(field, 8, source.c_str());

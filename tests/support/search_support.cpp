@@ -60,10 +60,10 @@ void ColdStart() {
 void SetPosition(Board& board, const std::string& text) {
   std::istringstream words(text);
   std::string placement;
-  std::string side;
-  std::string castling;
   words >> placement;
   if (placement != "startpos") {
+    std::string side;
+    std::string castling;
     words >> side >> castling;
     BeginFromFen(placement.c_str(), side.c_str(), castling.c_str(), board);
     return;

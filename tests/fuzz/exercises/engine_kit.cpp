@@ -34,10 +34,10 @@ std::uint32_t ticks = 0;
 std::uint32_t CountTicks() { return ++ticks; }
 
 struct Folder {
-  Folder() {
-    path = (std::filesystem::temp_directory_path() /
-            ("mirvo_fuzz_" + std::to_string(std::random_device{}())))
-               .string();
+  Folder()
+      : path((std::filesystem::temp_directory_path() /
+              ("mirvo_fuzz_" + std::to_string(std::random_device{}())))
+                 .string()) {
     std::filesystem::create_directories(path);
   }
   ~Folder() {

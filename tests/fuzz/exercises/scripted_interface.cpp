@@ -173,7 +173,7 @@ std::string HarmlessLine(std::string line) {
   const std::size_t at = line.find(hash);
   if (line.starts_with("setoption name") && at != std::string::npos) {
     // Larger tables only make the sessions slower.
-    line = line.substr(0, at + hash.size()) + " value 1\n";
+    line.replace(at + hash.size(), std::string::npos, " value 1\n");
   }
   return line;
 }
