@@ -51,7 +51,7 @@ struct SearchState {
 /// One search, owned by the caller.
 struct SearchRecord {
   Board* gameBoard;  // the position to search; left as it is
-  Board* board;      // the search's own copy (a board of BoardPool)
+  Board* board;      // the search's own copy (a board of BoardPool), left as it began
   SearchState state;
   std::int32_t maxDepth;  // last iteration, in plies
 };

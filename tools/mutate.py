@@ -22,6 +22,7 @@ import random
 import re
 import resource
 import shutil
+import signal
 import subprocess
 import sys
 import time
@@ -55,6 +56,8 @@ def run(command, cpu_seconds, wall_seconds, **options):
     """(status, output, processor seconds); status None when time ran out."""
 
     def limit():
+        # A shell's background job ignores interrupts, and tests send some.
+        signal.signal(signal.SIGINT, signal.SIG_DFL)
         resource.setrlimit(resource.RLIMIT_CPU, (cpu_seconds, cpu_seconds + 5))
         resource.setrlimit(resource.RLIMIT_FSIZE, (MOST_BYTES_WRITTEN, MOST_BYTES_WRITTEN))
         resource.setrlimit(resource.RLIMIT_AS, (MOST_MEMORY, MOST_MEMORY))
@@ -147,7 +150,8 @@ def prepare(jobs):
     """Builds the copy, which must pass its tests; returns their programs."""
     subprocess.run(
         ["cmake", "-S", SOURCE, "-B", BUILD, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Mutate",
-         "-DCMAKE_CXX_FLAGS_MUTATE=-O1", "-DMIRVO_WERROR=OFF"]
+         "-DCMAKE_CXX_FLAGS_MUTATE=-O1", "-DMIRVO_WERROR=OFF",
+         "-DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST"]
         + (["-DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=lld"] if shutil.which("ld.lld") else []),
         check=True, stdout=subprocess.DEVNULL)
     status, text, _ = build([], jobs)
@@ -162,11 +166,11 @@ def prepare(jobs):
     return found
 
 
-def in_order(found, mutant):
+def in_order(found, mutant, own_layer):
     """The programs worth running for a mutant, the likeliest first."""
     layer = layer_table.layer_of(mutant.file)
     stem = pathlib.Path(mutant.file).stem
-    above = [other for other in LAYERS if layer in layer_table.USES[other]]
+    above = [] if own_layer else [other for other in LAYERS if layer in layer_table.USES[other]]
 
     def rank(program):
         return (program.layer != layer, stem not in program.target,
@@ -190,20 +194,20 @@ class Mutant:
     def undo(self):
         (SOURCE / self.file).write_text(self.original)
 
-    def verdict(self, found, jobs, sessions):
+    def verdict(self, found, jobs, own_layer):
         """(verdict, the test that failed)."""
         self.apply()
         try:
-            for program in in_order(found, self):
+            for program in in_order(found, self, own_layer):
                 verdict = self.built([program.target], jobs)
                 if verdict:
                     return verdict
                 failure = program.check()
                 if failure:
                     return CAUGHT, failure
-            if not sessions:
+            if own_layer:
                 return SURVIVED, ""
-            return self.built([], jobs) or self.sessions(sessions)
+            return self.built([], jobs) or self.sessions()
         finally:
             self.undo()
 
@@ -213,14 +217,13 @@ class Mutant:
             return None
         if "error:" in text and "FAILED: " in text:
             return NO_BUILD, ""
-        # CMake starts each new test program to list its tests, and the book
-        # of the shipped lines is made by the engine itself.
+        # The book of the shipped lines is made by the engine itself.
         failed = re.search(r"FAILED: (\S+)", text)
         return CAUGHT, f"the build ({failed.group(1) if failed else 'endless'})"
 
-    def sessions(self, wanted):
+    def sessions(self):
         status, text, _ = run(
-            ["ctest", "--test-dir", str(BUILD), *wanted, "--stop-on-failure", "--timeout", "100"],
+            ["ctest", "--test-dir", str(BUILD), *SESSIONS, "--stop-on-failure", "--timeout", "100"],
             100, 1800, env=dict(os.environ, TMPDIR=str(WORK / "tmp")))
         if status == 0:
             return SURVIVED, ""
@@ -247,8 +250,8 @@ def is_row(changes):
     return re.fullmatch(r"[\s\d{},.xA-FULuflf+-]*", changes[0].old_line) is not None
 
 
-def choose(layers, files, count, seed):
-    """`count` mutants at random lines, at most one a line."""
+def choose(layers, files, count, least, seed):
+    """`count` mutants at random lines, at most one a line; `least` in a layer."""
     generator = random.Random(seed)
     found = candidates(layers, files)
     weights = {layer: sum(0.2 if is_row(c) else 1 for _, _, c in lines)
@@ -258,7 +261,7 @@ def choose(layers, files, count, seed):
     for layer, lines in found.items():
         if not lines:
             continue
-        share = max(1, round(count * weights[layer] / total))
+        share = max(least, round(count * weights[layer] / total))
         # A weighted sample without repetition.
         keyed = sorted(lines, key=lambda item: generator.random() ** (5 if is_row(item[2]) else 1),
                        reverse=True)
@@ -301,10 +304,11 @@ def main():
     parser.add_argument("--file", action="append", help="path from the source root")
     parser.add_argument("--line", type=int, action="append")
     parser.add_argument("--count", type=int, default=20)
+    parser.add_argument("--least", type=int, default=1, help="mutants in every layer")
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--again", action="store_true", help="survivors of earlier runs")
     parser.add_argument("--list", action="store_true", help="choose, but run nothing")
-    parser.add_argument("--no-sessions", action="store_true", help="GoogleTest programs only")
+    parser.add_argument("--own-layer", action="store_true", help="with this layer's programs only")
     parser.add_argument("--jobs", type=int, default=2)
     options = parser.parse_args()
 
@@ -315,7 +319,7 @@ def main():
     else:
         known = recorded()
         mutants = [m for m in choose(options.layer or LAYERS, options.file, options.count,
-                                     options.seed)
+                                     options.least, options.seed)
                    if (m.file, m.mutation.old_line, m.mutation.new_line) not in known]
     mutants = [m for m in mutants
                if (not options.file or m.file in options.file)
@@ -329,14 +333,14 @@ def main():
     counts = {CAUGHT: 0, NO_BUILD: 0, SURVIVED: 0}
     for mutant in mutants:
         started = time.monotonic()
-        verdict, test = mutant.verdict(found, options.jobs, None if options.no_sessions else SESSIONS)
+        verdict, test = mutant.verdict(found, options.jobs, options.own_layer)
         counts[verdict] += 1
         seconds = round(time.monotonic() - started)
         print(f"{describe(mutant)}\n  {verdict} {test} ({seconds} s)", flush=True)
         record = {"layer": layer_table.layer_of(mutant.file), "file": mutant.file,
                   "line": mutant.mutation.line, "kind": mutant.mutation.kind,
                   "old": mutant.mutation.old_line, "new": mutant.mutation.new_line,
-                  "verdict": verdict, "test": test}
+                  "verdict": verdict, "test": test, "seconds": seconds}
         with open(RESULTS, "a") as results:
             results.write(json.dumps(record) + "\n")
     print(", ".join(f"{count} {verdict}" for verdict, count in counts.items()))

@@ -17,6 +17,7 @@
 #include "board/bb_move_generator.h"
 #include "board/display.h"
 #include "epd/epd_reader.h"
+#include "search/hash_table.h"
 #include "search/root.h"
 #include "search/search_flags.h"
 #include "search/search_hooks.h"
@@ -269,6 +270,17 @@ TEST_F(RunSuiteTest, OnlyTheFinalScoreStaysOutOfTheLog) {
   const std::size_t at = printed.find(finalScore);
   ASSERT_NE(at, std::string::npos);
   EXPECT_EQ(logged, printed.erase(at, finalScore.size()));
+}
+
+TEST_F(RunSuiteTest, OfThePositionsBeforeNotEvenAMoveIsKept) {
+  const std::uint32_t nSlots = TranspositionTable.size;
+  for (std::uint32_t i = 0; i < nSlots; ++i) TranspositionTable.entries[i].move = checkMark;
+  Run("7k/5Q2/6K1/8/8/8/8/8 b - - bm Kg8;");
+  std::uint32_t nKept = 0;
+  for (std::uint32_t i = 0; i < nSlots; ++i) {
+    nKept += TranspositionTable.entries[i].move != noMove ? 1 : 0;
+  }
+  EXPECT_EQ(nKept, 0U);
 }
 
 TEST_F(RunSuiteTest, StalemateAndMateHaveNoMoveAndAreWrong) {

@@ -16,6 +16,14 @@ using Detection = UciTest;
 using Polling = UciTest;
 using EndOfInput = UciTest;
 
+TEST(ProtocolModeRecord, BeginsAllZero) {
+  const ProtocolMode mode;
+  EXPECT_EQ(mode.mode, 0U);
+  EXPECT_EQ(mode.uciState, 0);
+  EXPECT_EQ(mode.xboardState, 0);
+  EXPECT_EQ(mode.detected, 0);
+}
+
 TEST_F(Detection, LinesBeforeAProtocolWordAreDropped) {
   EXPECT_EQ(Play("isready\nnew\ne2e4\nquit\n\n"), "");
   EXPECT_EQ(protocolMode.mode, noProtocol);

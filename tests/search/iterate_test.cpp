@@ -172,6 +172,20 @@ TEST_F(Thinking, TheExpectedReplyIsLegalAfterTheBestMove) {
   }
 }
 
+TEST_F(Thinking, BothBoardsAreLeftAtTheSearchedPosition) {
+  test::SetPosition(board, middleGame);
+  engineConfig.DepthSearch = 3;
+  const std::uint64_t key = board.positionKey;
+  SearchRecord record = PrepareSearch(board);
+  testing::internal::CaptureStdout();
+  const SearchResult result = Think(record);
+  testing::internal::GetCapturedStdout();
+  EXPECT_NE(result.ponder, noMove);
+  EXPECT_EQ(board.positionKey, key);
+  EXPECT_EQ(record.board->positionKey, key);
+  EXPECT_EQ(record.board->undoDepth, board.undoDepth);
+}
+
 TEST_F(Thinking, AStopAtAnyPollLeavesALegalMove) {
   static int stopAt = 0;
   searchHooks.pollInput = [] {

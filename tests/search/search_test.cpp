@@ -86,6 +86,16 @@ TEST_F(MainSearch, AThirdOccurrenceIsSearchedOn) {
   EXPECT_GT(state.nodeCount, 0U);
 }
 
+TEST_F(MainSearch, TheLastUndoRecordsAreLeftToTheQuiescenceSearch) {
+  test::SetPosition(board, "startpos");
+  board.undoDepth = undoCapacity - 126;
+  Search(state, board, NodeInput{-open, open, 1}, nullptr);
+  EXPECT_EQ(state.nodeCount, 0U);
+  board.undoDepth = undoCapacity - 127;
+  Search(state, board, NodeInput{-open, open, 1}, nullptr);
+  EXPECT_GT(state.nodeCount, 0U);
+}
+
 TEST_F(MainSearch, TheHorizonIsTheQuiescenceSearch) {
   const std::int32_t score = Run(middleGame, -open, open, 0);
   SearchState other;

@@ -53,6 +53,14 @@ TEST(EngineConfig, IsReadyBeforeMain) {
   EXPECT_EQ(engineConfig.CommandLineBoard.positionKey, 0x463b96181691fc9cULL);
 }
 
+TEST(RunModeCode, CountsUpFromTheEngine) {
+  int number = 0;
+  for (const RunModeCode mode : {RunModeCode::engine, RunModeCode::analyze, RunModeCode::test,
+                                 RunModeCode::perft, RunModeCode::eval, RunModeCode::createBook}) {
+    EXPECT_EQ(static_cast<int>(mode), number++);
+  }
+}
+
 TEST(BookFileOption, HasANameOfItsOwn) { EXPECT_STREQ(bookFileOptionText, "unique2.bin"); }
 
 }  // namespace
