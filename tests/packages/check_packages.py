@@ -1,7 +1,9 @@
 """Makes the packages of a build folder and checks what they hold.
 
-    check_packages.py CPACK BUILD_FOLDER Linux|Windows
+    check_packages.py CPACK BUILD_FOLDER Linux|Windows [LOADER...]
 
+LOADER is the command that runs a Windows program: given one, the unpacked
+program is started in its folder as an interface does it.
 Status 77 (skipped) where Debian's tools are missing.
 """
 
@@ -28,6 +30,7 @@ ON_LINUX = [
     "share/doc/mirvo/LICENCE.txt",
     "share/doc/mirvo/docs/options.md",
 ]
+OPENING = "uci\nisready\nposition startpos\ngo depth 1\n"
 ON_WINDOWS = ["mirvo.exe", "README.md", "LICENCE.txt", "config.txt", "book.bk", "mirvo-suite.epd",
               "docs/windows.md"]
 
@@ -67,6 +70,35 @@ def check_tar(package):
         return complain(package, archive.getnames(), ON_LINUX, root)
 
 
+def check_start(package, loader):
+    """The unpacked engine finds its settings and its book, and ends on quit."""
+    with tempfile.TemporaryDirectory(prefix="mirvo unpacked ") as scratch:
+        with zipfile.ZipFile(package) as archive:
+            archive.extractall(scratch)
+        folder = pathlib.Path(scratch) / package.stem
+        done = subprocess.run([*loader, folder / "mirvo.exe"], cwd=folder, text=True,
+                              input=OPENING + "quit\n", stdout=subprocess.PIPE, timeout=60,
+                              check=False)
+        log = next(folder.glob("*_log.txt"), None)
+    faults = []
+    if done.returncode != 0:
+        faults.append(f"ends with status {done.returncode}")
+    if "not found" in done.stdout:
+        faults.append("lacks a file at its start")
+    for answer in ("uciok", "readyok", "bestmove "):
+        if answer not in done.stdout:
+            faults.append(f"does not answer {answer!r}")
+    if "info depth" in done.stdout:
+        faults.append("searches for a first move that its book holds")
+    if log is None:
+        faults.append("writes no log into its folder")
+    for fault in faults:
+        print(f"the engine of {package.name} {fault}")
+    if faults:
+        print(done.stdout)
+    return len(faults)
+
+
 def check_zip(package):
     root = package.stem + "/"
     with zipfile.ZipFile(package) as archive:
@@ -81,7 +113,7 @@ def check_zip(package):
 CHECKS = {"Linux": {".deb": check_deb, ".gz": check_tar}, "Windows": {".zip": check_zip}}
 
 
-def main(cpack, build_folder, platform):
+def main(cpack, build_folder, platform, *loader):
     if platform == "Linux" and not (shutil.which("dpkg-deb") and shutil.which("dpkg-shlibdeps")):
         print("skipped, needs dpkg-deb and dpkg-shlibdeps")
         return SKIPPED
@@ -100,6 +132,8 @@ def main(cpack, build_folder, platform):
                 faults += 1
                 continue
             faults += check(packages[0])
+            if loader and not faults:
+                faults += check_start(packages[0], loader)
     return 1 if faults else 0
 
 

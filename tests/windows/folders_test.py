@@ -7,9 +7,11 @@ LOADER is the command that runs a Windows program.
 
 import os
 import pathlib
+import shutil
 import subprocess
 import sys
 import tempfile
+import threading
 import unittest
 
 PROGRAM = ""
@@ -48,6 +50,61 @@ class Folders(unittest.TestCase):
                 output = self.run_in(folder, "-eval", *START)
                 self.assertIn(b"Full eval: ", output)
                 self.assertTrue((folder / LOG_NAME).is_file())
+
+    def test_the_program_itself_may_lie_in_such_a_folder(self):
+        for name in ("Program Files (x86)", "Schach-Größen ♞"):
+            with self.subTest(name):
+                program = self.make(name) / "my engine.exe"
+                shutil.copy(PROGRAM, program)
+                done = subprocess.run([*LOADER, program, "-perft", "2"], cwd=program.parent,
+                                      input=b"", stdout=subprocess.PIPE, timeout=60, check=False)
+                self.assertEqual(done.returncode, 0)
+                self.assertIn(b"400", done.stdout)
+
+    def test_input_may_be_a_file(self):
+        folder = self.make("file")
+        (folder / "commands.txt").write_bytes(b"uci\r\nisready\r\nquit\r\n")
+        with open(folder / "commands.txt", "rb") as commands:
+            done = subprocess.run([*LOADER, PROGRAM], cwd=folder, stdin=commands,
+                                  stdout=subprocess.PIPE, timeout=60, check=False)
+        self.assertEqual(done.returncode, 0)
+        self.assertIn(b"uciok\r\n", done.stdout)
+        self.assertIn(b"readyok\r\n", done.stdout)
+
+    def test_a_search_meets_the_rest_of_a_file(self):
+        # The peek that works on pipes only fails here, which counts as input.
+        folder = self.make("search")
+        (folder / "config.txt").write_bytes(b"UseOpeningBook=0\n")
+        (folder / "commands.txt").write_bytes(b"uci\nposition startpos\ngo infinite\nisready\nquit\n")
+        with open(folder / "commands.txt", "rb") as commands:
+            done = subprocess.run([*LOADER, PROGRAM], cwd=folder, stdin=commands,
+                                  stdout=subprocess.PIPE, timeout=60, check=False)
+        self.assertEqual(done.returncode, 0)
+        self.assertIn(b"readyok", done.stdout)
+
+    def test_the_end_of_a_file_ends_an_endless_search(self):
+        folder = self.make("end")
+        (folder / "config.txt").write_bytes(b"UseOpeningBook=0\n")
+        (folder / "commands.txt").write_bytes(b"uci\nposition startpos\ngo infinite\n")
+        with open(folder / "commands.txt", "rb") as commands:
+            engine = subprocess.Popen([*LOADER, PROGRAM], cwd=folder, stdin=commands,
+                                      stdout=subprocess.PIPE)
+        killer = threading.Timer(60, engine.kill)
+        killer.start()
+        answered = any(line.startswith(b"bestmove ") for line in engine.stdout)
+        # It then waits for the end that its interface has in mind for it.
+        killer.cancel()
+        engine.kill()
+        engine.wait()
+        engine.stdout.close()
+        self.assertTrue(answered)
+
+    def test_tools_need_no_input_at_all(self):
+        folder = self.make("none")
+        done = subprocess.run(["sh", "-c", 'exec "$@" <&-', "sh", *LOADER, PROGRAM, "-perft", "1"],
+                              cwd=folder, stdout=subprocess.PIPE, timeout=60, check=False)
+        self.assertEqual(done.returncode, 0)
+        self.assertIn(b"20", done.stdout)
 
     def test_files_with_blanks_in_their_names_are_found(self):
         folder = self.make("books")

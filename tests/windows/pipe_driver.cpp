@@ -10,6 +10,10 @@
 namespace {
 
 constexpr int cannotStart = 126;
+constexpr int cannotEnd = 125;
+
+/// How long the last output of a program that has ended may take to be read.
+constexpr DWORD lastOutputLimit = 60000;  // ms
 
 struct Pipe {
   HANDLE reading = nullptr;
@@ -58,6 +62,22 @@ wchar_t* RestOfCommandLine() {
   return text;
 }
 
+/// Starts the program suspended. Under Wine a new process may find its memory
+/// taken before it begins (wine.sh tells when), which is reported like this
+/// and says nothing about the program: one more attempt.
+bool StartProgram(STARTUPINFOW& start, PROCESS_INFORMATION& process) {
+  for (int attempt = 1;; ++attempt) {
+    if (CreateProcessW(nullptr, RestOfCommandLine(), nullptr, nullptr, TRUE, CREATE_SUSPENDED,
+                       nullptr, nullptr, &start, &process) != 0) {
+      return true;
+    }
+    const DWORD error = GetLastError();
+    std::fprintf(stderr, "pipe_driver: cannot start %ls (error %u, attempt %d)\n",
+                 RestOfCommandLine(), static_cast<unsigned>(error), attempt);
+    if (error != ERROR_INTERNAL_ERROR || attempt == 2) return false;
+  }
+}
+
 /// Every process in the job ends when the last handle to it is closed.
 HANDLE MakeKillingJob() {
   const HANDLE job = CreateJobObjectW(nullptr, nullptr);
@@ -80,12 +100,7 @@ int main() {
   start.hStdOutput = output.writing;
   start.hStdError = GetStdHandle(STD_ERROR_HANDLE);
   PROCESS_INFORMATION process{};
-  if (CreateProcessW(nullptr, RestOfCommandLine(), nullptr, nullptr, TRUE, CREATE_SUSPENDED,
-                     nullptr, nullptr, &start, &process) == 0) {
-    std::fprintf(stderr, "pipe_driver: cannot start %ls (error %u)\n", RestOfCommandLine(),
-                 static_cast<unsigned>(GetLastError()));
-    return cannotStart;
-  }
+  if (!StartProgram(start, process)) return cannotStart;
   AssignProcessToJobObject(job, process.hProcess);
   ResumeThread(process.hThread);
   CloseHandle(input.reading);
@@ -98,7 +113,10 @@ int main() {
   CreateThread(nullptr, 0, RunRelay, &toProgram, 0, nullptr);
   const HANDLE outputRelay = CreateThread(nullptr, 0, RunRelay, &fromProgram, 0, nullptr);
   WaitForSingleObject(process.hProcess, INFINITE);
-  WaitForSingleObject(outputRelay, INFINITE);
+  if (WaitForSingleObject(outputRelay, lastOutputLimit) != WAIT_OBJECT_0) {
+    std::fprintf(stderr, "pipe_driver: the program has ended, but nobody reads its output\n");
+    ExitProcess(cannotEnd);
+  }
   DWORD status = 0;
   GetExitCodeProcess(process.hProcess, &status);
   ExitProcess(status);

@@ -12,11 +12,15 @@ import unittest
 TESTS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..")
 sys.path.insert(0, os.path.join(TESTS, "protocol"))
 import uci_process_test  # noqa: E402
+import xboard_process_test  # noqa: E402
 
 # Tests that look at processes from outside or send signals have no counterpart.
 SESSIONS = unittest.defaultTestLoader.loadTestsFromTestCase(uci_process_test.UciProcess)
 ENDINGS = [uci_process_test.EndOfInput("test_a_search_that_ends_by_itself_answers"),
-           uci_process_test.EndOfInput("test_an_endless_search_is_stopped_and_answers")]
+           uci_process_test.EndOfInput("test_an_endless_search_is_stopped_and_answers"),
+           xboard_process_test.XBoardProcess("test_end_of_input_abandons_pondering_silently"),
+           xboard_process_test.XBoardProcess("test_end_of_input_lets_a_timed_search_answer"),
+           xboard_process_test.XBoardProcess("test_force_is_taken_at_once_while_it_thinks")]
 
 
 def engine_process(folder):
@@ -74,10 +78,11 @@ class XBoard(unittest.TestCase):
 
 
 def main():
-    uci_process_test.MIRVO = sys.argv[1]
+    uci_process_test.MIRVO = xboard_process_test.MIRVO = sys.argv[1]
     # A machine that also runs Wine's server may hold one answer up for longer.
     uci_process_test.MEDIAN_LIMIT = 0.2
     uci_process_test.WORST_LIMIT = 2.0
+    xboard_process_test.PATIENCE = 4
     suite = unittest.TestSuite([SESSIONS, *ENDINGS])
     for case in (Idle, XBoard):
         suite.addTests(unittest.defaultTestLoader.loadTestsFromTestCase(case))
