@@ -2,6 +2,8 @@
 
 #include <cstdlib>
 
+#include "shell/large_pages.h"
+
 namespace mirvo {
 
 constinit HashTable TranspositionTable{};
@@ -44,7 +46,11 @@ void HashAllocate(HashTable& table) {
     // Zeroed pages come from the system only when they are first touched, and
     // an all-zero slot counts as empty, so a large table costs nothing unused.
     table.block = std::calloc(bytes, 1);
-    if (table.block != nullptr) break;
+    if (table.block == nullptr) continue;
+    // Nearly every probe goes to another page, and a processor remembers far
+    // fewer small pages than such a table has.
+    WantLargePages(table.block, bytes);
+    break;
   }
   table.size = nSlots;
   table.reciprocal = nSlots == 0 ? 0 : ~std::uint64_t{0} / nSlots + 1;

@@ -10,6 +10,7 @@ import pathlib
 FILES = [
     ("shell/output*", "base"),
     ("shell/clock*", "base"),
+    ("shell/large_pages*", "base"),
     ("shell/text*", "base"),
     ("protocol/protocol_mode*", "base"),
     ("board/*", "board"),

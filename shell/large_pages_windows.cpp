@@ -1,0 +1,8 @@
+#include "shell/large_pages.h"
+
+namespace mirvo {
+
+// Large pages take a privilege here that few users have.
+void WantLargePages(void*, std::size_t) {}
+
+}  // namespace mirvo
