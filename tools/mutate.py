@@ -292,6 +292,27 @@ def survivors():
     return result
 
 
+def table():
+    """A line per layer: its mutants, and how many were caught when. Those that
+    did not compile are left out."""
+    verdicts = {}
+    for line in RESULTS.read_text().splitlines():
+        record = json.loads(line)
+        key = record["layer"], record["file"], record["old"], record["new"]
+        verdicts.setdefault(key, []).append(record["verdict"])
+    lines = ["| Layer | Mutants | Caught | Caught later | Survive |", "|---|---:|---:|---:|---:|"]
+    total = [0] * 4
+    for layer in LAYERS:
+        met = [v for key, v in verdicts.items() if key[0] == layer and v[-1] != NO_BUILD]
+        counts = [len(met), sum(v[0] == CAUGHT for v in met),
+                  sum(v[0] != CAUGHT and v[-1] == CAUGHT for v in met),
+                  sum(v[-1] == SURVIVED for v in met)]
+        total = [a + b for a, b in zip(total, counts)]
+        lines.append(f"| {layer} | " + " | ".join(map(str, counts)) + " |")
+    lines.append("| all | " + " | ".join(map(str, total)) + " |")
+    return "\n".join(lines)
+
+
 def describe(mutant):
     mutation = mutant.mutation
     return (f"{mutant.file}:{mutation.line}  {mutation.kind}\n"
@@ -310,7 +331,11 @@ def main():
     parser.add_argument("--list", action="store_true", help="choose, but run nothing")
     parser.add_argument("--own-layer", action="store_true", help="with this layer's programs only")
     parser.add_argument("--jobs", type=int, default=2)
+    parser.add_argument("--table", action="store_true", help="sum all runs up, run nothing")
     options = parser.parse_args()
+    if options.table:
+        print(table())
+        return
 
     (WORK / "tmp").mkdir(parents=True, exist_ok=True)
     copy_tree()

@@ -72,6 +72,17 @@ TEST_F(SessionSignals, AnIdleProcessEndsAtItsNextTurn) {
       ::testing::ExitedWithCode(0), "");
 }
 
+// A process that never comes to its next turn, because a read blocks it.
+TEST_F(SessionSignals, TheAlarmAfterATerminationEndsTheProcess) {
+  EXPECT_EXIT(
+      {
+        Say("xboard\n");
+        raise(SIGALRM);
+        std::exit(cameThrough);
+      },
+      ::testing::ExitedWithCode(0), "");
+}
+
 TEST_F(SessionSignals, ASearchEndsTheProcessOnceNothingWaits) {
   xboardGame.think = [](SearchRecord&) -> SearchResult {
     fakeInput.bytes = "time 100\n";

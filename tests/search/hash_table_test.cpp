@@ -226,6 +226,16 @@ TEST_F(HashTableTest, TheSearchResetKeepsTheEvaluationAndDropsTheMove) {
   EXPECT_EQ(slot.move, noMove);
 }
 
+TEST_F(HashTableTest, ClearingReachesTheFirstAndTheLastSlot) {
+  for (void (*const clear)(HashTable&) : {HashClear, HashResetSearch}) {
+    for (std::uint32_t i = 0; i < table.size; ++i) table.entries[i].key = 1;
+    clear(table);
+    std::uint32_t nEmpty = 0;
+    for (std::uint32_t i = 0; i < table.size; ++i) nEmpty += table.entries[i].key == 0 ? 1 : 0;
+    EXPECT_EQ(nEmpty, 16384U);
+  }
+}
+
 TEST(HashClearing, ATableWithoutMemoryIsLeftAlone) {
   HashTable table{};
   HashClear(table);

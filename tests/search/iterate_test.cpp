@@ -23,6 +23,7 @@ namespace mirvo {
 namespace {
 
 int nPolls = 0;
+int nTicks = 0;
 
 class Thinking : public testing::Test {
  protected:
@@ -172,6 +173,16 @@ TEST_F(Thinking, TheExpectedReplyIsLegalAfterTheBestMove) {
   }
 }
 
+TEST_F(Thinking, TheShallowerSearchOfTheRootLeavesTheExtensionLimit) {
+  test::SetPosition(board, middleGame);
+  engineConfig.StartIDDepth = engineConfig.DepthSearch = 4;
+  SearchRecord record = PrepareSearch(board);
+  testing::internal::CaptureStdout();
+  Think(record);
+  testing::internal::GetCapturedStdout();
+  EXPECT_EQ(record.state.extensionLimit, 4);
+}
+
 TEST_F(Thinking, BothBoardsAreLeftAtTheSearchedPosition) {
   test::SetPosition(board, middleGame);
   engineConfig.DepthSearch = 3;
@@ -241,6 +252,24 @@ TEST_F(Thinking, PonderingOnAMateWaitsForTheHit) {
   EXPECT_GT(nPolls, 30);
   EXPECT_NE(result.best & mateMark, 0U);
   EXPECT_EQ(CountLines("score cp 32768"), 1);
+}
+
+// Whoever wants no polling may end the search from elsewhere: here, the clock.
+TEST_F(Thinking, AHeldSearchPollsNeitherWithoutAHookNorWhenToldNotTo) {
+  SetTickSource([]() -> std::uint32_t {
+    if (++nTicks > 200) searchFlags.pondering = 0;
+    return 1;
+  });
+  for (const bool hasHook : {false, true}) {
+    nTicks = 0;
+    searchFlags.pondering = 1;
+    searchFlags.NoInputPolling = hasHook ? 1 : 0;
+    if (hasHook) searchHooks.pollInput = [] { ++nPolls; };
+    Run("8/8/8/3k4/8/8/3P4/3K4 w -", 2);
+    EXPECT_GT(nTicks, 200);
+    EXPECT_EQ(nPolls, 0);
+  }
+  SetTickSource(nullptr);
 }
 
 TEST_F(Thinking, PonderingWithoutAnyMoveStillPolls) {

@@ -79,6 +79,8 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         SightCase{"quiet", "4k3/8/8/8/8/8/8/R3K3 w -", "a1a7", Foresight::legal, false},
         SightCase{"check", "4k3/8/8/8/8/8/8/R3K3 w -", "a1a8", Foresight::legal, true},
+        SightCase{"firstSquare", "4k3/8/8/8/8/8/8/1R2K3 w -", "b1a1", Foresight::legal, false},
+        SightCase{"lastSquare", "4k2r/8/8/8/8/8/8/4K2R w -", "h1h8", Foresight::legal, true},
         SightCase{"pinned", "4k3/4r3/8/8/8/8/4N3/4K3 w -", "e2c3", Foresight::unknown, false},
         SightCase{"uncovers", "4k3/8/8/4N3/8/8/8/K3R3 w -", "e5c4", Foresight::unknown, false},
         SightCase{"kingUncovers", "4k3/8/8/8/8/8/4K3/4R3 w -", "e2d2", Foresight::unknown, false},

@@ -99,6 +99,14 @@ TEST_F(StartUpTest, EachTableGetsItsSize) {
   EXPECT_EQ(TranspositionTable.size, 3 * 16384U);
 }
 
+TEST_F(StartUpTest, TheTablesStartWithoutCounts) {
+  EvalHashTable.stores = PawnHashTable.stores = TranspositionTable.stores = 7;
+  Start("");
+  EXPECT_EQ(EvalHashTable.stores, 0U);
+  EXPECT_EQ(PawnHashTable.stores, 0U);
+  EXPECT_EQ(TranspositionTable.stores, 0U);
+}
+
 TEST_F(StartUpTest, BuildsTheTablesAndTheBook) {
   Start("");
   EXPECT_EQ(KnightAttacks[0], Bit(10) | Bit(17));

@@ -1,5 +1,6 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -25,6 +26,14 @@ std::string ReadWaiting(int pipeEnd) {
   return text;
 }
 
+/// Gives back the memory that start-up takes.
+void ReleaseStarted() {
+  DestroyOpeningBook(openingBook);
+  for (HashTable* const table : {&EvalHashTable, &PawnHashTable, &TranspositionTable}) {
+    HashRelease(*table);
+  }
+}
+
 TEST(StartUpStreams, LetNoTextWaitInABuffer) {
   const TemporaryFolder folder;
   int ends[2];
@@ -42,10 +51,18 @@ TEST(StartUpStreams, LetNoTextWaitInABuffer) {
   close(ends[0]);
   close(ends[1]);
   EXPECT_EQ(text.substr(text.size() - 7), "at once");
-  DestroyOpeningBook(openingBook);
-  for (HashTable* const table : {&EvalHashTable, &PawnHashTable, &TranspositionTable}) {
-    HashRelease(*table);
-  }
+  ReleaseStarted();
+}
+
+TEST(StartUpStreams, AClosedPipeDoesNotEndTheProcess) {
+  const TemporaryFolder folder;
+  void (*const before)(int) = signal(SIGPIPE, SIG_DFL);
+  const char* const words[] = {"mirvo", "-test"};
+  testing::internal::CaptureStdout();
+  StartUp(2, words);
+  testing::internal::GetCapturedStdout();
+  EXPECT_EQ(signal(SIGPIPE, before), SIG_IGN);
+  ReleaseStarted();
 }
 
 }  // namespace
