@@ -1,7 +1,7 @@
 """A UCI engine that plays the first legal move and commits one fault on its
-third move: what the arbiter must notice.
+third move, or in every game: what the arbiter and the soak must notice.
 
-Usage: faulty_engine.py FAULT   (see `answer` for the faults; "none" for none)
+Usage: faulty_engine.py FAULT   (see `answer` and `begin_game`; "none" for none)
 """
 
 import os
@@ -23,7 +23,17 @@ def read_position(line):
     return position
 
 
-def answer(fault, position):
+kept = []  # what a leaking engine never gives back
+
+
+def begin_game(fault):
+    if fault == "leak":
+        kept.append(bytearray(b"x" * 3_000_000))
+    elif fault == "files":
+        kept.append(open(os.devnull, encoding="ascii"))
+
+
+def answer(fault, position, ponders=False):
     """Answers one "go", with the fault if it is due."""
     move = move_text(position.legal_moves()[0])
     expected = ""
@@ -45,12 +55,15 @@ def answer(fault, position):
         expected = " ponder e1e8"
     elif fault == "form":
         move += " thinking"
+    if ponders and not expected and move in map(move_text, position.legal_moves()):
+        replies = position.play(find_move(position, move)).legal_moves()
+        expected = " ponder " + move_text(replies[0]) if replies else ""
     say("bestmove " + move + expected)
 
 
 def main():
     fault = sys.argv[1]
-    position, searches = Position(), 0
+    position, searches, ponders, pondering = Position(), 0, False, False
     for line in sys.stdin:
         line = line.strip()
         if line == "uci":
@@ -59,9 +72,15 @@ def main():
             say("readyok")
         elif line.startswith("position"):
             position = read_position(line)
-        elif line.startswith("go"):
-            searches += 1
-            answer(fault if searches == 3 else "none", position)
+        elif line == "ucinewgame":
+            begin_game(fault)
+        elif line.startswith("setoption name Ponder"):
+            ponders = line.endswith("true")
+        elif line.startswith("go ponder") and fault != "early":
+            pondering = True
+        elif line.startswith("go") or (pondering and line in ("stop", "ponderhit")):
+            searches, pondering = searches + 1, False
+            answer(fault if searches == 3 else "none", position, ponders)
         elif line == "quit":
             sys.exit(4 if fault == "status" else 0)
 

@@ -16,6 +16,8 @@ SPOILED = {
     "move": (r"^move .*$", "move e1e8"),
     "reply": (r"^PONDERING .*$", "PONDERING e1e8"),
     "hit": (r"^PONDER HIT.*$", "PONDER NOT HIT. STOPPING"),
+    "double": (r"^(move .*)$", r"\1\n\1"),
+    "unwanted": (r"^(move .*)$", r"\1\nPONDERING a7a6"),
     "count": (r"^Ponder hits = (\d+)", r"Ponder hits = 9\1"),
 }
 

@@ -31,6 +31,9 @@ CASTLING = {
 # King's target when castling -> the rook's squares before and after.
 ROOK_JUMP = {27: (28, 26), 23: (21, 24), 97: (98, 96), 93: (91, 94)}
 
+# A move as the protocols write it.
+COORDINATES = re.compile(r"[a-h][1-8][a-h][1-8][qrbn]?$")
+
 Move = collections.namedtuple("Move", "origin target promotion")
 
 
@@ -56,6 +59,7 @@ class Position:
 
     def __init__(self, fen=START):
         fields = fen.split()
+        self.legal = None
         self.cells = ["#"] * 120
         for rank, row in enumerate(fields[0].split("/")):
             index = 91 - 10 * rank
@@ -140,29 +144,38 @@ class Position:
             if self.cells[target] == "." or self.enemy(self.cells[target]):
                 yield Move(origin, target, "")
 
-    def castling_moves(self):
+    def castling_moves(self, origin):
         for right in self.rights:
             king, empty, safe, target = CASTLING[right]
-            if is_white(right) != self.white or any(self.cells[i] != "." for i in empty):
+            if is_white(right) != self.white or king != origin or any(self.cells[i] != "." for i in empty):
                 continue
             if not any(self.attacked(i, not self.white) for i in safe):
                 yield Move(king, target, "")
 
-    def pseudo_legal_moves(self):
-        for origin in range(21, 99):
+    def pseudo_legal_moves(self, origins=range(21, 99)):
+        """Moves of the side to move's pieces on `origins`, king's safety aside."""
+        for origin in origins:
             if not self.own(self.cells[origin]):
                 continue
             kind = self.cells[origin].lower()
             yield from self.pawn_moves(origin) if kind == "p" else self.piece_moves(origin, kind)
-        yield from self.castling_moves()
+            if kind == "k":
+                yield from self.castling_moves(origin)
+
+    def is_safe(self, move):
+        """Whether a pseudo-legal move leaves the mover's king unattacked."""
+        return not self.play(move).in_check(self.white)
 
     def legal_moves(self):
-        return [move for move in self.pseudo_legal_moves()
-                if not self.play(move).in_check(self.white)]
+        """All legal moves; computed once for a position."""
+        if self.legal is None:
+            self.legal = [move for move in self.pseudo_legal_moves() if self.is_safe(move)]
+        return self.legal
 
     def play(self, move):
         """The position after a move of `pseudo_legal_moves`."""
         after = Position.__new__(Position)
+        after.legal = None
         cells = after.cells = self.cells[:]
         piece, taken = cells[move.origin], cells[move.target]
         pawn = piece.lower() == "p"
@@ -213,7 +226,10 @@ def perft(position, depth):
 
 def find_move(position, text):
     """The legal move with that coordinate text, or None."""
-    return next((m for m in position.legal_moves() if move_text(m) == text), None)
+    if not COORDINATES.match(text):
+        return None
+    moves = position.pseudo_legal_moves([square_index(text)])
+    return next((m for m in moves if move_text(m) == text and position.is_safe(m)), None)
 
 
 SAN = re.compile(r"([NBRQK]?)([a-h]?)([1-8]?)x?([a-h][1-8])(?:=?([NBRQ]))?[+#]?$")

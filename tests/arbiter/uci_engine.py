@@ -1,6 +1,7 @@
 """A UCI engine as a child process, as an interface sees it: lines go in, lines
 come out with the time they arrived, and waiting never lasts for ever."""
 
+import pathlib
 import queue
 import shlex
 import subprocess
@@ -14,11 +15,14 @@ class EngineFault(Exception):
 
 
 class UciEngine:
-    """Runs `command` in a folder of its own, which is removed by `close`."""
+    """Runs `command` in a folder of its own, which is removed by `close`. With
+    `settings` the folder has them as its config.txt."""
 
-    def __init__(self, name, command):
+    def __init__(self, name, command, settings=None):
         self.name = name
         self.folder = tempfile.TemporaryDirectory(prefix="mirvo-arbiter-")
+        if settings is not None:
+            (pathlib.Path(self.folder.name) / "config.txt").write_text(settings)
         self.process = subprocess.Popen(
             shlex.split(command), cwd=self.folder.name, stdin=subprocess.PIPE,
             stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, bufsize=1,

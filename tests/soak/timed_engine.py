@@ -1,0 +1,67 @@
+"""An engine whose answers are timed, and how much of a time was the machine's.
+
+A process that is ready to run may have to wait while others have the
+processors. The system counts that time for every thread, so that it can be told
+from the engine's own time.
+"""
+
+import re
+import threading
+import time
+
+import starts  # noqa: F401  (finds the arbiter's folder)
+from process_figures import waited
+from uci_engine import UciEngine
+
+ALLOTTED = re.compile(r"Allowing (\d+) ms for move")
+ANSWER = ("bestmove", "readyok", "move ")
+
+
+class TimedEngine(UciEngine):
+    """Notes with every answer how long the engine and the thread that reads
+    the answer had been kept waiting until then."""
+
+    def __init__(self, name, command, settings=None):
+        self.waits = {}  # arrival of an answer -> what `waits_now` was
+        self.reading = None  # the reader's thread
+        super().__init__(name, command, settings)
+
+    def _read(self):
+        self.reading = threading.get_native_id()
+        for line in self.process.stdout:
+            arrival = time.monotonic()
+            if line.startswith(ANSWER):
+                self.waits[arrival] = self.waits_now()
+            self.lines.put((arrival, line.rstrip("\r\n")))
+        self.lines.put((time.monotonic(), None))
+
+    def waits_now(self):
+        """Milliseconds that the engine and the reader have waited so far."""
+        return waited(self.process.pid), waited("self", self.reading)
+
+
+class Turn:
+    """Times of one answer, in milliseconds. `wall` is what an interface sees;
+    `own` leaves out the waiting of the engine and then of the reader. An engine
+    that does not rest after its answer may wait at the same time as the reader:
+    then only the longer of both counts, never more than both waited together. A
+    wait that is under way when the turn begins counts whole, for want of better."""
+
+    def __init__(self, engine, rests=True):
+        self.engine, self.rests = engine, rests
+        self.before = engine.waits_now()
+        self.start = time.monotonic()
+        self.wall = self.own = 0.0
+        self.allotted = None
+
+    def end(self, arrival):
+        self.wall = 1000 * (arrival - self.start)
+        after = self.engine.waits.pop(arrival)
+        waits = [max(now - then, 0.0) for now, then in zip(after, self.before)]
+        self.own = max(self.wall - (sum(waits) if self.rests else max(waits)), 0.0)
+
+    def note(self, line):
+        """Looks for the allotted time in a line that came before the answer."""
+        found = ALLOTTED.search(line)
+        if found:
+            self.allotted = int(found.group(1))
