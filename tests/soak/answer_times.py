@@ -34,9 +34,9 @@ LIMIT = 20  # seconds after which an answer is missing
 # Positions whose search no mate and no last depth ends.
 SEARCHED = POSITIONS[:7] + [fen for fen in POSITIONS if fen.startswith(("2r3k1", "R6R"))]
 
-# What the engine was told before its input ended.
-IDLE_STATES = {"no protocol": [], "UCI": ["uci"], "XBoard": ["xboard"],
-               "UCI, pondering": ["uci", "position startpos", "go ponder"]}
+# What the engine is told before its input ends, and the answer to wait for.
+IDLE_STATES = [([], None), (["uci"], "uciok"), (["xboard"], "feature"),
+               (["uci", "position startpos", "go ponder"], "uciok")]
 
 Result = collections.namedtuple("Result", "name unit own wall bound")
 
@@ -107,14 +107,16 @@ class Measuring:
                       [turn.wall - turn.allotted for turn in turns], self.options.overstep)
 
 
-def processor_share(options, lines):
+def processor_share(options, lines, answer):
     """Per cent of a processor that an engine takes whose input has ended."""
     engine = UciEngine("idle engine", options.engine)
     try:
         for line in lines:
             engine.send(line)
+        if answer:
+            engine.wait_for(answer, LIMIT)
         engine.process.stdin.close()
-        time.sleep(0.5)
+        time.sleep(1)  # for what it was doing to end
         pid, start = engine.process.pid, time.monotonic()
         before = processor_time(pid)
         time.sleep(options.idle_time)
@@ -126,7 +128,7 @@ def processor_share(options, lines):
 
 
 def idleness(options):
-    shares = [processor_share(options, lines) for lines in IDLE_STATES.values()]
+    shares = [processor_share(options, *state) for state in IDLE_STATES]
     return Result("processor time after the end of input", "%", shares, shares, options.idle)
 
 

@@ -8,6 +8,7 @@ import io
 import pathlib
 import sys
 import unittest
+import unittest.mock
 
 import answer_times
 
@@ -26,7 +27,9 @@ BROKEN = {
 def run(fault):
     """A short measuring with bounds that only the fault breaks."""
     text = io.StringIO()
-    with contextlib.redirect_stdout(text):
+    states = [(["uci"], "uciok")]
+    with contextlib.redirect_stdout(text), unittest.mock.patch.object(
+            answer_times, "IDLE_STATES", states):
         status = answer_times.main([
             f"{sys.executable} {FAULTY} {fault}", "--tries", "3", "--load", "0",
             "--judge", "own", "--answer", "150", "--overstep", "150", "--idle", "3",
