@@ -6,13 +6,10 @@ Usage: compare_peers.py MIRVO [--rounds N] [--seconds S] [--depth D] [--core C]
 
 import argparse
 import os
-import shutil
 import statistics
-import subprocess
 import tempfile
 
-SEARCH_PATH = os.environ.get("PATH", "") + ":/usr/games"
-TICKS = os.sysconf("SC_CLK_TCK")
+from engine import Engine, read_nodes
 
 POSITIONS = [
     "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1",
@@ -29,112 +26,65 @@ SEARCHERS = [
 ]
 
 
-class Child:
-    """An engine on one core, with its processor time."""
-
-    def __init__(self, command, core, folder):
-        path = shutil.which(command[0], path=SEARCH_PATH)
-        self.process = subprocess.Popen(
-            ["taskset", "-c", str(core), path, *command[1:]], cwd=folder, text=True,
-            stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, bufsize=1)
-
-    def send(self, line):
-        self.process.stdin.write(line + "\n")
-        self.process.stdin.flush()
-
-    def lines(self):
-        for line in self.process.stdout:
-            yield line.strip()
-
-    def wait_for(self, *beginnings):
-        """The first line that begins with one of the words."""
-        return next(line for line in self.lines() if line.startswith(beginnings))
-
-    def seconds(self):
-        """Processor time used so far; taskset becomes the engine, so it is its."""
-        with open(f"/proc/{self.process.pid}/stat", encoding="ascii") as file:
-            fields = file.read().rsplit(")", 1)[1].split()
-        return (int(fields[11]) + int(fields[12])) / TICKS
-
-    def close(self):
-        self.process.kill()
-        self.process.wait()
-
-
 def mirvo_perft(mirvo, options, folder):
-    child = Child([mirvo, "-perft", str(options.depth)], options.core, folder)
-    child.wait_for("Performing")
-    start = child.seconds()
-    for line in child.lines():
+    engine = Engine([mirvo, "-perft", str(options.depth)], options.core, folder)
+    engine.wait_for("Performing")
+    start = engine.seconds()
+    for line in engine.lines():
         if line.startswith("Splits"):
-            used = child.seconds() - start
+            used = engine.seconds() - start
         if line.split()[:1] == [str(options.depth)]:
             break
-    child.close()
+    engine.kill()
     return int(line.split()[1]), used
 
 
 def sjeng_perft(options, folder):
-    child = Child(["sjeng"], options.core, folder)
-    start = child.seconds()
-    child.send(f"perft {options.depth}")
-    for line in child.lines():
+    engine = Engine(["sjeng"], options.core, folder)
+    start = engine.seconds()
+    engine.send(f"perft {options.depth}")
+    for line in engine.lines():
         if "Sjeng: " in line and line.split()[-1].isdigit():
             break
-    used = child.seconds() - start
-    child.close()
+    used = engine.seconds() - start
+    engine.kill()
     return int(line.split()[-1]), used
 
 
 def ethereal_perft(options, folder):
-    child = Child(["ethereal-chess"], options.core, folder)
-    child.send("uci")
-    child.wait_for("uciok")
-    start = child.seconds()
-    child.send(f"perft {options.depth}")
-    line = next(line for line in child.lines() if line.isdigit())
-    used = child.seconds() - start
-    child.close()
+    engine = Engine(["ethereal-chess"], options.core, folder)
+    engine.start_uci()
+    start = engine.seconds()
+    engine.send(f"perft {options.depth}")
+    line = next(line for line in engine.lines() if line.isdigit())
+    used = engine.seconds() - start
+    engine.kill()
     return int(line), used
-
-
-def read_nodes(line):
-    """The node count of an "info" line, or None."""
-    words = line.split()
-    if words[:1] == ["info"] and "nodes" in words[:-1]:
-        return int(words[words.index("nodes") + 1])
-    return None
 
 
 def search_speed(command, settings, options, folder):
     """Nodes and processor seconds over all positions, at each position's last
     report within the time."""
-    child = Child(command, options.core, folder)
-    child.send("uci")
-    child.wait_for("uciok")
-    for setting in settings:
-        child.send("setoption name " + setting)
+    engine = Engine(command, options.core, folder)
+    engine.start_uci(settings)
     nodes, seconds = 0, 0.0
     for fen in POSITIONS:
-        child.send("ucinewgame")
-        child.send("isready")
-        child.wait_for("readyok")
-        start = child.seconds()
-        child.send("position fen " + fen)
-        child.send("go infinite")
+        engine.new_position(fen)
+        start = engine.seconds()
+        engine.send("go infinite")
         best = (0, 0.0)
         stopped = False
-        for line in child.lines():
-            used = child.seconds() - start
+        for line in engine.lines():
+            used = engine.seconds() - start
             if read_nodes(line) and not stopped:
                 best = (read_nodes(line), used)
             if used >= options.seconds and not stopped:
                 stopped = True
-                child.send("stop")
+                engine.send("stop")
             if line.startswith("bestmove"):
                 break
         nodes, seconds = nodes + best[0], seconds + best[1]
-    child.close()
+    engine.kill()
     return nodes, seconds
 
 
