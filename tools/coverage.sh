@@ -21,6 +21,7 @@ export PATH="$PATH:/usr/games"
 
 status=0
 if [ "${1:-}" != report ]; then
+  find build/coverage -name '*.gcda' -delete 2>/dev/null
   cmake --preset coverage && cmake --build --preset coverage || exit 1
   find build/coverage -name '*.gcda' -delete
   ctest --preset coverage --parallel "$(nproc)" || status=$?
