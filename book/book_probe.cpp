@@ -71,12 +71,13 @@ void PrintEntry(const BookEntry& entry, std::int64_t total) {
 Move ChooseByWeight(const AcceptedMoves& accepted) {
   if (accepted.count == 1 || accepted.total <= 0) return accepted.moves[0];
   const std::int64_t chosen = NextRandom() % accepted.total;
+  const int last = accepted.count - 1;
   std::int64_t sum = 0;
-  for (int i = 0; i < accepted.count; ++i) {
+  for (int i = 0; i < last; ++i) {
     sum += accepted.weights[i];
     if (sum > chosen) return accepted.moves[i];
   }
-  return accepted.moves[accepted.count - 1];
+  return accepted.moves[last];
 }
 
 }  // namespace

@@ -43,15 +43,8 @@ void AllotTime(const UciSession& session) {
 
 /// Whether the running "go" has nothing but a command to wait for.
 bool NeedsCommand(const UciSession& session) {
-  switch (session.answerRule) {
-    case AnswerRule::whenDone:
-      return false;
-    case AnswerRule::onCommand:
-      return true;
-    case AnswerRule::onPonderEnd:
-      return searchFlags.pondering != 0;
-  }
-  return false;
+  if (session.answerRule == AnswerRule::onPonderEnd) return searchFlags.pondering != 0;
+  return session.answerRule == AnswerRule::onCommand;
 }
 
 /// A search that finishes early keeps its answer until it may be given.

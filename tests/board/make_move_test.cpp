@@ -391,6 +391,29 @@ TEST(EnPassantAvailable, HoldsForAPositionSetUpWithTheSquare) {
   EXPECT_FALSE(EnPassantAvailable(BoardFrom("4k3/8/2n5/2pP4/8/8/8/4K3 w - c6")));
 }
 
+TEST(EnPassantAvailable, NeedsAFieldOnTheBoardAndAPawnThatJustMovedTwoSquares) {
+  Board board = BoardFrom("4k3/8/8/8/3p4/8/4P3/4K3 w -");
+  Play(board, "e2e4");
+  struct Change {
+    const char* what;
+    void (*make)(Board& board);
+  };
+  constexpr Change changes[] = {
+      {"no file", [](Board& b) { b.epFile = 8; }},
+      {"no rank", [](Board& b) { b.epRank = 8; }},
+      {"no side", [](Board& b) { b.epColour = 2; }},
+      {"a knight", [](Board& b) { b.undoStack[0].move = BuildMove(12, 28, white, knight); }},
+      {"one square", [](Board& b) { b.undoStack[0].move = BuildMove(20, 28, white, pawn); }},
+      {"another file", [](Board& b) { b.undoStack[0].move = BuildMove(11, 27, white, pawn); }},
+  };
+  EXPECT_TRUE(EnPassantAvailable(board));
+  for (const Change& change : changes) {
+    Board changed = board;
+    change.make(changed);
+    EXPECT_FALSE(EnPassantAvailable(changed)) << change.what;
+  }
+}
+
 // Null moves and passes.
 
 TEST(NullMove, PassesTheTurnAndIsTakenBack) {

@@ -199,6 +199,14 @@ TEST_F(LoadBookTest, ADirectoryHasNoEntries) {
   EXPECT_EQ(book.loaded, 1U);
 }
 
+TEST_F(LoadBookTest, MergingADirectoryLeavesTheEntries) {
+  AppendEntry(1, Word("e2e4", white, pawn), 1, 1);
+  if (!LoadBook(book, scratch.root.string().c_str(), false)) GTEST_SKIP() << "does not open";
+  EXPECT_EQ(FindEntry(book, 1), 0);
+  EXPECT_EQ(book.entries[0].moveCount, 1);
+  EXPECT_EQ(book.count, 2);  // and the empty entry
+}
+
 TEST_F(LoadBookTest, AnEndlessStreamHasNoEntries) {
   std::FILE* endless = std::fopen("/dev/zero", "rb");
   if (endless == nullptr) GTEST_SKIP() << "no such stream here";

@@ -39,6 +39,14 @@ TEST_F(OpeningBookTest, FindsEntriesAppendedAfterASearch) {
   EXPECT_EQ(FindEntry(book, 11), 1);
 }
 
+TEST_F(OpeningBookTest, DoesNotFindWhatAShorterBookNoLongerHolds) {
+  for (const std::uint64_t key : {7, 11, 13}) AppendEntry(key, noMove, 1, 1);
+  EXPECT_EQ(FindEntry(book, 13), 2);
+  book.count = 1;
+  EXPECT_EQ(FindEntry(book, 13), -1);
+  EXPECT_EQ(FindEntry(book, 7), 0);
+}
+
 TEST_F(OpeningBookTest, FindsWhatALinearSearchFinds) {
   // Few different keys, so many are equal and many are absent.
   std::mt19937 random(20);

@@ -101,7 +101,7 @@ TEST(ParseSuite, LeadingBlanksDoNotCountForTheLength) {
 }
 
 TEST(ParseSuite, ALongUnknownPieceReallyIsThePositionThatLaterOperationsBelongTo) {
-  const Suite suite = ParseSuite(Line("bm Ra8; c9 \"a comment\"; c0 \"Ra8=5\";"));
+  const Suite suite = ParseSuite(Line(R"(bm Ra8; c9 "a comment"; c0 "Ra8=5";)"));
   ASSERT_EQ(suite.size(), 2U);
   EXPECT_EQ(Points(suite[0]), "");
   EXPECT_EQ(Points(suite[1]), "56:3=5|");
@@ -396,6 +396,18 @@ TEST(ReadSuite, AnEmptyFileHasNoPositions) {
   Suite suite(3);
   EXPECT_TRUE(ReadSuite(file.Name().c_str(), suite));
   EXPECT_TRUE(suite.empty());
+}
+
+TEST(ReadSuite, AFileLargerThanWhatIsReadAtATimeIsReadWhole) {
+  constexpr int nLines = 900;
+  const std::string padding = std::string(200, 'x');
+  std::string text;
+  for (int i = 0; i < nLines; ++i) text += Line("bm Ra8; id \"") + padding + "\";\n";
+  const TemporaryFile file(text);
+  Suite suite;
+  ASSERT_TRUE(ReadSuite(file.Name().c_str(), suite));
+  ASSERT_EQ(suite.size(), std::size_t{nLines});
+  for (const SuitePosition& position : suite) ASSERT_EQ(BestTexts(position), "Ra8|");
 }
 
 TEST(ReadSuite, AMissingFileAFolderAndAnEmptyNameAreNotRead) {

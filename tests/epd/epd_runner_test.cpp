@@ -112,7 +112,7 @@ class RunSuiteTest : public testing::Test {
   RunSuiteTest& operator=(const RunSuiteTest&) = delete;
 
   std::string Write(const std::string& text, const std::string& name = "suite.epd") const {
-    const std::string path = (folder_ / name).string();
+    std::string path = (folder_ / name).string();
     std::ofstream(path, std::ios::binary) << text;
     return path;
   }

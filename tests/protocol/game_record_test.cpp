@@ -81,6 +81,16 @@ TEST_F(GameFiles, AFinishedGameIsTheTagSectionAndBlankLines) {
             "[BlackType \"program\"]\n\n\n\n\n\n");
 }
 
+TEST_F(GameFiles, WithoutRoomForMovesTheTagsAreSaved) {
+  FinishedGame record;
+  const GameTags tags;
+  record.tags = &tags;
+  SaveGame(record, 1);
+  const std::string text = Read("game000000.pgn");
+  EXPECT_TRUE(text.starts_with("[Event \"\"]\n"));
+  EXPECT_TRUE(text.ends_with("[BlackType \"\"]\n\n\n\n\n\n"));
+}
+
 TEST_F(GameFiles, AGameWithoutIcsHasAnEmptySite) {
   engineConfig.LoggingMode = 1;
   PlayOneGame("result 0-1\n");

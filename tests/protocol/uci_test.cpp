@@ -51,6 +51,13 @@ TEST_F(UciCommands, UnknownLinesAreIgnored) {
   EXPECT_EQ(PlayUci("debug on\nregister later\nsetoption Ponder\nponderx\n%s%n\n"), "");
 }
 
+TEST_F(UciCommands, OnlyGoSearches) {
+  EXPECT_TRUE(UciLineSearches("go depth 3\n"));
+  for (const char* line : {"isready\n", "position startpos\n", "nonsense\n", "\n"}) {
+    EXPECT_FALSE(UciLineSearches(line)) << line;
+  }
+}
+
 TEST_F(UciCommands, QuitEndsTheProcessWithStatus0) {
   std::uint8_t state = 0;
   EXPECT_EXIT(HandleUciLine(state, "quit\n"), ::testing::ExitedWithCode(0), "");

@@ -254,6 +254,9 @@ TEST(HashMoveLookupTest, CopiesTheScoreAndAlwaysSaysNo) {
   EXPECT_EQ(EvalHashTable.lastKey, 77U);
   EXPECT_FALSE(HashMoveLookup(78, score));
   EXPECT_EQ(score, 31);
+  HashSlot(EvalHashTable, 0).score = 12;  // an empty slot's key is zero
+  EXPECT_FALSE(HashMoveLookup(0, score));
+  EXPECT_EQ(score, 31);
   HashRelease(EvalHashTable);
 }
 

@@ -243,6 +243,26 @@ TEST_F(Thinking, PonderingHoldsTheLastDepthUntilTheHit) {
   EXPECT_LE(CountLines("info depth 2 seldepth"), 2);
 }
 
+Board* heldBoard = nullptr;
+
+TEST_F(Thinking, ARepeatedDepthThatSaysSomethingNewIsReportedAgain) {
+  heldBoard = &board;
+  searchFlags.pondering = 1;
+  searchHooks.pollInput = [] {
+    // Behind the first report the position is another one.
+    if (++nPolls == 10) test::SetPosition(*heldBoard, "8/8/8/3k4/8/8/3Q4/3K4 w -");
+    if (nPolls > 40) searchFlags.StopSearch = 1;
+  };
+  Run("8/8/8/3k4/8/8/3P4/3K4 w -", 2);
+  std::string last;
+  for (const std::string& line : lines) {
+    if (line.starts_with("info depth 2 seldepth")) last = line;
+  }
+  const std::size_t score = last.find("score cp ");
+  ASSERT_NE(score, std::string::npos);
+  EXPECT_GT(std::stoi(last.substr(score + 9)), 900) << last;  // a queen instead of a pawn
+}
+
 TEST_F(Thinking, PonderingOnAMateWaitsForTheHit) {
   searchFlags.pondering = 1;
   searchHooks.pollInput = [] {
@@ -377,6 +397,21 @@ TEST_F(Thinking, ExtensionSettingsOfAnySizeEnd) {
   for (const std::int32_t percent : {smallest, -1, 0, greatest}) {
     engineConfig.MaxNumExtPerDepth = percent;
     EXPECT_TRUE(IsLegalMove(board, Run("8/P6k/8/8/8/8/p6K/8 w -", 4).best)) << percent;
+  }
+}
+
+TEST_F(Thinking, TheExtensionLimitIsAPercentageOfTheDepthUpToABillion) {
+  test::SetPosition(board, "3R2k1/5ppp/8/8/8/8/8/4K3 b -");  // mated: any depth is quick
+  struct Case {
+    std::int32_t percent, depth, limit;
+  };
+  constexpr Case cases[] = {
+      {50, 7, 3}, {200, 10, 20}, {greatest, 60, 1000000000}, {smallest, 60, -1000000000}};
+  for (const Case& c : cases) {
+    engineConfig.MaxNumExtPerDepth = c.percent;
+    SearchState state;
+    SearchRoot(state, board, NodeInput{-infiniteScore, infiniteScore, c.depth}, nullptr);
+    EXPECT_EQ(state.extensionLimit, c.limit) << c.percent;
   }
 }
 

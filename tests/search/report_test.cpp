@@ -77,6 +77,20 @@ TEST_F(Reports, InTheFirstMillisecondTheSpeedIsZero) {
   EXPECT_NE(Report(0).find(" time 0 score cp 0 nodes 10000 nps 0 pv "), std::string::npos);
 }
 
+TEST_F(Reports, ASpeedBeyond31BitsStaysAtTheLargest) {
+  protocolMode.mode = uciProtocol;
+  fakeTicks = 1001;
+  record.state.nodeCount = 2000000000U;
+  EXPECT_NE(Report(0).find(" time 1 score cp 0 nodes 2000000000 nps 2147483520 pv "),
+            std::string::npos);
+}
+
+TEST_F(Reports, AClockThatWentBackShowsNoTime) {
+  protocolMode.mode = uciProtocol;
+  fakeTicks = 900;
+  EXPECT_NE(Report(0).find(" time 0 score cp 0 nodes 10000 nps 0 pv "), std::string::npos);
+}
+
 TEST_F(Reports, XBoardTakesCentisecondsAndAlgebraicMoves) {
   protocolMode.mode = xboardProtocol;
   EXPECT_EQ(Report(123), " 7    123    250    10000 e4 Nc6 \n");

@@ -112,6 +112,31 @@ TEST_F(MainSearch, ATableCutoffReturnsAtNonPvNodesOnly) {
   EXPECT_GT(state.nodeCount, 0U);
 }
 
+TEST_F(MainSearch, KeyZeroIsNotInTheTable) {
+  test::SetPosition(board, middleGame);
+  board.positionKey = 0;
+  HashEntry& empty = HashSlot(TranspositionTable, 0);
+  empty.score = 123;
+  empty.bound = exactBound;
+  empty.depth = 9;
+  Search(state, board, NodeInput{10, 11, 1}, nullptr);
+  EXPECT_EQ(TranspositionTable.hits, 0U);
+  EXPECT_GT(TranspositionTable.conflicts, 0U);
+}
+
+TEST_F(MainSearch, AnExcludedMoveIsNotSearched) {
+  // The pawn may take the queen, or lose against it.
+  test::SetPosition(board, "4k3/8/8/3q4/4P3/8/8/4K3 w -");
+  NodeInput input{-open, open, 1};
+  EXPECT_GT(Search(state, board, input, nullptr), 0);
+  input.excluded = BuildMove(28, 35, white, pawn);  // e4xd5
+  EXPECT_LT(Search(state, board, input, nullptr), -500);
+  // Without its only move Black is stalemated.
+  test::SetPosition(board, "k7/8/1K6/8/8/8/8/8 b -");
+  input.excluded = BuildMove(56, 57, black, king);  // Ka8-b8
+  EXPECT_EQ(Search(state, board, input, nullptr), 0);
+}
+
 TEST_F(MainSearch, TableCountersTellConflictsMissesAndHits) {
   test::SetPosition(board, middleGame);
   const std::uint64_t key = board.positionKey;

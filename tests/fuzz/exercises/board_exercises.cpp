@@ -1,4 +1,5 @@
 // Positions and moves from text.
+#include <algorithm>
 #include <cstdio>
 #include <iterator>
 #include <memory>
@@ -93,10 +94,7 @@ BrokenPromise PlayUnderXBoard(const char* position, const std::vector<std::strin
 
 /// The part of a move list that the front end reads.
 bool IsListText(const std::string& line) {
-  for (const char c : line) {
-    if (c < ' ' || c > 'z') return false;
-  }
-  return true;
+  return std::all_of(line.begin(), line.end(), [](char c) { return c >= ' ' && c <= 'z'; });
 }
 
 }  // namespace

@@ -125,7 +125,7 @@ const std::string& ScratchFolder() {
 }
 
 std::string WriteScratchFile(const char* name, std::string_view bytes) {
-  const std::string path = ScratchFolder() + "/" + name;
+  std::string path = ScratchFolder() + "/" + name;
   std::FILE* file = std::fopen(path.c_str(), "wb");
   if (file == nullptr) return path;
   std::fwrite(bytes.data(), 1, bytes.size(), file);

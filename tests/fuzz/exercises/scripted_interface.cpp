@@ -70,6 +70,7 @@ std::uint32_t Waiting() {
 int Read(char* buffer, std::size_t size, bool wait) {
   if (session.bytes.empty() && wait) Receive(&ScriptedInterface::SayWhileIdle);
   const std::size_t n = std::min(size, session.bytes.size());
+  // Bytes, not a text. NOLINTNEXTLINE(bugprone-not-null-terminated-result)
   std::memcpy(buffer, session.bytes.data(), n);
   session.bytes.erase(0, n);
   if (n > 0) return static_cast<int>(n);
