@@ -23,6 +23,17 @@ constexpr Bitboard OnBackRank(int side, Bitboard files) { return files << (8 * B
 constexpr Bitboard longPathFiles = 0x0E;   // b, c, d
 constexpr Bitboard shortPathFiles = 0x60;  // f, g
 
+constexpr Bitboard fileA = 0x0101010101010101ULL;
+constexpr Bitboard fileH = fileA << 7;
+
+// Everything that pawns of a side on `squares` would attack.
+template <int side>
+constexpr Bitboard AttackedByPawns(Bitboard squares) {
+  const Bitboard left = squares & ~fileA;
+  const Bitboard right = squares & ~fileH;
+  return side == white ? left << 7 | right << 9 : left >> 9 | right >> 7;
+}
+
 // Promotions stand in the list from queen down to knight.
 Move* AddPromotions(Move* next, Move move) {
   *next++ = move | PromotionBits(queen);
@@ -73,6 +84,8 @@ inline void BBMoveGenerator2::AddPieceMoves(Bitboard targets, Move flags) {
   }
 }
 
+// Pawns that attack no victim are not looked at; of the others each has its
+// captures from the highest target down, en passant last.
 template <int us>
 void BBMoveGenerator2::AddPawnCaptures() {
   constexpr int them = us ^ 1;
@@ -82,7 +95,9 @@ void BBMoveGenerator2::AddPawnCaptures() {
                          us == board->sideToMove && EnPassantAvailable(*board);
   const int epSquare = enPassant ? SquareAt(board->epRank, board->epFile) : 0;
   const Bitboard epBit = enPassant ? Bit(epSquare) : 0;
-  for (Bitboard set = board->pieces[PieceIndex(us, pawn)]; set != 0 && HasRoom();) {
+  const Bitboard takers =
+      board->pieces[PieceIndex(us, pawn)] & AttackedByPawns<them>(victims | epBit);
+  for (Bitboard set = takers; set != 0 && HasRoom();) {
     const int from = PopHighest(set);
     const Move origin = common | static_cast<Move>(from);
     for (Bitboard targets = PawnAttacks[us][from] & victims; targets != 0;) {
@@ -100,26 +115,29 @@ void BBMoveGenerator2::AddPawnCaptures() {
   }
 }
 
+// From the highest pawn that can step down; its double step follows its step.
 template <int us>
 void BBMoveGenerator2::AddPawnPushes() {
   constexpr Move common = SideBits(us) | KindBits(pawn);
   constexpr int forward = us == white ? 8 : -8;
-  const Bitboard occupied = board->occupied;
-  // A pawn on its last rank has nowhere to go.
-  for (Bitboard set = board->pieces[PieceIndex(us, pawn)] & ~(rank1 << (8 * LastRank(us)));
-       set != 0 && HasRoom();) {
+  // What a step adds to a move word; a step down takes from it.
+  constexpr Move step = static_cast<Move>(forward) << moveToShift;
+  constexpr Move inPlace = 1 | 1 << moveToShift;
+  const Bitboard empty = ~board->occupied;
+  // Steps off the board leave no bit behind.
+  const Bitboard free = us == white ? empty >> 8 : empty << 8;
+  const Bitboard free2 = us == white ? empty >> 16 : empty << 16;
+  const Bitboard doubles = free2 & (rank1 << (8 * SecondRank(us)));
+  for (Bitboard set = board->pieces[PieceIndex(us, pawn)] & free; set != 0 && HasRoom();) {
     const int from = PopHighest(set);
-    const int to = from + forward;
-    if ((occupied & Bit(to)) != 0) continue;
-    const Move move = common | static_cast<Move>(from) | (static_cast<Move>(to) << moveToShift);
-    if (RankOf(to) == LastRank(us)) {
+    const Move move = (common | static_cast<Move>(from) * inPlace) + step;
+    if (RankOf(from) == RankOf(SquareAt(LastRank(us), 0) - forward)) [[unlikely]] {
       next = AddPromotions(next, move);
       continue;
     }
     *next++ = move;
-    if (RankOf(from) == SecondRank(us) && (occupied & Bit(to + forward)) == 0) {
-      *next++ = common | static_cast<Move>(from) | (static_cast<Move>(to + forward) << moveToShift);
-    }
+    *next = move + step;
+    next += doubles >> from & 1;
   }
 }
 

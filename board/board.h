@@ -22,7 +22,7 @@ static_assert(sizeof(CastlingFlags) == 8);
 
 /// The part of a position that UnmakeMove puts back as it was instead of
 /// computing it: one line of the processor's cache, copied whole.
-struct alignas(16) PositionState {
+struct alignas(64) PositionState {
   // The four views of all pieces, in the order of RotatedBits.
   std::uint64_t occupied;
   std::uint64_t occupiedRot90;

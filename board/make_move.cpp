@@ -1,7 +1,9 @@
 #include "board/make_move.h"
 
 #include <cassert>
+#include <cstddef>
 #include <cstdlib>
+#include <cstring>
 
 #include "board/bits.h"
 #include "board/keys.h"
@@ -24,21 +26,30 @@ namespace {
 
 const RotatedBits& RotatedOf(int square) { return RotatedBitsOf[static_cast<std::size_t>(square)]; }
 
-// Adds or removes a square in all four views; they lie next to each other on
-// the board and in the table, so that the compiler can take them two at a time.
+// The four views taken two at a time: they lie next to each other on the board,
+// in its records and in the table of their bits.
+using ViewPair [[gnu::vector_size(16), gnu::may_alias]] = std::uint64_t;
+static_assert(offsetof(PositionState, occupied) == 0 && alignof(PositionState) % sizeof(ViewPair) == 0);
+static_assert(offsetof(PositionState, occupiedDiagA8H1) == 2 * sizeof(ViewPair) - 8);
+static_assert(sizeof(RotatedBits) == 2 * sizeof(ViewPair));
+
+ViewPair* ViewPairsOf(PositionState& state) { return reinterpret_cast<ViewPair*>(&state); }
+const ViewPair* ViewPairsOf(const RotatedBits& bits) {
+  return reinterpret_cast<const ViewPair*>(&bits);
+}
+
+// Adds or removes a square in all four views.
 void ToggleViews(Board& board, const RotatedBits& bits) {
-  board.occupied ^= bits.plain;
-  board.occupiedRot90 ^= bits.rot90;
-  board.occupiedDiagA1H8 ^= bits.diagA1H8;
-  board.occupiedDiagA8H1 ^= bits.diagA8H1;
+  ViewPair* views = ViewPairsOf(board);
+  views[0] ^= ViewPairsOf(bits)[0];
+  views[1] ^= ViewPairsOf(bits)[1];
 }
 
 // The same for two squares that are not both in the views.
 void ToggleViews(Board& board, const RotatedBits& one, const RotatedBits& other) {
-  board.occupied ^= one.plain ^ other.plain;
-  board.occupiedRot90 ^= one.rot90 ^ other.rot90;
-  board.occupiedDiagA1H8 ^= one.diagA1H8 ^ other.diagA1H8;
-  board.occupiedDiagA8H1 ^= one.diagA8H1 ^ other.diagA8H1;
+  ViewPair* views = ViewPairsOf(board);
+  views[0] ^= ViewPairsOf(one)[0] ^ ViewPairsOf(other)[0];
+  views[1] ^= ViewPairsOf(one)[1] ^ ViewPairsOf(other)[1];
 }
 
 // Kind of the enemy piece on a square that holds one. When text input has put
@@ -65,7 +76,6 @@ void PushRecord(const Board& board, UndoRecord& undo, Move move) {
   undo.castledShort = 0;
   undo.castledLong = 0;
   undo.epCapture = 0;
-  undo.capturedKind = pawn;
 }
 
 // Takes the rights of a side that still has some out of the key.
@@ -215,26 +225,30 @@ bool TakeVictim(Board& board, UndoRecord& undo, Move move, int landedKind) {
   return undo.captured != 0;
 }
 
-// One text for all kinds of pieces, compiled for each: with the kind known in
-// every line of it, an average move takes half the work. `takes` tells whether
-// the target is occupied or the move takes en passant; a quiet move finds that
-// out itself, before it changes anything.
-template <int side, int kind, bool promotes = false, bool takes = false>
+// Two ranks up or down.
+bool IsDoubleStep(int from, int to) { return ((RankOf(to) - RankOf(from) + 2) & ~4) == 0; }
+
+/// Whether an enemy pawn stands beside a double step's end, or on the far end
+/// of the rank above or below: few double steps get that far.
+template <int side>
+bool MayRememberDoubleStep(const Board& board, Bitboard to) {
+  return (board.pieces[PieceIndex(side ^ 1, pawn)] & (to << 1 | to >> 1)) != 0;
+}
+
+// Any move of a kind of pieces. Compiled for each kind: with the kind known in
+// every line of it, an average move takes half the work.
+template <int side, int kind, bool promotes = false>
 [[gnu::noinline]] void PlayMove(Board& board, Move move) {
-  constexpr int enemySide = side ^ 1;
   const int from = FromSquare(move);
   const int to = ToSquare(move);
   const RotatedBits& fromBits = RotatedOf(from);
   const RotatedBits& toBits = RotatedOf(to);
-  if constexpr (!takes) {
-    if ((board.occupied & toBits.plain) != 0 ||
-        (kind == pawn && TakesEnPassant<side>(board, from, to))) {
-      return PlayMove<side, kind, promotes, true>(board, move);
-    }
-  }
+  const bool takes = (board.occupied & toBits.plain) != 0 ||
+                     (kind == pawn && TakesEnPassant<side>(board, from, to));
   std::uint64_t* own = board.pieces + side * nKinds;
   UndoRecord& undo = board.undoStack[board.undoDepth];
   PushRecord(board, undo, move);
+  undo.capturedKind = pawn;
   const int landedKind = promotes ? PromotionKind(move) : kind;
   // The keys of both squares and of the other side's turn go in at once: every
   // change of the board's key waits for the one before.
@@ -243,7 +257,7 @@ template <int side, int kind, bool promotes = false, bool takes = false>
 
   // 1. Remove what stands on the target, and enter the move in the views.
   bool captured = false;
-  if constexpr (takes) {
+  if (takes) {
     captured = TakeVictim<side, kind>(board, undo, move, landedKind);
   } else {
     ToggleViews(board, fromBits, toBits);
@@ -270,11 +284,9 @@ template <int side, int kind, bool promotes = false, bool takes = false>
       board.pawnKey ^= promotes ? PieceKey(side, pawn, from) : keys;
       // An older square that a double step does not replace stays, here and
       // after an en-passant capture, until the next other move.
-      const bool doubleStep = std::abs(RankOf(from) - RankOf(to)) == 2;
-      keepsEnPassant = doubleStep || (takes && undo.epCapture != 0);
-      // Few double steps end beside an enemy pawn.
-      const Bitboard beside = toBits.plain << 1 | toBits.plain >> 1;
-      if (doubleStep && (board.pieces[PieceIndex(enemySide, pawn)] & beside) != 0) [[unlikely]] {
+      const bool doubleStep = IsDoubleStep(from, to);
+      keepsEnPassant = doubleStep || undo.epCapture != 0;
+      if (doubleStep && MayRememberDoubleStep<side>(board, toBits.plain)) [[unlikely]] {
         RememberDoubleStep(board, side, from, to);
       }
     }
@@ -288,52 +300,74 @@ template <int side, int kind, bool promotes = false, bool takes = false>
   }
   ++board.plyCount;
   ++board.undoDepth;
-  board.sideToMove = enemySide;
+  board.sideToMove = side ^ 1;
   if (kind != pawn && !captured) KeyHistory[++board.historyIndex] = board.positionKey;
   board.inCheckCache = -1;
 }
 
-template <int side>
-void PlayMove(Board& board, Move move) {
-  int kind = MovingKind(move);
-  if (kind == unknownKind) [[unlikely]] {
-    kind = PieceOn(board, FromSquare(move), side);
+// The same for what most moves are: a piece goes to an empty square, and
+// nothing else changes. It finds out whether that is so before it changes
+// anything, and calls nothing but in its last step, so no register is saved.
+template <int side, int kind>
+[[gnu::noinline]] void PlayQuietMove(Board& board, Move move) {
+  const int from = FromSquare(move);
+  const int to = ToSquare(move);
+  const RotatedBits& fromBits = RotatedOf(from);
+  const RotatedBits& toBits = RotatedOf(to);
+  if constexpr (kind == pawn) {
+    if (IsPromotion(move)) [[unlikely]]
+      return PlayMove<side, pawn, true>(board, move);
   }
-  switch (kind) {
-    case pawn:
-      if (IsPromotion(move)) [[unlikely]]
-        return PlayMove<side, pawn, true>(board, move);
-      return PlayMove<side, pawn>(board, move);
-    case knight:
-      return PlayMove<side, knight>(board, move);
-    case bishop:
-      return PlayMove<side, bishop>(board, move);
-    case rook:
-      return PlayMove<side, rook>(board, move);
-    case queen:
-      return PlayMove<side, queen>(board, move);
-    case king:
-      return PlayMove<side, king>(board, move);
-    default:
-      return PassTurn(board);
-  }
-}
-
-// What few moves need when they are taken back, after all else.
-template <int side>
-[[gnu::noinline]] void TakeBackRest(Board& board, const UndoRecord& undo) {
-  const Move move = undo.move;
-  if (MovingKind(move) == king) {
-    if ((undo.castledShort | undo.castledLong) != 0) {
-      TakeBackCastling(board, undo, side, FromSquare(move));
+  if ((board.occupied & toBits.plain) != 0) return PlayMove<side, kind>(board, move);
+  if (HasEnPassant(board) || board.irregular != 0) [[unlikely]]
+    return PlayMove<side, kind>(board, move);
+  PushRecord(board, board.undoStack[board.undoDepth], move);
+  const std::uint64_t keys = PieceKey(side, kind, from) ^ PieceKey(side, kind, to);
+  board.positionKey ^= keys ^ SideKey();
+  ToggleViews(board, fromBits, toBits);
+  const Bitboard fromTo = fromBits.plain | toBits.plain;
+  board.pieces[PieceIndex(side, kind)] ^= fromTo;
+  board.sideOccupancy[side] ^= fromTo;
+  board.sideOccupancyNoKing[side] ^= fromTo;
+  if constexpr (kind == rook) UpdateRookState(board, side, from);
+  ++board.plyCount;
+  ++board.undoDepth;
+  board.sideToMove = side ^ 1;
+  board.inCheckCache = -1;
+  if constexpr (kind == pawn) {
+    board.pawnKey ^= keys;
+    if (IsDoubleStep(from, to) && MayRememberDoubleStep<side>(board, toBits.plain)) [[unlikely]] {
+      return RememberDoubleStep(board, side, from, to);
     }
-    LocateKing(board, side);
+  } else {
+    KeyHistory[++board.historyIndex] = board.positionKey;
   }
-  if (board.irregular != 0) RebuildOccupancy(board);
 }
 
+using MovePlayer = void (*)(Board& board, Move move);
+extern const MovePlayer MovePlayers[nSides][8];
+
+// A move word that does not say what moves.
+void PlayUnknownKind(Board& board, Move move) {
+  const int kind = PieceOn(board, FromSquare(move), board.sideToMove);
+  if (kind == noPiece) return PassTurn(board);
+  MovePlayers[board.sideToMove][kind](board, move);
+}
+
+void PlayNothing(Board& board, Move) { PassTurn(board); }
+
+// By side to move and kind.
+const MovePlayer MovePlayers[nSides][8] = {
+    {PlayQuietMove<white, pawn>, PlayQuietMove<white, knight>, PlayQuietMove<white, bishop>,
+     PlayQuietMove<white, rook>, PlayQuietMove<white, queen>, PlayMove<white, king>, PlayNothing,
+     PlayUnknownKind},
+    {PlayQuietMove<black, pawn>, PlayQuietMove<black, knight>, PlayQuietMove<black, bishop>,
+     PlayQuietMove<black, rook>, PlayQuietMove<black, queen>, PlayMove<black, king>, PlayNothing,
+     PlayUnknownKind}};
+static_assert(unknownKind == 7);
+
 template <int side>
-void TakeBackMove(Board& board) {
+[[gnu::noinline]] void TakeBackMove(Board& board) {
   constexpr int enemySide = side ^ 1;
   const UndoRecord& undo = board.undoStack[--board.undoDepth];
   const Move move = undo.move;
@@ -343,7 +377,7 @@ void TakeBackMove(Board& board) {
   const Bitboard fromTo = Bit(from) ^ Bit(to);
   std::uint64_t* own = board.pieces + side * nKinds;
 
-  if (kind == pawn && IsPromotion(move)) [[unlikely]] {
+  if (kind == pawn && IsPromotion(move)) {
     own[pawn] ^= Bit(from);
     own[PromotionKind(move)] ^= Bit(to);
   } else {
@@ -365,8 +399,38 @@ void TakeBackMove(Board& board) {
   --board.plyCount;
   board.sideToMove = side;
   board.inCheckCache = -1;
-  if (kind == king || board.irregular != 0) [[unlikely]]
-    TakeBackRest<side>(board, undo);
+  if (kind == king) {
+    if ((undo.castledShort | undo.castledLong) != 0) TakeBackCastling(board, undo, side, from);
+    LocateKing(board, side);
+  }
+  if (board.irregular != 0) RebuildOccupancy(board);
+}
+
+// The same for a move, other than the king's, that took nothing and promoted
+// nothing. Calls nothing, so no register is saved.
+template <int side>
+void TakeBackQuietMove(Board& board) {
+  const UndoRecord& undo = board.undoStack[board.undoDepth - 1];
+  const Move move = undo.move;
+  const int kind = MovingKind(move);
+  if ((move & (captureFlag | promotionFlag)) != 0 || kind == king || board.irregular != 0) {
+    return TakeBackMove<side>(board);
+  }
+  --board.undoDepth;
+  const Bitboard fromTo = RotatedOf(FromSquare(move)).plain ^ RotatedOf(ToSquare(move)).plain;
+  board.pieces[PieceIndex(side, kind)] ^= fromTo;
+  board.sideOccupancy[side] ^= fromTo;
+  board.sideOccupancyNoKing[side] ^= fromTo;
+  board.historyIndex -= kind != pawn ? 1 : 0;
+  static_cast<PositionState&>(board) = undo;
+  --board.plyCount;
+  board.sideToMove = side;
+  board.inCheckCache = -1;
+}
+
+[[gnu::noinline]] void TrimAndMakeMove(Board& board, Move move) {
+  TrimGameHistory(board);
+  MovePlayers[board.sideToMove][MovingKind(move)](board, move);
 }
 
 }  // namespace
@@ -374,21 +438,17 @@ void TakeBackMove(Board& board) {
 void MakeMove(Board& board, Move move) {
   if (board.undoDepth >= undoCapacity || board.historyIndex >= keyHistoryCapacity - 1)
       [[unlikely]] {
-    TrimGameHistory(board);
+    return TrimAndMakeMove(board, move);
   }
-  if (board.sideToMove == white) {
-    PlayMove<white>(board, move);
-  } else {
-    PlayMove<black>(board, move);
-  }
+  MovePlayers[board.sideToMove][MovingKind(move)](board, move);
 }
 
 void UnmakeMove(Board& board) {
   assert(board.undoDepth > 0);
   if (board.sideToMove == black) {
-    TakeBackMove<white>(board);
+    TakeBackQuietMove<white>(board);
   } else {
-    TakeBackMove<black>(board);
+    TakeBackQuietMove<black>(board);
   }
 }
 

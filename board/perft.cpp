@@ -36,7 +36,7 @@ void PerftCount(Board& board, int ply) {
     MakeMove(board, move);
     if ((exposed & Bit(FromSquare(move))) == 0 || !MoverLeftInCheck(board)) {
       ++nLegal;
-      PerftCount(board, ply + 1);
+      if (ply + 1 < PerftTargetDepth) PerftCount(board, ply + 1);
     }
     UnmakeMove(board);
   }
