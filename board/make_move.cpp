@@ -29,7 +29,8 @@ const RotatedBits& RotatedOf(int square) { return RotatedBitsOf[static_cast<std:
 // The four views taken two at a time: they lie next to each other on the board,
 // in its records and in the table of their bits.
 using ViewPair [[gnu::vector_size(16), gnu::may_alias]] = std::uint64_t;
-static_assert(offsetof(PositionState, occupied) == 0 && alignof(PositionState) % sizeof(ViewPair) == 0);
+static_assert(offsetof(PositionState, occupied) == 0 &&
+              alignof(PositionState) % sizeof(ViewPair) == 0);
 static_assert(offsetof(PositionState, occupiedDiagA8H1) == 2 * sizeof(ViewPair) - 8);
 static_assert(sizeof(RotatedBits) == 2 * sizeof(ViewPair));
 
