@@ -91,7 +91,7 @@ class UciEngine:
         """Ends the engine; it must go by itself with status 0."""
         self.send("quit")
         try:
-            status = self.process.wait(timeout=5)
+            status = self.process.wait(timeout=15)
         except subprocess.TimeoutExpired as error:
             raise EngineFault(f"{self.name} does not end on quit") from error
         if status != 0:
