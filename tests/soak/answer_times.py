@@ -1,7 +1,7 @@
 """Measures what the engine promises about time:
 
 - "stop" to bestmove, and "isready" to readyok in a running search;
-- how far a search goes past its allotted time;
+- how far a search goes past its allotted time, after a ponder hit too;
 - processor time when the input has ended and the process stays.
 
 Meanwhile --load processes compete for the processors. Prints a line for each
@@ -50,7 +50,7 @@ class Measuring:
         self.engine = TimedEngine("engine", options.engine)
         self.engine.start([])
         # The first search of a game has twice its time: have it done.
-        self.search("go wtime 1000 movestogo 100")
+        self.search("go wtime 10 btime 10 movestogo 1")
         self.answer("bestmove", Turn(self.engine))
 
     def search(self, go):
@@ -76,6 +76,12 @@ class Measuring:
         return Result(name, "ms", [turn.own for turn in turns], [turn.wall for turn in turns],
                       bound)
 
+    def results(self):
+        yield self.stops()
+        yield self.readiness()
+        yield self.oversteps("past the allotted time", pondering=False)
+        yield self.oversteps("past the allotted time after a ponder hit", pondering=True)
+
     def stops(self):
         turns = []
         for _ in range(self.options.tries):
@@ -91,19 +97,26 @@ class Measuring:
             self.ask("stop", "bestmove")
         return self.result("isready to readyok in a search", turns, self.options.answer)
 
-    def oversteps(self):
+    def timed(self, line, allotted):
+        """An answer that is due in so many milliseconds after the line."""
+        turn = Turn(self.engine)
+        self.engine.send(line)
+        time.sleep(allotted / 1000)
+        turn.before = self.engine.waits_now()  # up to here its clock ran meanwhile
+        return self.answer("bestmove", turn)
+
+    def oversteps(self, name, pondering):
         turns = []
         for _ in range(self.options.tries):
+            allotted = self.random.randint(10, 100)
+            clocks = f"wtime {allotted} btime {allotted} movestogo 1"
             self.engine.ready()
             self.engine.send("position fen " + self.random.choice(SEARCHED))
-            turn = Turn(self.engine)
-            allotted = self.random.randint(10, 100)
-            self.engine.send(f"go wtime {allotted} movestogo 1")
-            time.sleep(allotted / 1000)
-            turn.before = self.engine.waits_now()  # up to here its clock ran meanwhile
-            turns.append(self.answer("bestmove", turn))
-        return Result("past the allotted time", "ms",
-                      [max(turn.own - turn.allotted, 0.0) for turn in turns],
+            if pondering:
+                self.engine.send(f"go ponder {clocks}")
+                time.sleep(self.random.uniform(0, 0.04))
+            turns.append(self.timed("ponderhit" if pondering else f"go {clocks}", allotted))
+        return Result(name, "ms", [max(turn.own - turn.allotted, 0.0) for turn in turns],
                       [turn.wall - turn.allotted for turn in turns], self.options.overstep)
 
 
@@ -148,8 +161,7 @@ def measure(options):
     print(f"median / 99 % / most; {options.load} processes compete for the processors")
     measuring = Measuring(options)
     try:
-        results = [judge(step(), options.judge)
-                   for step in (measuring.stops, measuring.readiness, measuring.oversteps)]
+        results = [judge(result, options.judge) for result in measuring.results()]
     finally:
         measuring.engine.close()
     results.append(judge(idleness(options), options.judge))

@@ -1,7 +1,8 @@
 """A UCI engine that breaks one of its promises about time: what the measuring
 must notice.
 
-Usage: faulty_times.py FAULT   ("stop", "ready", "clock", "idle", "end", "none")
+Usage: faulty_times.py FAULT   ("stop", "ready", "clock", "hit", "idle", "end",
+"none")
 """
 
 import re
@@ -15,10 +16,17 @@ def say(line):
     print(line, flush=True)
 
 
+def answer(allotted, late):
+    say(f"Allowing {allotted} ms for move (1, {allotted}, 0)")
+    time.sleep(allotted / 1000 + (LATE if late else 0))
+    say("bestmove e2e4 ")
+
+
 def main():
-    fault = sys.argv[1]
+    fault, allotted = sys.argv[1], 0
     for line in sys.stdin:
-        timed = re.match(r"go wtime (\d+) movestogo (\d+)", line)
+        clock = re.match(r"go (?:ponder )?wtime (\d+)", line)
+        allotted = int(clock[1]) if clock else allotted
         if line.startswith("uci\n"):
             say("uciok")
         elif line.startswith("isready"):
@@ -27,11 +35,10 @@ def main():
         elif line.startswith("stop"):
             time.sleep(LATE if fault == "stop" else 0)
             say("bestmove e2e4 ")
-        elif timed:
-            allotted = int(timed[1]) // int(timed[2])
-            say(f"Allowing {allotted} ms for move ({timed[2]}, {timed[1]}, 0)")
-            time.sleep(allotted / 1000 + (LATE if fault == "clock" else 0))
-            say("bestmove e2e4 ")
+        elif line.startswith("ponderhit"):
+            answer(allotted, fault == "hit")
+        elif line.startswith("go wtime"):
+            answer(allotted, fault == "clock")
     while fault != "end":
         if fault != "idle":
             time.sleep(0.5)
