@@ -24,18 +24,22 @@ class MoveKeys {
   /// To be called after the last Add: fills the last block.
   void Close() {
     for (int i = count_; i % block != 0; ++i) keys_[i] = taken;
+    best_ = Greatest();
   }
 
   /// Takes out the best move with a score of at least `floor`: its place in
   /// the list and its score, or -1 when there is none.
   int TakeBest(std::int32_t floor, std::int32_t& score) {
-    const std::int32_t best = Greatest();
-    if (best < floor * places) return -1;
-    const int place = places - 1 - (best & (places - 1));
+    if (best_ < floor * places) return -1;
+    const int place = PlaceOf(best_);
+    score = best_ >> placeBits;
     keys_[place] = taken;
-    score = best >> placeBits;
+    best_ = Greatest();
     return place;
   }
+
+  /// The place that TakeBest would tell, which is known at no cost.
+  int PeekBest(std::int32_t floor) const { return best_ < floor * places ? -1 : PlaceOf(best_); }
 
  private:
   static constexpr int placeBits = 8;
@@ -43,6 +47,8 @@ class MoveKeys {
   static constexpr int block = 8;  // keys that the processor compares at a time
   static constexpr std::int32_t taken = std::numeric_limits<std::int32_t>::min();
   static_assert(moveListCapacity <= places);
+
+  static int PlaceOf(std::int32_t key) { return places - 1 - (key & (places - 1)); }
 
   std::int32_t Greatest() const {
     std::int32_t best[block];
@@ -59,6 +65,7 @@ class MoveKeys {
   }
 
   std::int32_t count_ = 0;
+  std::int32_t best_ = taken;  // the greatest key left, once closed
   std::int32_t keys_[moveListCapacity + block];
 };
 

@@ -119,6 +119,16 @@ void MovePicker::ScoreQuiets() {
   quietKeys_.Close();
 }
 
+Move MovePicker::Peek() const {
+  if (*stage_ == stageQuiets) {
+    const int place = quietKeys_.PeekBest(anyScore);
+    return place < 0 ? noMove : generator_.moves[captureCount_ + place];
+  }
+  if (*stage_ != stageGoodCaptures && *stage_ != stageBadCaptures) return noMove;
+  const int place = captureKeys_.PeekBest(*stage_ == stageGoodCaptures ? 0 : anyScore);
+  return place < 0 ? noMove : generator_.moves[place];
+}
+
 bool MovePicker::TakeCapture(std::int32_t floor, Move& move, std::int32_t& score) {
   const int place = captureKeys_.TakeBest(floor, score);
   if (place < 0) return false;

@@ -37,6 +37,10 @@ class MovePicker {
   /// hash move may come a second time from a later stage.
   bool Next(Move& move, std::int32_t& score);
 
+  /// The move that Next will give if the newest one's stage has another, or
+  /// noMove. Nothing is generated or scored for the answer.
+  Move Peek() const;
+
   /// Stage that the newest move came from.
   PickerStage Stage() const { return *stage_; }
 

@@ -11,6 +11,7 @@
 #include "search/king_sight.h"
 #include "search/move_keys.h"
 #include "search/move_order.h"
+#include "search/next_key.h"
 #include "search/search_stats.h"
 #include "search/static_exchange.h"
 
@@ -116,6 +117,7 @@ std::int32_t Quiesce(SearchState& state, Board& board, std::int32_t alpha, std::
 
   // 3. Best first. A move that is left out is made only when its legality is
   // needed and cannot be told otherwise.
+  int awaited = -1;  // place of the move whose child's slot is being loaded already
   for (int pass = 0; pass < generator.count; ++pass) {
     std::int32_t orderScore = 0;
     const int index = keys.TakeBest(-MoveKeys::maxScore, orderScore);
@@ -133,6 +135,9 @@ std::int32_t Quiesce(SearchState& state, Board& board, std::int32_t alpha, std::
         continue;
       }
     }
+    if (index != awaited) HashPrefetch(EvalHashTable, NextKey(board, move));
+    awaited = anyLegal ? keys.PeekBest(0) : -1;
+    if (awaited >= 0) HashPrefetch(EvalHashTable, NextKey(board, generator.moves[awaited]));
     MakeMove(board, move);
     if (foreseen) {
       board.inCheckCache = sight.GivesCheck(move) ? 1 : 0;
@@ -140,7 +145,6 @@ std::int32_t Quiesce(SearchState& state, Board& board, std::int32_t alpha, std::
       UnmakeMove(board);
       continue;
     }
-    HashPrefetch(EvalHashTable, board.positionKey);
     anyLegal = true;
     ++state.nodeCount;
     ++searchStats.nQSNodes;

@@ -11,6 +11,7 @@
 #include "search/king_sight.h"
 #include "search/move_order.h"
 #include "search/move_picker.h"
+#include "search/next_key.h"
 #include "search/quiescence.h"
 #include "search/reductions.h"
 #include "search/search_stats.h"
@@ -78,6 +79,12 @@ std::int32_t MaterialEstimate(const Board& board) {
 bool HasPieces(const Board& board, int side) {
   const std::uint64_t* own = board.pieces + side * nKinds;
   return (own[knight] | own[bishop] | own[rook] | own[queen]) != 0;
+}
+
+// The table that a node of this depth asks first. Each load of a slot that
+// nobody asks for holds up the processor as much as one that somebody does.
+const HashTable& TableAskedAt(std::int32_t depth) {
+  return depth > 0 ? TranspositionTable : EvalHashTable;
 }
 
 void CountNode(SearchState& state) {
@@ -181,9 +188,10 @@ std::int32_t Search(SearchState& state, Board& board, const NodeInput& input, Pv
   const std::int32_t nullReduction = depth > 5 ? 3 : 2;
   if (!isPv && !hint.nullForbidden && depth > nullReduction + 1 && !inCheck &&
       HasPieces(board, side)) {
+    const std::int32_t nullDepth = depth - nullReduction - 1;
+    HashPrefetch(TableAskedAt(nullDepth), key ^ SideKey());
     MakeNullMove(board);
-    const std::int32_t score =
-        SearchChild(state, board, beta - 1, beta, depth - nullReduction - 1, false, nullptr);
+    const std::int32_t score = SearchChild(state, board, beta - 1, beta, nullDepth, false, nullptr);
     UnmakeNullMove(board);
     if (score >= beta && !Stopped(state)) {
       HashStore(TranspositionTable, key, noMove, score, lowerBound, depth);
@@ -201,7 +209,9 @@ std::int32_t Search(SearchState& state, Board& board, const NodeInput& input, Pv
     if (Stopped(state)) return alpha;
   }
 
-  // 9. The moves.
+  // 9. The moves. The one to begin with is known long before it is made.
+  Move awaited = hashMove;  // whose child's slot is being loaded already
+  if (hashMove != noMove) HashPrefetch(TableAskedAt(depth - 1), NextKey(board, hashMove));
   MovePicker picker(board, hashMove, depth, state.iterationDepth);
   const KingSight sight(board, inCheck);
   const std::int32_t originalAlpha = alpha;
@@ -241,6 +251,13 @@ std::int32_t Search(SearchState& state, Board& board, const NodeInput& input, Pv
       CountNode(state);
       continue;
     }
+    // A load takes longer than making a move: where many moves are searched
+    // for a short time each, the next one's is started as well.
+    const std::int32_t childDepth = depth + extension - 1;
+    const HashTable& childTable = TableAskedAt(childDepth);
+    if (move != awaited) HashPrefetch(childTable, NextKey(board, move));
+    awaited = nMoves > 0 && childDepth < 3 ? picker.Peek() : noMove;
+    if (awaited != noMove) HashPrefetch(childTable, NextKey(board, awaited));
     MakeMove(board, move);
     if (!foreseen && MoverLeftInCheck(board)) {
       UnmakeMove(board);
@@ -257,11 +274,8 @@ std::int32_t Search(SearchState& state, Board& board, const NodeInput& input, Pv
         continue;
       }
     }
-    HashPrefetch(TranspositionTable, board.positionKey);
-    HashPrefetch(EvalHashTable, board.positionKey);
     ++nMoves;
     state.extensions += extension;
-    const std::int32_t childDepth = depth + extension - 1;
     std::int32_t score = 0;
 
     // 9b. The first move takes the full window, later ones have to prove
@@ -274,6 +288,7 @@ std::int32_t Search(SearchState& state, Board& board, const NodeInput& input, Pv
       bool promising = true;
       if (reduce) {
         const std::int32_t reduced = depth - Reduction(isPv, depth, nMoves) - 1;
+        if (reduced <= 0) HashPrefetch(EvalHashTable, board.positionKey);
         score = SearchChild(state, board, alpha, alpha + 1, reduced, isCapture, nullptr);
         promising = score > alpha;
       }

@@ -178,6 +178,23 @@ TEST_F(Picker, PromotionsWithoutCaptureAreQuietMoves) {
   EXPECT_EQ(all[5].text, "e7e8q");
 }
 
+TEST_F(Picker, PeekingTellsTheNextMoveOfTheSameStageOnly) {
+  test::SetPosition(board, richPosition);
+  MovePicker picker(board, noMove, depth, iterationDepth);
+  EXPECT_EQ(picker.Peek(), noMove);
+  const std::vector<Picked> all = PickAll(richPosition);
+  Move move = noMove;
+  std::int32_t score = 0;
+  for (std::size_t i = 0; i < all.size(); ++i) {
+    ASSERT_TRUE(picker.Next(move, score));
+    ASSERT_EQ(move, all[i].move);
+    const bool stageGoesOn = i + 1 < all.size() && all[i + 1].stage == all[i].stage;
+    EXPECT_EQ(picker.Peek(), stageGoesOn ? all[i + 1].move : noMove) << all[i].text;
+  }
+  EXPECT_FALSE(picker.Next(move, score));
+  EXPECT_EQ(picker.Peek(), noMove);
+}
+
 TEST_F(Picker, NothingIsLostOfTheLongestMoveList) {
   const std::vector<Picked> all = PickAll("R6R/3Q4/1Q4Q1/4Q3/2Q4Q/Q4Q2/pp1Q4/kBNN1KB1 w -");
   EXPECT_EQ(all.size(), 218U);
