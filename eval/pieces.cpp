@@ -127,16 +127,25 @@ Bitboard DiagonalXRay(const Board& board, int square, Bitboard plain, Bitboard t
   return BishopAttacks(square, diagA1H8, diagA8H1);
 }
 
-/// The same along rank and file.
-Bitboard LineXRay(const Board& board, int square, Bitboard plain, Bitboard transparent) {
-  if ((plain & transparent) == 0) return plain;
-  const std::uint64_t occupied = board.occupied & ~transparent;
-  std::uint64_t rot90 = board.occupiedRot90;
-  while (transparent != 0) {
-    rot90 &= ~RotatedBitsOf[static_cast<std::size_t>(PopHighest(transparent))].rot90;
+/// Views of rank and file without some pieces, for attacks that pass through
+/// these. Rooks and queens of a side share one.
+struct LineXRay {
+  LineXRay(const Board& board, Bitboard set)
+      : transparent(set), occupied(board.occupied & ~set), rot90(board.occupiedRot90) {
+    while (set != 0) {
+      rot90 &= ~RotatedBitsOf[static_cast<std::size_t>(PopHighest(set))].rot90;
+    }
   }
-  return RookAttacks(square, occupied, rot90);
-}
+
+  Bitboard Attacks(int square, Bitboard plain) const {
+    if ((plain & transparent) == 0) return plain;
+    return RookAttacks(square, occupied, rot90);
+  }
+
+  Bitboard transparent;
+  std::uint64_t occupied;
+  std::uint64_t rot90;
+};
 
 // ------------------------------------------------------------------ knights
 
@@ -258,15 +267,14 @@ std::int32_t SeventhRankAmount(const Board& board) {
 }
 
 template <int side>
-ScorePair RooksOf(const PieceView<side>& view, EvalRecord& record) {
+ScorePair RooksOf(const PieceView<side>& view, const LineXRay& xRay, EvalRecord& record) {
   const Bitboard rooks = PiecesOf<side>(view.board)[rook];
-  const Bitboard transparent = rooks | PiecesOf<side>(view.board)[queen];
   const std::int32_t nEnemyPawns = PopCount(PiecesOf<side ^ 1>(view.board)[pawn]);
   KindSums<side, rook> sums;
   for (Bitboard left = rooks; left != 0;) {
     const int square = PopHighest(left);
     const Bitboard plain = RookAttacks(view.board, square);
-    const Bitboard reach = LineXRay(view.board, square, plain, transparent) & ~view.own;
+    const Bitboard reach = xRay.Attacks(square, plain) & ~view.own;
     const Bitboard mobility = plain & ~view.own;
     const int count = PopCount(mobility);
     std::int32_t both =
@@ -284,18 +292,17 @@ ScorePair RooksOf(const PieceView<side>& view, EvalRecord& record) {
 // ------------------------------------------------------------------- queens
 
 template <int side>
-ScorePair QueensOf(const PieceView<side>& view, EvalRecord& record) {
+ScorePair QueensOf(const PieceView<side>& view, const LineXRay& xRay, EvalRecord& record) {
   const Bitboard queens = PiecesOf<side>(view.board)[queen];
   const Bitboard onDiagonals = queens | PiecesOf<side>(view.board)[bishop];
-  const Bitboard onLines = queens | PiecesOf<side>(view.board)[rook];
   KindSums<side, queen> sums;
   for (Bitboard left = queens; left != 0;) {
     const int square = PopHighest(left);
     const Bitboard diagonals = BishopAttacks(view.board, square);
     const Bitboard lines = RookAttacks(view.board, square);
-    const Bitboard reach = (DiagonalXRay(view.board, square, diagonals, onDiagonals) |
-                            LineXRay(view.board, square, lines, onLines)) &
-                           ~view.own;
+    const Bitboard reach =
+        (DiagonalXRay(view.board, square, diagonals, onDiagonals) | xRay.Attacks(square, lines)) &
+        ~view.own;
     const Bitboard mobility = (diagonals | lines) & ~view.own;
     // A queen's mobility counts what stands open behind its own helpers too.
     const int count = PopCount(reach);
@@ -313,8 +320,9 @@ ScorePair PiecesOfSide(EvalRecord& record) {
   ScorePair* terms = record.terms[side ^ record.side];
   terms[knightsTerm] = own[knight] != 0 ? KnightsOf<side>(view, record) : ScorePair{};
   terms[bishopsTerm] = own[bishop] != 0 ? BishopsOf<side>(view, record) : ScorePair{};
-  terms[rooksTerm] = own[rook] != 0 ? RooksOf<side>(view, record) : ScorePair{};
-  terms[queensTerm] = own[queen] != 0 ? QueensOf<side>(view, record) : ScorePair{};
+  const LineXRay xRay(view.board, own[rook] | own[queen]);
+  terms[rooksTerm] = own[rook] != 0 ? RooksOf<side>(view, xRay, record) : ScorePair{};
+  terms[queensTerm] = own[queen] != 0 ? QueensOf<side>(view, xRay, record) : ScorePair{};
   return terms[knightsTerm] + terms[bishopsTerm] + terms[rooksTerm] + terms[queensTerm];
 }
 
