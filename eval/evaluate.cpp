@@ -123,33 +123,43 @@ ScorePair DevelopmentOf(const EvalRecord& record, int side, std::int32_t mgSoFar
   return {EvaluateDevelopment(record, side, given, mgSoFar, minors), 0};
 }
 
-/// Everything but caches and report: own minus enemy of all terms. Writes the
-/// phase, which both the pawn cache and the caller blend with.
-ScorePair SumTerms(EvalRecord& record, float& phase) {
-  Board& board = *record.board;
-  const int own = record.side;
-  const int enemy = own ^ 1;
+/// What can be told before the caches have answered: sets, material, phase and
+/// stage, and the terms that read nothing else.
+struct Outset {
+  ScorePair sum;  // own minus enemy, so far
+  float phase;
+};
 
-  ScorePair sum = TermDifference(record, materialTerm, EvaluateMaterial);
-  phase = static_cast<float>(record.nonPawnMaterial[white] + record.nonPawnMaterial[black]) *
-          phasePerCentipawn;
+Outset BeginEvaluation(EvalRecord& record, Board& board, int side) {
+  ResetRecord(record, board, side);
+  const int own = side;
+  const int enemy = side ^ 1;
+  Outset outset{};
+  outset.sum = TermDifference(record, materialTerm, EvaluateMaterial);
+  outset.phase = static_cast<float>(record.nonPawnMaterial[white] + record.nonPawnMaterial[black]) *
+                 phasePerCentipawn;
   record.stage = StageOf(record);
-
-  sum += PawnStructure(record, phase);
   record.attacks[white][pawn] = PawnAttackSet<white>(PiecesOf<white>(board)[pawn]);
   record.attacks[black][pawn] = PawnAttackSet<black>(PiecesOf<black>(board)[pawn]);
+  outset.sum.mg += EvaluateCentreBlockade(record, own) - EvaluateCentreBlockade(record, enemy);
+  outset.sum.eg += EvaluateWingPawns(record, own) - EvaluateWingPawns(record, enemy);
+  const std::int32_t mgSoFar = outset.sum.mg;
+  outset.sum += TermDifference(record, develTerm, [mgSoFar](const EvalRecord& r, int c) {
+    return DevelopmentOf(r, c, mgSoFar);
+  });
+  return outset;
+}
 
-  sum.mg += EvaluateCentreBlockade(record, own) - EvaluateCentreBlockade(record, enemy);
+/// The terms that need the pawn structure and those behind them.
+ScorePair SumTerms(EvalRecord& record, const Outset& outset) {
+  const int own = record.side;
+  const int enemy = own ^ 1;
+  ScorePair sum = outset.sum;
+  sum += PawnStructure(record, outset.phase);
   sum += EvaluatePieces(record, own) - EvaluatePieces(record, enemy);
   FormUnion(record, white);
   FormUnion(record, black);
   sum += TermDifference(record, kingsTerm, EvaluateKing);
-
-  sum.eg += EvaluateWingPawns(record, own) - EvaluateWingPawns(record, enemy);
-  const std::int32_t mgSoFar = sum.mg;
-  sum += TermDifference(record, develTerm, [mgSoFar](const EvalRecord& r, int side) {
-    return DevelopmentOf(r, side, mgSoFar);
-  });
   sum.AddBoth(EvaluateThreats(record, own) - EvaluateThreats(record, enemy));
   if (record.passed[own] != 0) sum += EvaluatePassedPawns(record, own);
   if (record.passed[enemy] != 0) sum -= EvaluatePassedPawns(record, enemy);
@@ -160,20 +170,24 @@ ScorePair SumTerms(EvalRecord& record, float& phase) {
 
 std::int32_t Evaluate(EvalRecord& record, Board& board, int side) {
   const std::uint64_t key = board.positionKey;
+  // The slots are mostly far away in memory. While they are being loaded the
+  // evaluation goes as far as it gets without them; should the cache know the
+  // position, that work is lost, but so it would be by waiting.
   HashEntry& slot = FindSlot(EvalHashTable, key);
+  __builtin_prefetch(&slot);
+  HashPrefetch(PawnHashTable, PawnKey(board));
+  const Outset outset = BeginEvaluation(record, board, side);
   if (CountProbe(EvalHashTable, slot, key)) return slot.evalScore;
 
-  ResetRecord(record, board, side);
   if (InsufficientMaterial(board)) {
     StoreScore(EvalHashTable, slot, key, 0);
     return 0;
   }
 
-  float phase = 0.0F;
-  const ScorePair sum = SumTerms(record, phase);
-  const std::int32_t score = Blend(sum, phase);
+  const ScorePair sum = SumTerms(record, outset);
+  const std::int32_t score = Blend(sum, outset.phase);
   StoreScore(EvalHashTable, slot, key, score);
-  if (engineConfig.RunMode == RunModeCode::eval) PrintEvalReport(record, score, phase);
+  if (engineConfig.RunMode == RunModeCode::eval) PrintEvalReport(record, score, outset.phase);
   return score;
 }
 
