@@ -3,6 +3,6 @@
 namespace mirvo {
 
 // Large pages take a privilege here that few users have.
-void WantLargePages(void*, std::size_t) {}
+void MoveToLargePage(void*) {}
 
 }  // namespace mirvo
