@@ -34,7 +34,7 @@ def run(engine, *arguments):
     text = io.StringIO()
     with contextlib.redirect_stdout(text):
         status = soak.main([engine, "--plies", "14", "--games", "2", "--warm-up", "1",
-                            "--margin", "500", "--clocks", "200+0", *arguments])
+                            "--margin", "10000", "--clocks", "200+0", *arguments])
     return status, text.getvalue()
 
 
@@ -58,8 +58,10 @@ class Soak(unittest.TestCase):
             with self.subTest(fault=fault):
                 games = "6" if column == "memory" else "2"
                 hang = "0.5" if column == "hangs" else "10"
+                margin = "500" if column == "forfeits" else "10000"
                 self.check(column, run(command("faulty_engine.py", fault), "--protocol", "uci",
-                                       "--games", games, "--hang", hang))
+                                       "--games", games, "--hang", hang,
+                                       "--margin", margin))
 
     def test_answer_while_it_should_ponder_is_stray(self):
         self.check("stray", run(command("faulty_engine.py", "early"), "--protocol", "uci",
