@@ -16,9 +16,10 @@ import os
 import statistics
 import tempfile
 
-from engine import Engine, geometric_mean, signature_positions
+from engine import Engine, geometric_mean, mirvo_perft, signature_positions
 
 SHORTEST = 0.005  # seconds
+INITIAL = "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq"
 
 
 def search_times(programs, options, folder):
@@ -43,12 +44,8 @@ def perft_times(programs, options, folder):
     results = {name: [] for name in programs}
     for _ in range(options.rounds):
         for name, program in programs.items():
-            engine = Engine([program, "-perft", str(options.perft)], options.core, folder)
-            engine.wait_for("Performing")
-            start = engine.seconds()
-            engine.wait_for("Splits")
-            results[name].append(engine.seconds() - start)
-            engine.kill()
+            _, seconds = mirvo_perft(program, INITIAL, options.perft, options.core, folder)
+            results[name].append(seconds)
     return results
 
 

@@ -1,15 +1,27 @@
 """Speed of Mirvo beside other engines: leaves of a perft and nodes of a search
 per second of processor time, all on one core, in one run, in turns.
 
-Usage: compare_peers.py MIRVO [--rounds N] [--seconds S] [--depth D] [--core C]
+Usage: compare_peers.py MIRVO [--rounds N] [--seconds S] [--fewer-plies N] [--core C]
+                              [--only perft|search]
+
+Each round runs every engine once; a ratio is Mirvo's speed by the other's in the
+same round, and the best and the median over the rounds are shown. An engine that
+is not installed is left out with a message, and so is one that ends early.
 """
 
 import argparse
 import os
 import statistics
+import sys
 import tempfile
 
-from engine import Engine, read_nodes
+from engine import Engine, is_installed, mirvo_perft, read_nodes
+
+# (name, FEN fields, depth) of the perfts.
+PERFTS = [
+    ("initial position", "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq", 6),
+    ("middle game", "r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq", 5),
+]
 
 POSITIONS = [
     "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1",
@@ -26,101 +38,186 @@ SEARCHERS = [
 ]
 
 
-def mirvo_perft(mirvo, options, folder):
-    engine = Engine([mirvo, "-perft", str(options.depth)], options.core, folder)
-    engine.wait_for("Performing")
+class Ended(Exception):
+    """An engine ended before its answer."""
+
+
+
+def last_number(line):
+    """The number at the end of a line, or None."""
+    words = line.split()
+    return int(words[-1]) if words and words[-1].isdecimal() else None
+
+
+def perft_answer(lines, is_answer):
+    """The count in the first line that is an answer."""
+    for line in lines:
+        if is_answer(line) and last_number(line) is not None:
+            return last_number(line)
+    raise Ended
+
+
+def sjeng_perft(_, fen, depth, core, folder):
+    engine = Engine(["sjeng"], core, folder)
+    try:
+        engine.send("xboard")
+        engine.send(f"setboard {fen} - 0 1")
+        engine.send("perft 1")
+        perft_answer(engine.lines(), lambda line: "Raw nodes" in line)
+        start = engine.seconds()
+        engine.send(f"perft {depth}")
+        leaves = perft_answer(engine.lines(), lambda line: "Raw nodes" in line)
+        return leaves, engine.seconds() - start
+    finally:
+        engine.kill()
+
+
+def ethereal_perft(_, fen, depth, core, folder):
+    engine = Engine(["ethereal-chess"], core, folder)
+    try:
+        engine.start_uci()
+        engine.send(f"position fen {fen} - 0 1")
+        engine.send("perft 1")
+        perft_answer(engine.lines(), str.isdecimal)
+        start = engine.seconds()
+        engine.send(f"perft {depth}")
+        leaves = perft_answer(engine.lines(), str.isdecimal)
+        return leaves, engine.seconds() - start
+    finally:
+        engine.kill()
+
+
+# Name: command, measurement.
+COUNTERS = {
+    "sjeng": ("sjeng", sjeng_perft),
+    "ethereal": ("ethereal-chess", ethereal_perft),
+}
+
+
+def search_position(engine, fen, limit):
+    """Nodes of the last report within a time, and the processor time at it."""
+    engine.new_position(fen)
     start = engine.seconds()
+    engine.send("go infinite")
+    best, stopped = (0, 0.0), False
     for line in engine.lines():
-        if line.startswith("Splits"):
-            used = engine.seconds() - start
-        if line.split()[:1] == [str(options.depth)]:
-            break
-    engine.kill()
-    return int(line.split()[1]), used
-
-
-def sjeng_perft(options, folder):
-    engine = Engine(["sjeng"], options.core, folder)
-    start = engine.seconds()
-    engine.send(f"perft {options.depth}")
-    for line in engine.lines():
-        if "Sjeng: " in line and line.split()[-1].isdigit():
-            break
-    used = engine.seconds() - start
-    engine.kill()
-    return int(line.split()[-1]), used
-
-
-def ethereal_perft(options, folder):
-    engine = Engine(["ethereal-chess"], options.core, folder)
-    engine.start_uci()
-    start = engine.seconds()
-    engine.send(f"perft {options.depth}")
-    line = next(line for line in engine.lines() if line.isdigit())
-    used = engine.seconds() - start
-    engine.kill()
-    return int(line), used
+        used = engine.seconds() - start
+        nodes = read_nodes(line)
+        if nodes and not stopped:
+            best = (nodes, used)
+        if used >= limit and not stopped:
+            stopped = True
+            engine.send("stop")
+        if line.startswith("bestmove"):
+            return best
+    raise Ended
 
 
 def search_speed(command, settings, options, folder):
-    """Nodes and processor seconds over all positions, at each position's last
-    report within the time."""
+    """Nodes and processor seconds over all positions."""
     engine = Engine(command, options.core, folder)
-    engine.start_uci(settings)
-    nodes, seconds = 0, 0.0
-    for fen in POSITIONS:
-        engine.new_position(fen)
-        start = engine.seconds()
-        engine.send("go infinite")
-        best = (0, 0.0)
-        stopped = False
-        for line in engine.lines():
-            used = engine.seconds() - start
-            if read_nodes(line) and not stopped:
-                best = (read_nodes(line), used)
-            if used >= options.seconds and not stopped:
-                stopped = True
-                engine.send("stop")
-            if line.startswith("bestmove"):
-                break
-        nodes, seconds = nodes + best[0], seconds + best[1]
-    engine.kill()
-    return nodes, seconds
+    try:
+        engine.start_uci(settings)
+        results = [search_position(engine, fen, options.seconds) for fen in POSITIONS]
+        return sum(nodes for nodes, _ in results), sum(seconds for _, seconds in results)
+    finally:
+        engine.kill()
+
+
+def take_turns(runs, rounds):
+    """{name: [(count, seconds)]}: each round calls every run once. A run that
+    fails is dropped from there on, with what it gave before."""
+    figures = {name: [] for name in runs}
+    for _ in range(rounds):
+        for name in list(figures):
+            try:
+                figures[name].append(runs[name]())
+            except (Ended, OSError, StopIteration):
+                print(f"{name} ended early and is left out")
+                del figures[name]
+    return figures
+
+
+def ratios(figures):
+    """{name: (best, median) of Mirvo's speed by the other's in the same round}."""
+    def speeds(name):
+        return [count / seconds for count, seconds in figures[name]]
+
+    result = {}
+    for name in figures:
+        rounds = [ours / theirs for ours, theirs in zip(speeds("mirvo"), speeds(name))]
+        result[name] = max(rounds), statistics.median(rounds)
+    return result
 
 
 def report(title, unit, figures):
-    """Prints the median speed of each engine and Mirvo's ratio to it."""
+    """Prints the median speed of each engine and Mirvo's ratios to it."""
     print(title)
-    speeds = {name: statistics.median(n / s for n, s in runs) for name, runs in figures.items()}
-    for name, speed in speeds.items():
-        ratio = speeds["mirvo"] / speed
-        print(f"  {name:10} {speed / 1e6:8.2f} million {unit} a second   mirvo/{name} {ratio:5.2f}")
+    if "mirvo" not in figures:
+        print("  nothing to compare")
+        return
+    for name, (best, median) in ratios(figures).items():
+        speed = statistics.median(count / seconds for count, seconds in figures[name])
+        compared = f"   mirvo/{name} best {best:.2f}, median {median:.2f}" if name != "mirvo" else ""
+        print(f"  {name:10} {speed / 1e6:8.2f} million {unit} a second{compared}")
+
+
+def present(names):
+    """Those of {name: command} that are installed, the others being named."""
+    found = [name for name, command in names.items() if is_installed(command)]
+    for name in names:
+        if name not in found:
+            print(f"{name} is not installed and is left out")
+    return found
+
+
+def compare_perfts(mirvo, options, folder):
+    """False when the engines count different leaves."""
+    counters = present({name: command for name, (command, _) in COUNTERS.items()})
+    measurements = {"mirvo": mirvo_perft, **{name: COUNTERS[name][1] for name in counters}}
+    agree = True
+    for title, fen, most in PERFTS:
+        depth = max(1, most - options.fewer_plies)
+        runs = {name: lambda measure=measure: measure(mirvo, fen, depth, options.core, folder)
+                for name, measure in measurements.items()}
+        figures = take_turns(runs, options.rounds)
+        report(f"perft {depth}, {title}", "leaves", figures)
+        counts = {name: figure[0][0] for name, figure in figures.items() if figure}
+        if len(set(counts.values())) > 1:
+            print(f"  the counts differ: {counts}")
+            agree = False
+    return agree
+
+
+def compare_searches(mirvo, options, folder):
+    searchers = present({name: command[0] for name, command, _ in SEARCHERS})
+    jobs = {"mirvo": ([mirvo], ["Use Opening Book value false"])}
+    jobs.update((name, (command, settings)) for name, command, settings in SEARCHERS
+                if name in searchers)
+    runs = {name: lambda job=job: search_speed(*job, options, folder)
+            for name, job in jobs.items()}
+    report(f"search, {len(POSITIONS)} positions, {options.seconds:g} s each", "nodes",
+           take_turns(runs, options.rounds))
 
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("mirvo")
-    parser.add_argument("--rounds", type=int, default=3, help="the median of these is shown")
+    parser.add_argument("--rounds", type=int, default=3, help="each engine runs so often")
     parser.add_argument("--seconds", type=float, default=3, help="a search of one position")
-    parser.add_argument("--depth", type=int, default=6, help="of the perft")
+    parser.add_argument("--fewer-plies", type=int, default=0, help="shallower perfts")
     parser.add_argument("--core", type=int, default=0, help="processor to run on")
+    parser.add_argument("--only", choices=["perft", "search"], help="one of the two")
     options = parser.parse_args()
     mirvo = os.path.abspath(options.mirvo)
-    perfts = {"mirvo": [], "sjeng": [], "ethereal": []}
-    searches = {"mirvo": [], **{name: [] for name, _, _ in SEARCHERS}}
+    agree = True
     with tempfile.TemporaryDirectory() as folder:
-        for _ in range(options.rounds):
-            perfts["mirvo"].append(mirvo_perft(mirvo, options, folder))
-            perfts["sjeng"].append(sjeng_perft(options, folder))
-            perfts["ethereal"].append(ethereal_perft(options, folder))
-            searches["mirvo"].append(search_speed([mirvo], [], options, folder))
-            for name, command, settings in SEARCHERS:
-                searches[name].append(search_speed(command, settings, options, folder))
-    counts = {runs[0][0] for runs in perfts.values()}
-    assert len(counts) == 1, f"perft counts differ: {perfts}"
-    report(f"perft {options.depth} of the initial position", "leaves", perfts)
-    report(f"search, {len(POSITIONS)} positions, {options.seconds:g} s each", "nodes", searches)
+        if options.only != "search":
+            agree = compare_perfts(mirvo, options, folder)
+        if options.only != "perft":
+            compare_searches(mirvo, options, folder)
+    return 0 if agree else 1
 
 
 if __name__ == "__main__":
-    main()
+    sys.exit(main())

@@ -1,12 +1,37 @@
 #!/bin/bash
-# Compares Mirvo's speed with that of other engines on this machine, one after
-# the other on the same core: perft leaves and searched nodes per second of
-# processor time. Installs the engines it compares with. Arguments go to
-# compare_peers.py (--help lists them).
+# Compares Mirvo's speed with that of other engines on this machine, in turns on
+# the same core: perft leaves and searched nodes per second of processor time.
+# Installs the engines it compares with; without one of them the others serve.
+#
+#   bench/compare_peers.sh [baseline|native|pgo] [OPTION OF compare_peers.py...]
+#
+# The build is native, the one that run.sh starts, if none is named.
 set -euo pipefail
 root=$(cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.." && pwd)
 . "$root/tools/packages.sh"
-need_packages python3 util-linux sjeng ethereal-chess toga2 gnuchess glaurung
+need_packages python3 util-linux g++ cmake ninja-build
+for peer in sjeng ethereal-chess toga2 gnuchess glaurung; do
+  need_packages "$peer" || echo "$peer could not be installed" >&2
+done
 
-(cd "$(mktemp -d)" && "$root/run.sh" -test >&2) # builds what run.sh runs
-exec python3 "$root/bench/compare_peers.py" "$root/build/run/shell/mirvo" "$@"
+build=native
+case "${1:-}" in
+  baseline | native | pgo)
+    build=$1
+    shift
+    ;;
+esac
+cd "$root"
+case $build in
+  pgo)
+    program=build/pgo/shell/mirvo
+    bench/build_pgo.sh >&2
+    ;;
+  *)
+    preset=${build/baseline/release}
+    program=build/$preset/shell/mirvo
+    cmake --preset "$preset" >&2
+    cmake --build --preset "$preset" --target mirvo >&2
+    ;;
+esac
+exec python3 bench/compare_peers.py "$program" "$@"

@@ -13,6 +13,31 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 SEARCH_PATH = os.environ.get("PATH", "") + ":/usr/games"
 
 
+def is_installed(command):
+    return shutil.which(command, path=SEARCH_PATH) is not None
+
+
+def run_program(command, core, folder):
+    """What a program prints on one core, and the processor seconds of its life."""
+    with subprocess.Popen(["taskset", "-c", str(core), *command], cwd=folder, text=True,
+                          stdin=subprocess.DEVNULL, stdout=subprocess.PIPE) as process:
+        text = process.stdout.read()
+        _, _, usage = os.wait4(process.pid, 0)
+        process.returncode = 0
+    return text, usage.ru_utime + usage.ru_stime
+
+
+def mirvo_perft(program, fen, depth, core, folder):
+    """Leaves and processor seconds; what one of depth 1 takes is the start's
+    and is taken off."""
+    command = [program, "-perft"]
+    text, seconds = run_program([*command, str(depth), *fen.split()], core, folder)
+    _, start = run_program([*command, "1", *fen.split()], core, folder)
+    counts = dict(line.split() for line in text.splitlines()
+                  if len(line.split()) == 2 and line.replace(" ", "").isdecimal())
+    return int(counts.get(str(depth), 0)), max(seconds - start, 1e-6)
+
+
 class Engine:
     """A program on one core; lines go in and out, its processor time is known."""
 
