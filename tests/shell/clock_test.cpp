@@ -42,7 +42,7 @@ TEST_F(ClockTest, GivesANegativeTimeWhenTheClockWentBack) {
 TEST_F(ClockTest, RestoresTheSystemClock) {
   SetTickSource(nullptr);
   const std::uint32_t before = SystemTickCount();
-  const std::int32_t elapsed = static_cast<std::int32_t>(TickCount() - before);
+  const auto elapsed = static_cast<std::int32_t>(TickCount() - before);
   EXPECT_GE(elapsed, 0);
   EXPECT_LT(elapsed, 60'000);
 }
