@@ -136,6 +136,9 @@ class UciPlayer(Player):
         """Answers the position of the game: (move's text, its Turn)."""
         hit = bool(self.expected) and self.expected == game.moves[-1]
         self.read_waiting()
+        if self.expected:  # an answer before it is due comes before readyok
+            self.searched = True
+            self.guard(self.engine.ready)
         if self.expected and not hit:
             self.stop_pondering()
         if not hit:
