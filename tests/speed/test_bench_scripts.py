@@ -15,6 +15,7 @@ import compare_builds  # noqa: E402
 import compare_peers  # noqa: E402
 import engine  # noqa: E402
 import profile_summary  # noqa: E402
+import scale  # noqa: E402
 
 
 def printed(function, *arguments):
@@ -134,6 +135,21 @@ Ir           D1mr         DLmr          file:function
         lines = profile_summary.table(*profile_summary.read_annotated(self.TEXT), 10, 1)
         self.assertEqual(lines[2:], ["| `Play` | 90.0 | 90.0% | 2,000 | 900 |",
                                      "| all | 100.0 | 100.0% | 2,000 | 1,000 |"])
+
+
+class Scale(unittest.TestCase):
+    ROWS = [{"table": size, "depth": depth, "nodes": 1000 * 2 ** depth, "seconds": 0.001 * 2 ** depth,
+             "startup": 0.005, "memory": 100 + size} for size in (16, 1) for depth in (3, 4, 5)]
+
+    def test_branching_factor_is_the_growth_of_nodes_by_ply(self):
+        self.assertAlmostEqual(scale.branching(self.ROWS[:3]), 2.0)
+
+    def test_tables_are_listed_by_size(self):
+        self.assertEqual(scale.table(self.ROWS)[2:], ["| 1 | 0.03 | 2.00 | 1.00 | 0.005 | 101 |",
+                                                      "| 16 | 0.03 | 2.00 | 1.00 | 0.005 | 116 |"])
+
+    def test_the_plot_has_a_line_for_each_size(self):
+        self.assertEqual(scale.plot(self.ROWS).count("<polyline"), 2)
 
 
 if __name__ == "__main__":
