@@ -89,6 +89,11 @@ void EndIfRequested() {
 
 // ---- Inside a search ----
 
+/// Whether this process hears and is heard by nobody: its interface was killed.
+bool IsCutOff(LineStatus status) {
+  return status == LineStatus::ended && Reader().source->unheard();
+}
+
 /// No more commands will come for the running search.
 void EndCommands(const ProtocolMode& mode) {
   if (mode.mode == xboardProtocol) XBoardInputEnded();
@@ -151,7 +156,11 @@ void ReadDuringSearch(ProtocolMode& mode) {
     // With no room left nothing is read any more: to this search that is the
     // end of its input.
     LineStatus status = LineStatus::ended;
-    if (held.lines.size() < maxHeldLines) status = ReadLine(Reader(), false, line);
+    if (held.lines.size() < maxHeldLines) {
+      status = ReadLine(Reader(), false, line);
+      // Nobody waits for the answer of this search.
+      if (IsCutOff(status)) std::exit(0);
+    }
     if (status == LineStatus::ended) EndCommands(mode);
     if (status != LineStatus::line) return;
     if (line[0] == 0) continue;
@@ -174,7 +183,7 @@ void DispatchDuringSearch(ProtocolMode& mode) {
 /// stays, without using the processor.
 void PassIdleTurnAfterEnd() {
   const InputSource& source = *Reader().source;
-  if (source.abandoned()) std::exit(0);
+  if (source.abandoned() || source.unheard()) std::exit(0);
   source.pause(endedPause);
 }
 

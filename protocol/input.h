@@ -20,6 +20,9 @@ struct InputSource {
   int (*read)(char* buffer, std::size_t size, bool wait);
   /// Whether the process that started this one is gone.
   bool (*abandoned)();
+  /// Whether the reader of standard output is gone: nothing that is printed
+  /// will ever be seen.
+  bool (*unheard)();
   /// Sleeps about so many milliseconds between two looks at the input.
   void (*pause)(std::uint32_t milliseconds);
 };

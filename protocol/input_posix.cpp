@@ -39,7 +39,14 @@ int ReadBytes(char* buffer, std::size_t size, bool wait) {
 /// A process whose parent has ended is handed to another one.
 bool StarterIsGone() { return getppid() != starter; }
 
-constexpr InputSource systemInput{BytesWaiting, ReadBytes, StarterIsGone, SleepMilliseconds};
+/// The system tells of a closed pipe without anything being written to it.
+bool NobodyReadsOutput() {
+  pollfd printed{STDOUT_FILENO, 0, 0};
+  return poll(&printed, 1, 0) > 0;
+}
+
+constexpr InputSource systemInput{BytesWaiting, ReadBytes, StarterIsGone, NobodyReadsOutput,
+                                  SleepMilliseconds};
 
 }  // namespace
 

@@ -83,7 +83,11 @@ int ReadBytes(char* buffer, std::size_t size, bool wait) {
 /// The process lives on until its interface says "quit".
 bool StarterIsGone() { return false; }
 
-constexpr InputSource systemInput{BytesWaiting, ReadBytes, StarterIsGone, SleepMilliseconds};
+/// Only a write would tell here.
+bool NobodyReadsOutput() { return false; }
+
+constexpr InputSource systemInput{BytesWaiting, ReadBytes, StarterIsGone, NobodyReadsOutput,
+                                  SleepMilliseconds};
 
 }  // namespace
 

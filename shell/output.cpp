@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "shell/streams.h"
+
 namespace mirvo {
 
 OutputRecord output;
@@ -56,9 +58,10 @@ void WriteTo(std::FILE* sink, const Message& message) {
 }  // namespace
 
 OutputRecord::OutputRecord()
-    : buffer(static_cast<char*>(std::malloc(outputBufferSize))),
-      toConsole(1),
-      log(std::fopen(logFileName, "w+")) {}
+    : buffer(static_cast<char*>(std::malloc(outputBufferSize))), toConsole(1), log(nullptr) {
+  OccupyStandardStreams();
+  log = std::fopen(logFileName, "w+");
+}
 
 std::uint32_t Output(OutputRecord& record, const char* format, ...) {
   // Stands in for a buffer that could not be allocated.

@@ -3,8 +3,9 @@
 
 namespace mirvo {
 
-/// Makes a write to a closed pipe fail like a write to a full disk instead of
-/// ending the process, so that the log is complete whoever stops reading.
+/// Makes a write to a closed pipe, or past the largest size that the user's
+/// files may have, fail like a write to a full disk instead of ending the
+/// process: what can still be written is complete whoever stops reading.
 void PrepareProcess();
 
 }  // namespace mirvo

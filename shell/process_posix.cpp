@@ -4,6 +4,9 @@
 
 namespace mirvo {
 
-void PrepareProcess() { signal(SIGPIPE, SIG_IGN); }
+void PrepareProcess() {
+  signal(SIGPIPE, SIG_IGN);
+  signal(SIGXFSZ, SIG_IGN);
+}
 
 }  // namespace mirvo

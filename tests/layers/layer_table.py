@@ -11,6 +11,7 @@ FILES = [
     ("shell/output*", "base"),
     ("shell/clock*", "base"),
     ("shell/large_pages*", "base"),
+    ("shell/streams*", "base"),
     ("shell/text*", "base"),
     ("protocol/protocol_mode*", "base"),
     ("board/*", "board"),

@@ -259,6 +259,49 @@ TEST_F(EndOfInput, TheStarterMayGoWhileInputIsOpen) {
   EXPECT_EQ(PlayUci("isready\n"), "readyok\n");
 }
 
+TEST_F(EndOfInput, TheProcessEndsWithStatus0OnceNobodyReadsItsOutput) {
+  fakeInput.ended = true;
+  fakeInput.readerGone = true;
+  EXPECT_EXIT(Dispatch(protocolMode, false), ::testing::ExitedWithCode(0), "");
+}
+
+TEST_F(EndOfInput, TheReaderMayGoWhileInputIsOpen) {
+  fakeInput.readerGone = true;
+  EXPECT_EQ(PlayUci("isready\n"), "readyok\n");
+  script = {{{"isready\n", ""}, "e2e4"}};
+  EXPECT_EQ(PlayUci("go\n"), std::string(noTime) + "readyok\nbestmove e2e4 \n");
+}
+
+// Whatever would end it by itself: nobody waits for its answer.
+TEST_F(EndOfInput, ASearchThatNobodyWillHearOfEndsTheProcess) {
+  for (const char* const session :
+       {"uci\ngo depth 5\n", "uci\ngo infinite\n", "xboard\nnew\ngo\n"}) {
+    script = {{{"", inputEnds}, "e2e4"}};
+    fakeInput.readerGone = true;
+    fakeInput.bytes = session;
+    EXPECT_EXIT(
+        {
+          RunIdle();
+          std::exit(1);
+        },
+        ::testing::ExitedWithCode(0), "")
+        << session;
+  }
+}
+
+TEST_F(EndOfInput, AFullQueueIsNoEnd) {
+  std::string lines;
+  for (std::size_t i = 0; i < maxHeldLines; ++i) lines += "eval\n";
+  script = {{{lines, "", "", "", "", "", ""}, "e2e4"}};
+  fakeInput.readerGone = true;
+  protocolMode.mode = uciProtocol;
+  fakeInput.bytes = "go\n";
+  testing::internal::CaptureStdout();
+  Dispatch(protocolMode, false);
+  std::fflush(stdout);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), std::string(noTime) + "bestmove e2e4 \n");
+}
+
 TEST_F(EndOfInput, ALastLineWithoutItsEndIsHandled) {
   fakeInput.ended = true;
   EXPECT_EQ(PlayUci("isready"), "readyok\n");

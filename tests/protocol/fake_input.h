@@ -15,6 +15,7 @@ struct FakeInput {
   std::string bytes;           // sent and not read
   bool ended = false;          // nothing follows them
   bool starterGone = false;    // what the source answers when asked
+  bool readerGone = false;     // the same about the reader of the output
   std::size_t maxRead = 4096;  // bytes that one read gives at most
   int nReads = 0;
   bool ranDry = false;  // a waiting read found nothing, or the end
@@ -45,6 +46,8 @@ inline int FakeRead(char* buffer, std::size_t size, bool wait) {
 
 inline bool FakeAbandoned() { return fakeInput.starterGone; }
 
+inline bool FakeUnheard() { return fakeInput.readerGone; }
+
 inline void FakePause(std::uint32_t milliseconds) {
   fakeInput.pauses.push_back(milliseconds);
   if (fakeInput.afterPause.empty()) {
@@ -61,6 +64,7 @@ inline void FakePause(std::uint32_t milliseconds) {
   }
 }
 
-inline constexpr InputSource fakeSource{FakeWaiting, FakeRead, FakeAbandoned, FakePause};
+inline constexpr InputSource fakeSource{FakeWaiting, FakeRead, FakeAbandoned, FakeUnheard,
+                                        FakePause};
 
 }  // namespace mirvo

@@ -106,6 +106,27 @@ TEST_F(StandardInput, AWaitWithoutInputReturnsToItsCaller) {
   EXPECT_LT(ElapsedSince(start), 5000);
 }
 
+// Standard output is put back before anything is judged.
+TEST_F(StandardInput, TellsWhetherAnybodyReadsTheOutput) {
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  const int before = dup(STDOUT_FILENO);
+  dup2(ends[1], STDOUT_FILENO);
+  close(ends[1]);
+  const bool unheardWhileOpen = source.unheard();
+  close(ends[0]);
+  const bool unheardOnceClosed = source.unheard();
+  const int file = open("/dev/null", O_WRONLY);
+  dup2(file, STDOUT_FILENO);
+  close(file);
+  const bool unheardInAFile = source.unheard();
+  dup2(before, STDOUT_FILENO);
+  close(before);
+  EXPECT_FALSE(unheardWhileOpen);
+  EXPECT_TRUE(unheardOnceClosed);
+  EXPECT_FALSE(unheardInAFile);
+}
+
 TEST_F(StandardInput, TheStarterIsThere) { EXPECT_FALSE(source.abandoned()); }
 
 }  // namespace

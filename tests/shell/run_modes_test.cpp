@@ -55,6 +55,59 @@ class RunModes : public testing::Test {
   EngineConfig& config;
 };
 
+// The start position with the move e2e4.
+constexpr unsigned char smallBook[] = {0x46, 0x3b, 0x96, 0x18, 0x16, 0x91, 0xfc, 0x9c,
+                                       0x03, 0x1c, 0x00, 0x01, 0x00, 0x00, 0x00, 0x00};
+
+class EngineBook : public RunModes {
+ protected:
+  EngineBook() {
+    CreateOpeningBook(openingBook);
+    searchFlags.BookInUse = 1;
+    std::FILE* const file = std::fopen("small.bk", "wb");
+    std::fwrite(smallBook, 1, sizeof smallBook, file);
+    std::fclose(file);
+  }
+  ~EngineBook() override {
+    DestroyOpeningBook(openingBook);
+    searchFlags = SearchFlags{};
+  }
+
+  std::string Load(const char* name) {
+    CopyText(config.BookName, sizeof config.BookName, name);
+    CaptureStdout();
+    LoadEngineBook(config);
+    return GetCapturedStdout();
+  }
+};
+
+TEST_F(EngineBook, IsLoadedByItsName) {
+  Load("small.bk");
+  EXPECT_EQ(openingBook.count, 1);
+  EXPECT_EQ(searchFlags.BookInUse, 1);
+  EXPECT_EQ(config.UseOpeningBook, 1);
+}
+
+// Leaving the book doubles a move's time, so a game without one never is in it.
+TEST_F(EngineBook, IsSwitchedOffSilentlyWhenItsFileIsMissing) {
+  EXPECT_EQ(Load("missing.bk"), "");
+  EXPECT_EQ(searchFlags.BookInUse, 0);
+  EXPECT_EQ(config.UseOpeningBook, 0);
+}
+
+TEST_F(EngineBook, IsNotLookedForWhenTheSettingsWantNone) {
+  config.UseOpeningBook = 0;
+  EXPECT_EQ(Load("small.bk"), "");
+  EXPECT_EQ(openingBook.count, 0);
+}
+
+// Any setting but 0 loads it; only 1 plays from it.
+TEST_F(EngineBook, IsLoadedForAnySettingButZero) {
+  config.UseOpeningBook = 2;
+  Load("small.bk");
+  EXPECT_EQ(openingBook.count, 1);
+}
+
 TEST_F(RunModes, NothingRunsAfterATool) {
   config.ToolRunOnly = 1;
   for (const RunModeCode mode :

@@ -9,6 +9,7 @@
 #include "book/opening_book.h"
 #include "search/hash_table.h"
 #include "shell/startup.h"
+#include "shell/streams.h"
 #include "tests/shell/temporary_folder.h"
 
 namespace mirvo {
@@ -63,6 +64,32 @@ TEST(StartUpStreams, AClosedPipeDoesNotEndTheProcess) {
   testing::internal::GetCapturedStdout();
   EXPECT_EQ(signal(SIGPIPE, before), SIG_IGN);
   ReleaseStarted();
+}
+
+// Each in a process of its own, which loses its streams.
+TEST(StandardStreams, MissingOnesAreOccupied) {
+  for (const int missing : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    EXPECT_EXIT(
+        {
+          close(missing);
+          OccupyStandardStreams();
+          const int next = open("/dev/null", O_RDONLY);
+          char byte = 0;
+          const bool silent = write(missing, "x", 1) == 1 && read(missing, &byte, 1) == 0;
+          _exit(next > STDERR_FILENO && silent ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "")
+        << missing;
+  }
+}
+
+TEST(StandardStreams, NothingIsOpenedBesideCompleteOnes) {
+  const int before = open("/dev/null", O_RDONLY);
+  close(before);
+  OccupyStandardStreams();
+  const int after = open("/dev/null", O_RDONLY);
+  close(after);
+  EXPECT_EQ(after, before);
 }
 
 }  // namespace

@@ -80,13 +80,15 @@ int Read(char* buffer, std::size_t size, bool wait) {
 
 bool StarterGone() { return false; }
 
+bool ReaderGone() { return false; }
+
 void Pause(std::uint32_t) {
   if (++session.nTurns > turnLimit) Break("the engine waits for ever");
   if (session.broken != nullptr) session.ended = true;
   Receive(&ScriptedInterface::SayDuringSearch);
 }
 
-constexpr InputSource source{Waiting, Read, StarterGone, Pause};
+constexpr InputSource source{Waiting, Read, StarterGone, ReaderGone, Pause};
 
 void Poll() {
   Receive(&ScriptedInterface::SayDuringSearch);

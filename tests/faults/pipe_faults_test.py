@@ -1,0 +1,223 @@
+"""Interfaces that close a stream, die or send signals: the program ends when
+nobody is left to answer, soon and by itself, and takes no processor time to
+wait for that."""
+
+import os
+import signal
+import subprocess
+import sys
+import time
+
+import fault_kit
+from fault_kit import LOG, is_alive, processor_seconds, stat_fields, wait_until
+
+# Plays an interface with both pipes open: says what is asked for, tells the
+# engine's number and waits to be killed.
+INTERFACE = """
+import subprocess, sys
+engine = subprocess.Popen(["./mirvo"], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
+for line in sys.argv[2].split("|"):
+    print(line, file=engine.stdin, flush=True)
+while sys.argv[1] not in engine.stdout.readline():
+    pass
+print(engine.pid, flush=True)
+engine.wait()
+"""
+
+# What brings the program where it is to be left alone: the text to wait for,
+# then the lines to send.
+IDLE = ("readyok", "uci|isready")
+SEARCHES = {
+    "uci, on its own time": ("Allowing", "uci|go wtime 36000000 btime 36000000"),
+    "uci, to a depth": ("info depth 2", "uci|go depth 40"),
+    "uci, until told": ("info depth 2", "uci|go infinite"),
+    "uci, pondering": ("info depth 2", "uci|go ponder wtime 36000000"),
+    "xboard, on its own time": ("Allowing", "xboard|new|time 360000|otim 360000|e2e4"),
+    "xboard, pondering": ("PONDERING", "xboard|new|time 10|otim 10|e2e4"),
+}
+MATE_FOUND = ("info depth 1", "uci|position fen 6k1/5ppp/8/8/8/8/8/R3K3 w - -|go infinite")
+
+
+class KilledInterface(fault_kit.FaultTest):
+
+    def leave_behind(self, words):
+        """The number of an engine whose interface is killed with SIGKILL."""
+        folder = fault_kit.temporary_folder()
+        self.addCleanup(folder.cleanup)
+        os.symlink(fault_kit.mirvo, os.path.join(folder.name, "mirvo"))
+        interface = subprocess.Popen([sys.executable, "-c", INTERFACE, *words], cwd=folder.name,
+                                     stdout=subprocess.PIPE, text=True)
+        self.addCleanup(interface.stdout.close)
+        engine = int(interface.stdout.readline())
+        self.assertTrue(is_alive(engine))
+        interface.kill()
+        interface.wait()
+        return engine
+
+    def expect_gone(self, engine):
+        gone = wait_until(lambda: not is_alive(engine), 10)
+        if not gone:
+            os.kill(engine, signal.SIGKILL)
+        self.assertTrue(gone)
+
+    def test_an_idle_engine_follows_it(self):
+        self.expect_gone(self.leave_behind(IDLE))
+
+    def test_a_searching_engine_follows_it(self):
+        for name, words in SEARCHES.items():
+            with self.subTest(name):
+                self.expect_gone(self.leave_behind(words))
+
+    def test_an_engine_that_withholds_its_answer_follows_it(self):
+        self.expect_gone(self.leave_behind(MATE_FOUND))
+
+
+class ClosedPipes(fault_kit.FaultTest):
+    """The process that started the engine lives: a start script, for example,
+    that waits for it."""
+
+    def begin(self, words):
+        """An engine in the state that the words describe, on bare pipes."""
+        first_word, text = words
+        folder = fault_kit.temporary_folder()
+        self.addCleanup(folder.cleanup)
+        engine = subprocess.Popen([fault_kit.mirvo], cwd=folder.name, stdin=subprocess.PIPE,
+                                  stdout=subprocess.PIPE, text=True, bufsize=1)
+        self.addCleanup(self.forget, engine)
+        for line in text.split("|"):
+            print(line, file=engine.stdin, flush=True)
+        while first_word not in engine.stdout.readline():
+            pass
+        return engine, os.path.join(folder.name, LOG)
+
+    @staticmethod
+    def read_log(log):
+        with open(log, encoding="ascii") as file:
+            return file.read()
+
+    @staticmethod
+    def forget(engine):
+        if engine.poll() is None:
+            engine.kill()
+            engine.wait()
+        engine.stdin.close()
+        engine.stdout.close()
+
+    def test_both_closed_end_it_with_status_0(self):
+        for name, words in {"idle": IDLE, "mate found": MATE_FOUND, **SEARCHES}.items():
+            with self.subTest(name):
+                engine, _ = self.begin(words)
+                engine.stdout.close()
+                engine.stdin.close()
+                self.assertEqual(engine.wait(timeout=10 * fault_kit.patience), 0)
+
+    def test_the_input_alone_closed_leaves_it_waiting_without_work(self):
+        engine, _ = self.begin(IDLE)
+        engine.stdin.close()
+        before = processor_seconds(engine.pid)
+        time.sleep(0.5)
+        self.assertIsNone(engine.poll())
+        self.assertLessEqual(processor_seconds(engine.pid) - before, 0.02)
+
+    def test_the_output_alone_closed_leaves_it_at_work(self):
+        # A signal of the broken pipe would end it at the first line printed.
+        for name, words in {"idle": IDLE, **SEARCHES}.items():
+            with self.subTest(name):
+                engine, log = self.begin(words)
+                engine.stdout.close()
+                n_features = self.read_log(log).count("feature myname=")
+                for line in ("isready", "force", "stop", "eval", "xboard"):
+                    print(line, file=engine.stdin, flush=True)
+                self.assertTrue(wait_until(
+                    lambda: self.read_log(log).count("feature myname=") > n_features, 10))
+                print("quit", file=engine.stdin, flush=True)
+                self.assertEqual(engine.wait(timeout=10 * fault_kit.patience), 0)
+
+    def test_its_answer_to_a_closed_output_is_in_the_log(self):
+        engine, log = self.begin(SEARCHES["uci, until told"])
+        engine.stdout.close()
+        print("stop", file=engine.stdin, flush=True)
+
+        self.assertTrue(wait_until(lambda: "bestmove" in self.read_log(log), 10))
+
+
+class MissingStreams(fault_kit.FaultTest):
+    """Started without a standard stream at all."""
+
+    def test_without_output_the_log_has_every_message_once(self):
+        self.start(command="$mirvo >&-")
+        self.send("uci", "isready", "quit")
+        self.assertEqual(self.ended(), 0)
+        log = self.read(LOG)
+        self.assertEqual(log.count("Welcome to Mirvo"), 1)
+        self.assertEqual(log.count("readyok"), 1)
+
+    def test_without_input_it_does_not_read_its_own_files(self):
+        # Were the log its input, "quit" would be in it.
+        self.start("echo Book=quit > config.txt", "$mirvo <&-")
+        self.wait("Ponder=1")
+        pid = self.engine.process.pid
+        self.assertEqual(os.readlink(f"/proc/{pid}/fd/0"), "/dev/null")
+        self.assertIsNone(self.engine.process.poll())
+
+    def test_without_any_stream_a_tool_runs_to_its_end(self):
+        self.start(command="$mirvo -perft 3 <&- >&- 2>&-")
+        self.assertEqual(self.ended(), 0)
+        self.assertIn("3         8902\n", self.read(LOG))
+
+
+class Signals(fault_kit.FaultTest):
+    """Under XBoard an interrupt is no reason to end and a request to terminate
+    lets what was said before it be done (xboard_process_test.py); otherwise
+    the system's own actions hold, in a search too."""
+
+    def test_interrupt_and_terminate_end_any_uci_session(self):
+        for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+            for line, reply in (("isready", "readyok"), ("go infinite", "info"),
+                                ("go depth 40", "info")):
+                with self.subTest(f"{number.name} after {line}"):
+                    self.start()
+                    self.speak_uci()
+                    self.send(line)
+                    self.wait(reply)
+                    self.engine.process.send_signal(number)
+                    self.assertEqual(self.ended(), -number)
+
+    def test_before_a_protocol_is_known_they_end_it_too(self):
+        for number in (signal.SIGINT, signal.SIGTERM):
+            with self.subTest(number.name):
+                self.start()
+                self.wait("Ponder=1")
+                self.engine.process.send_signal(number)
+                self.assertEqual(self.ended(), -number)
+
+    def test_a_broken_pipe_signal_is_ignored_in_every_state(self):
+        self.start()
+        self.speak_uci()
+        self.engine.process.send_signal(signal.SIGPIPE)
+        self.send("go infinite")
+        self.wait("info")
+        self.engine.process.send_signal(signal.SIGPIPE)
+        self.send("stop")
+        self.wait("bestmove")
+        self.quit()
+
+    def is_stopped(self):
+        return stat_fields(self.engine.process.pid)[0] == "T"
+
+    def test_a_stopped_process_goes_on_where_it_was(self):
+        self.start()
+        self.speak_uci()
+        self.send("go infinite")
+        self.wait("info")
+        for _ in range(3):
+            self.engine.process.send_signal(signal.SIGSTOP)
+            self.assertTrue(wait_until(self.is_stopped, 10))
+            self.engine.process.send_signal(signal.SIGCONT)
+        self.send("stop")
+        self.wait("bestmove")
+        self.quit()
+
+
+if __name__ == "__main__":
+    fault_kit.main()
