@@ -2,7 +2,9 @@
 #pragma once
 
 #include "board/attack_tables.h"
+#include "board/bits.h"
 #include "board/board.h"
+#include "board/geometry_tables.h"
 
 namespace mirvo {
 
@@ -33,24 +35,39 @@ inline bool InCheck(Board& board, int side) {
   return board.inCheckCache != 0;
 }
 
+/// Adds to `screens` what stands alone between a square and a slider of `set`.
+/// `path` holds the squares up to each slider, the slider included.
+inline void AddScreens(const Board& board, const Bitboard* path, Bitboard set, Bitboard& screens) {
+  while (set != 0) {
+    const int slider = PopHighest(set);
+    const Bitboard between = path[slider] & board.occupied & ~Bit(slider);
+    if ((between & (between - 1)) == 0) screens |= between;
+  }
+}
+
+/// Pieces of either side that alone keep a slider of `attacker` from `square`.
+inline Bitboard Screens(const Board& board, int square, int attacker) {
+  const std::uint64_t* sliders = board.pieces + attacker * nKinds;
+  Bitboard screens = 0;
+  AddScreens(board, RookPath[square], RookLines(square) & (sliders[rook] | sliders[queen]),
+             screens);
+  AddScreens(board, BishopPath[square], BishopLines(square) & (sliders[bishop] | sliders[queen]),
+             screens);
+  return screens;
+}
+
 /// The squares from which a move of the side to move may leave its own king
 /// attacked; a generated move from any other square is legal. They are the
-/// king's own square and, on each line that holds an enemy slider of that kind,
-/// the pieces next to the king; all squares in check and where a move can take
-/// more off the board than its own origin (en passant, irregular boards).
+/// king's own square and those of the pieces that alone keep an enemy slider
+/// from it; all squares in check and where a move can take more off the board
+/// than its own origin (en passant, irregular boards).
 inline Bitboard ExposedOrigins(Board& board, int side) {
-  constexpr Bitboard all = ~Bitboard{0};
-  const std::uint64_t* enemy = board.pieces + (side ^ 1) * nKinds;
   const Bitboard kings = board.pieces[PieceIndex(side, king)];
   const int square = KingSquare(board, side);
-  if (HasEnPassant(board) || board.irregular != 0 || kings != Bit(square)) return all;
-  const Bitboard onLines = RookLines(square) & (enemy[rook] | enemy[queen]);
-  const Bitboard onDiagonals = BishopLines(square) & (enemy[bishop] | enemy[queen]);
-  Bitboard exposed = kings;
-  if (InCheck(board, side)) return all;
-  if (onLines != 0) exposed |= RookAttacks(board, square);
-  if (onDiagonals != 0) exposed |= BishopAttacks(board, square);
-  return exposed;
+  if (HasEnPassant(board) || board.irregular != 0 || kings != Bit(square) || InCheck(board, side)) {
+    return ~Bitboard{0};
+  }
+  return kings | Screens(board, square, side ^ 1);
 }
 
 /// After a move: whether the side that has just moved left its king attacked,

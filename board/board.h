@@ -40,6 +40,12 @@ struct alignas(64) PositionState {
 };
 static_assert(sizeof(PositionState) == 64);
 
+struct Board;
+struct UndoRecord;
+
+/// Takes a move back, whose record is given and no longer counted.
+using MoveTaker = void (*)(Board& board, const UndoRecord& undo);
+
 /// What UnmakeMove needs to restore the position before one move.
 struct UndoRecord : PositionState {
   Move move;  // with the captured kind filled in when the capture flag is set
@@ -48,7 +54,10 @@ struct UndoRecord : PositionState {
   std::uint8_t castledLong;
   std::uint8_t epCapture;
   std::uint8_t capturedKind;  // pawn for en passant; meaningful when captured
+  MoveTaker takeBack;         // the shortest way to take this move back
+  Bitboard fromTo;            // origin and target, for the shorter ways only
 };
+static_assert(sizeof(UndoRecord) == 128);
 
 inline constexpr int undoCapacity = 500;
 

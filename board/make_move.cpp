@@ -1,6 +1,5 @@
 #include "board/make_move.h"
 
-#include <cassert>
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
@@ -70,9 +69,10 @@ void ForgetEnPassant(Board& board) {
   board.epFile = noEnPassant;
 }
 
-void PushRecord(const Board& board, UndoRecord& undo, Move move) {
+void PushRecord(const Board& board, UndoRecord& undo, Move move, MoveTaker takeBack) {
   static_cast<PositionState&>(undo) = board;
   undo.move = move;
+  undo.takeBack = takeBack;
   undo.captured = 0;
   undo.castledShort = 0;
   undo.castledLong = 0;
@@ -236,6 +236,80 @@ bool MayRememberDoubleStep(const Board& board, Bitboard to) {
   return (board.pieces[PieceIndex(side ^ 1, pawn)] & (to << 1 | to >> 1)) != 0;
 }
 
+// All but the bitboards of pieces, the rooks of castling and the kings' squares.
+template <int side>
+void RestoreState(Board& board, const UndoRecord& undo) {
+  static_cast<PositionState&>(board) = undo;
+  --board.plyCount;
+  board.sideToMove = side;
+  board.inCheckCache = -1;
+}
+
+// Takes back any move.
+template <int side>
+void TakeBackMove(Board& board, const UndoRecord& undo) {
+  constexpr int enemySide = side ^ 1;
+  const Move move = undo.move;
+  const int from = FromSquare(move);
+  const int to = ToSquare(move);
+  const int kind = MovingKind(move);
+  const Bitboard fromTo = Bit(from) ^ Bit(to);
+  std::uint64_t* own = board.pieces + side * nKinds;
+
+  if (kind == pawn && IsPromotion(move)) {
+    own[pawn] ^= Bit(from);
+    own[PromotionKind(move)] ^= Bit(to);
+  } else {
+    own[kind] ^= fromTo;
+  }
+  board.sideOccupancy[side] ^= fromTo;
+  if (kind != king) board.sideOccupancyNoKing[side] ^= fromTo;
+
+  if (IsCapture(move)) {
+    const int square = undo.epCapture != 0 ? SquareAt(RankOf(from), FileOf(to)) : to;
+    const Bitboard bit = Bit(square);
+    board.pieces[PieceIndex(enemySide, CapturedKind(move))] ^= bit;
+    board.sideOccupancy[enemySide] ^= bit;
+    board.sideOccupancyNoKing[enemySide] ^= bit;
+  } else if (kind != pawn) {
+    --board.historyIndex;
+  }
+  RestoreState<side>(board, undo);
+  if (kind == king) {
+    if ((undo.castledShort | undo.castledLong) != 0) TakeBackCastling(board, undo, side, from);
+    LocateKing(board, side);
+  }
+  if (board.irregular != 0) RebuildOccupancy(board);
+}
+
+template <int side, int kind>
+void TakeBackPiece(Board& board, const UndoRecord& undo) {
+  const Bitboard fromTo = undo.fromTo;
+  board.pieces[PieceIndex(side, kind)] ^= fromTo;
+  board.sideOccupancy[side] ^= fromTo;
+  if constexpr (kind != king) board.sideOccupancyNoKing[side] ^= fromTo;
+  RestoreState<side>(board, undo);
+  if constexpr (kind == king) LocateKing(board, side);
+}
+
+// Takes back a move that took nothing, nor promoted nor castled.
+template <int side, int kind>
+void TakeBackQuietMove(Board& board, const UndoRecord& undo) {
+  if constexpr (kind != pawn) --board.historyIndex;
+  TakeBackPiece<side, kind>(board, undo);
+}
+
+// Takes back a move that took what stood on its target and did not promote.
+template <int side, int kind>
+void TakeBackCapture(Board& board, const UndoRecord& undo) {
+  constexpr int enemySide = side ^ 1;
+  const Bitboard toBit = Bit(ToSquare(undo.move));
+  board.pieces[PieceIndex(enemySide, undo.capturedKind)] ^= toBit;
+  board.sideOccupancy[enemySide] ^= toBit;
+  board.sideOccupancyNoKing[enemySide] ^= toBit;
+  TakeBackPiece<side, kind>(board, undo);
+}
+
 // Any move of a kind of pieces. Compiled for each kind: with the kind known in
 // every line of it, an average move takes half the work.
 template <int side, int kind, bool promotes = false>
@@ -248,7 +322,7 @@ template <int side, int kind, bool promotes = false>
                      (kind == pawn && TakesEnPassant<side>(board, from, to));
   std::uint64_t* own = board.pieces + side * nKinds;
   UndoRecord& undo = board.undoStack[board.undoDepth];
-  PushRecord(board, undo, move);
+  PushRecord(board, undo, move, TakeBackMove<side>);
   undo.capturedKind = pawn;
   const int landedKind = promotes ? PromotionKind(move) : kind;
   // The keys of both squares and of the other side's turn go in at once: every
@@ -306,9 +380,70 @@ template <int side, int kind, bool promotes = false>
   board.inCheckCache = -1;
 }
 
-// The same for what most moves are: a piece goes to an empty square, and
-// nothing else changes. It finds out whether that is so before it changes
-// anything, and calls nothing but in its last step, so no register is saved.
+// Kind of the enemy piece on a square that holds exactly one and not the king.
+// Looks at all of them instead of guessing: a wrong guess costs more.
+int SoleVictimKind(const std::uint64_t* enemy, int square) {
+  const std::uint64_t odd = (enemy[knight] | enemy[rook]) >> square & 1;
+  const std::uint64_t twos = (enemy[bishop] | enemy[rook]) >> square & 1;
+  const std::uint64_t queens = enemy[queen] >> square & 1;
+  return static_cast<int>(odd | twos << 1 | queens << 2);
+}
+static_assert(pawn == 0 && knight == 1 && bishop == 2 && rook == 3 && queen == 4);
+
+// What moves that neither castle nor promote have in common. `keys` are those
+// of the piece on both squares.
+template <int side, int kind>
+void FinishPlainMove(Board& board, Bitboard fromTo, int from, std::uint64_t keys) {
+  board.pieces[PieceIndex(side, kind)] ^= fromTo;
+  board.sideOccupancy[side] ^= fromTo;
+  if constexpr (kind != king) board.sideOccupancyNoKing[side] ^= fromTo;
+  if constexpr (kind == pawn) board.pawnKey ^= keys;
+  if constexpr (kind == rook) UpdateRookState(board, side, from);
+  if constexpr (kind == king) {
+    DropCastlingKeys(board, side);
+    board.castling.kingMoved[side] = 1;
+  }
+  ++board.plyCount;
+  ++board.undoDepth;
+  board.sideToMove = side ^ 1;
+  board.inCheckCache = -1;
+}
+
+// What most captures are: a piece takes another on its target, and nothing else
+// changes. It finds out whether that is so before it changes anything, and
+// calls nothing but in its last step, so no register is saved.
+template <int side, int kind>
+[[gnu::noinline]] void PlayCapture(Board& board, Move move) {
+  constexpr int enemySide = side ^ 1;
+  const int from = FromSquare(move);
+  const int to = ToSquare(move);
+  const RotatedBits& fromBits = RotatedOf(from);
+  const Bitboard toBit = RotatedOf(to).plain;
+  if ((board.sideOccupancyNoKing[enemySide] & toBit) == 0 || !IsCapture(move) ||
+      HasEnPassant(board) || board.irregular != 0) [[unlikely]] {
+    return PlayMove<side, kind>(board, move);
+  }
+  std::uint64_t* enemy = board.pieces + enemySide * nKinds;
+  const int victim = SoleVictimKind(enemy, to);
+  const Bitboard fromTo = fromBits.plain | toBit;
+  UndoRecord& undo = board.undoStack[board.undoDepth];
+  PushRecord(board, undo, WithCaptured(move, victim), TakeBackCapture<side, kind>);
+  undo.fromTo = fromTo;
+  undo.captured = 1;
+  undo.capturedKind = static_cast<std::uint8_t>(victim);
+  const std::uint64_t keys = PieceKey(side, kind, from) ^ PieceKey(side, kind, to);
+  const std::uint64_t victimKey = PieceKey(enemySide, victim, to);
+  board.positionKey ^= keys ^ victimKey ^ SideKey();
+  board.pawnKey ^= victim == pawn ? victimKey : 0;
+  enemy[victim] ^= toBit;
+  board.sideOccupancy[enemySide] ^= toBit;
+  board.sideOccupancyNoKing[enemySide] ^= toBit;
+  ToggleViews(board, fromBits);
+  FinishPlainMove<side, kind>(board, fromTo, from, keys);
+  if constexpr (kind == king) LocateKing(board, side);
+}
+
+// The same for what most moves are: a piece goes to an empty square.
 template <int side, int kind>
 [[gnu::noinline]] void PlayQuietMove(Board& board, Move move) {
   const int from = FromSquare(move);
@@ -319,30 +454,29 @@ template <int side, int kind>
     if (IsPromotion(move)) [[unlikely]]
       return PlayMove<side, pawn, true>(board, move);
   }
-  if ((board.occupied & toBits.plain) != 0) return PlayMove<side, kind>(board, move);
+  if constexpr (kind == king) {
+    if (std::abs(FileOf(from) - FileOf(to)) > 1) [[unlikely]]
+      return PlayMove<side, king>(board, move);
+  }
+  if ((board.occupied & toBits.plain) != 0) return PlayCapture<side, kind>(board, move);
   if (HasEnPassant(board) || board.irregular != 0) [[unlikely]]
     return PlayMove<side, kind>(board, move);
-  PushRecord(board, board.undoStack[board.undoDepth], move);
+  const Bitboard fromTo = fromBits.plain | toBits.plain;
+  UndoRecord& undo = board.undoStack[board.undoDepth];
+  PushRecord(board, undo, move, TakeBackQuietMove<side, kind>);
+  undo.fromTo = fromTo;
   const std::uint64_t keys = PieceKey(side, kind, from) ^ PieceKey(side, kind, to);
   board.positionKey ^= keys ^ SideKey();
   ToggleViews(board, fromBits, toBits);
-  const Bitboard fromTo = fromBits.plain | toBits.plain;
-  board.pieces[PieceIndex(side, kind)] ^= fromTo;
-  board.sideOccupancy[side] ^= fromTo;
-  board.sideOccupancyNoKing[side] ^= fromTo;
-  if constexpr (kind == rook) UpdateRookState(board, side, from);
-  ++board.plyCount;
-  ++board.undoDepth;
-  board.sideToMove = side ^ 1;
-  board.inCheckCache = -1;
+  FinishPlainMove<side, kind>(board, fromTo, from, keys);
   if constexpr (kind == pawn) {
-    board.pawnKey ^= keys;
     if (IsDoubleStep(from, to) && MayRememberDoubleStep<side>(board, toBits.plain)) [[unlikely]] {
       return RememberDoubleStep(board, side, from, to);
     }
   } else {
     KeyHistory[++board.historyIndex] = board.positionKey;
   }
+  if constexpr (kind == king) LocateKing(board, side);
 }
 
 using MovePlayer = void (*)(Board& board, Move move);
@@ -360,74 +494,12 @@ void PlayNothing(Board& board, Move) { PassTurn(board); }
 // By side to move and kind.
 const MovePlayer MovePlayers[nSides][8] = {
     {PlayQuietMove<white, pawn>, PlayQuietMove<white, knight>, PlayQuietMove<white, bishop>,
-     PlayQuietMove<white, rook>, PlayQuietMove<white, queen>, PlayMove<white, king>, PlayNothing,
-     PlayUnknownKind},
+     PlayQuietMove<white, rook>, PlayQuietMove<white, queen>, PlayQuietMove<white, king>,
+     PlayNothing, PlayUnknownKind},
     {PlayQuietMove<black, pawn>, PlayQuietMove<black, knight>, PlayQuietMove<black, bishop>,
-     PlayQuietMove<black, rook>, PlayQuietMove<black, queen>, PlayMove<black, king>, PlayNothing,
-     PlayUnknownKind}};
+     PlayQuietMove<black, rook>, PlayQuietMove<black, queen>, PlayQuietMove<black, king>,
+     PlayNothing, PlayUnknownKind}};
 static_assert(unknownKind == 7);
-
-template <int side>
-[[gnu::noinline]] void TakeBackMove(Board& board) {
-  constexpr int enemySide = side ^ 1;
-  const UndoRecord& undo = board.undoStack[--board.undoDepth];
-  const Move move = undo.move;
-  const int from = FromSquare(move);
-  const int to = ToSquare(move);
-  const int kind = MovingKind(move);
-  const Bitboard fromTo = Bit(from) ^ Bit(to);
-  std::uint64_t* own = board.pieces + side * nKinds;
-
-  if (kind == pawn && IsPromotion(move)) {
-    own[pawn] ^= Bit(from);
-    own[PromotionKind(move)] ^= Bit(to);
-  } else {
-    own[kind] ^= fromTo;
-  }
-  board.sideOccupancy[side] ^= fromTo;
-  if (kind != king) board.sideOccupancyNoKing[side] ^= fromTo;
-
-  if (IsCapture(move)) {
-    const int square = undo.epCapture != 0 ? SquareAt(RankOf(from), FileOf(to)) : to;
-    const Bitboard bit = Bit(square);
-    board.pieces[PieceIndex(enemySide, CapturedKind(move))] ^= bit;
-    board.sideOccupancy[enemySide] ^= bit;
-    board.sideOccupancyNoKing[enemySide] ^= bit;
-  } else if (kind != pawn) {
-    --board.historyIndex;
-  }
-  static_cast<PositionState&>(board) = undo;
-  --board.plyCount;
-  board.sideToMove = side;
-  board.inCheckCache = -1;
-  if (kind == king) {
-    if ((undo.castledShort | undo.castledLong) != 0) TakeBackCastling(board, undo, side, from);
-    LocateKing(board, side);
-  }
-  if (board.irregular != 0) RebuildOccupancy(board);
-}
-
-// The same for a move, other than the king's, that took nothing and promoted
-// nothing. Calls nothing, so no register is saved.
-template <int side>
-void TakeBackQuietMove(Board& board) {
-  const UndoRecord& undo = board.undoStack[board.undoDepth - 1];
-  const Move move = undo.move;
-  const int kind = MovingKind(move);
-  if ((move & (captureFlag | promotionFlag)) != 0 || kind == king || board.irregular != 0) {
-    return TakeBackMove<side>(board);
-  }
-  --board.undoDepth;
-  const Bitboard fromTo = RotatedOf(FromSquare(move)).plain ^ RotatedOf(ToSquare(move)).plain;
-  board.pieces[PieceIndex(side, kind)] ^= fromTo;
-  board.sideOccupancy[side] ^= fromTo;
-  board.sideOccupancyNoKing[side] ^= fromTo;
-  board.historyIndex -= kind != pawn ? 1 : 0;
-  static_cast<PositionState&>(board) = undo;
-  --board.plyCount;
-  board.sideToMove = side;
-  board.inCheckCache = -1;
-}
 
 [[gnu::noinline]] void TrimAndMakeMove(Board& board, Move move) {
   TrimGameHistory(board);
@@ -442,15 +514,6 @@ void MakeMove(Board& board, Move move) {
     return TrimAndMakeMove(board, move);
   }
   MovePlayers[board.sideToMove][MovingKind(move)](board, move);
-}
-
-void UnmakeMove(Board& board) {
-  assert(board.undoDepth > 0);
-  if (board.sideToMove == black) {
-    TakeBackQuietMove<white>(board);
-  } else {
-    TakeBackQuietMove<black>(board);
-  }
 }
 
 void MakeNullMove(Board& board) {

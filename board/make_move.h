@@ -1,6 +1,8 @@
 // Playing moves on a board and taking them back.
 #pragma once
 
+#include <cassert>
+
 #include "board/board.h"
 #include "board/move.h"
 
@@ -14,7 +16,11 @@ namespace mirvo {
 void MakeMove(Board& board, Move move);
 
 /// Takes back the newest move. The board must hold at least one undo record.
-void UnmakeMove(Board& board);
+inline void UnmakeMove(Board& board) {
+  assert(board.undoDepth > 0);
+  const UndoRecord& undo = board.undoStack[--board.undoDepth];
+  undo.takeBack(board, undo);
+}
 
 /// Whether an en-passant capture is possible now: the square was made by the
 /// move just played (or came with the position and nothing was played yet), is

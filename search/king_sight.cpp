@@ -5,30 +5,6 @@
 #include "board/geometry_tables.h"
 
 namespace mirvo {
-namespace {
-
-/// Adds to `screens` what stands alone between a square and a slider of `set`.
-/// `path` holds the squares up to each slider, the slider included.
-void AddScreens(const Board& board, const Bitboard* path, Bitboard set, Bitboard& screens) {
-  while (set != 0) {
-    const int slider = PopHighest(set);
-    const Bitboard between = path[slider] & board.occupied & ~Bit(slider);
-    if ((between & (between - 1)) == 0) screens |= between;
-  }
-}
-
-/// Pieces of either side that alone keep a slider of `attacker` from `square`.
-Bitboard Screens(const Board& board, int square, int attacker) {
-  const std::uint64_t* sliders = board.pieces + attacker * nKinds;
-  Bitboard screens = 0;
-  AddScreens(board, RookPath[square], RookLines(square) & (sliders[rook] | sliders[queen]),
-             screens);
-  AddScreens(board, BishopPath[square], BishopLines(square) & (sliders[bishop] | sliders[queen]),
-             screens);
-  return screens;
-}
-
-}  // namespace
 
 KingSight::KingSight(const Board& position, bool inCheck) : board_(position) {
   const int side = position.sideToMove;

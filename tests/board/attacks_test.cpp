@@ -95,15 +95,18 @@ TEST(MoverLeftInCheck, TellsIllegalMovesFromLegalOnes) {
   EXPECT_FALSE(MoverLeftInCheck(board));
 }
 
-TEST(ExposedOrigins, AreTheKingAndThePiecesNextToItOnOpenedLines) {
+TEST(ExposedOrigins, AreTheKingAndThePiecesThatAloneScreenIt) {
   const struct {
     const char* fen;
     const char* exposed;
   } cases[] = {
       {"4k3/8/8/8/8/8/8/4K3 w -", "e1"},
-      // The rook's line: the king's neighbours on all four arms, not the rest.
-      {"4k3/8/8/8/4r3/8/1N2P3/4K1B1 w -", "a1 b1 c1 d1 e1 f1 g1 e2"},
-      {"4k3/8/8/b7/8/8/3N4/4K3 w -", "e1 d2 f2 g3 h4"},
+      {"4k3/8/8/8/4r3/8/1N2P3/4K1B1 w -", "e1 e2"},
+      {"4k3/8/8/8/4r3/4N3/1N2P3/4K1B1 w -", "e1"},
+      {"4k3/8/8/b7/8/8/3N4/4K3 w -", "e1 d2"},
+      {"4k3/8/8/q7/8/2P5/3N4/q1N1K1Bq w -", "c1 e1 g1"},
+      // A slider of the other kind sees nothing along the line.
+      {"4k3/8/8/r7/4b3/8/3NP3/4K3 w -", "e1"},
       {"4k3/8/8/b7/8/4r3/8/4KB2 w -", "all"},
       {"4k3/8/8/8/8/8/3NP3/4K2b w -", "e1"},
       {"4k3/8/8/8/8/8/8/8 w -", "all"},
