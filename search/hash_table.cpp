@@ -17,19 +17,6 @@ constexpr int slotShift = 6;
 constexpr std::size_t slotSize = sizeof(HashEntry);
 static_assert(slotSize == std::size_t{1} << slotShift);
 
-// Moves the next part of the table to a large page, if one is left.
-void SettlePart(HashTable& table) {
-  if (table.block == nullptr) return;
-  const auto block = reinterpret_cast<std::uintptr_t>(table.block);
-  const std::uintptr_t end = block + static_cast<std::uintptr_t>(table.size) * slotSize;
-  const std::uintptr_t next =
-      (block + table.settled + largePageSize - 1) / largePageSize * largePageSize;
-  if (next + largePageSize > end) return;
-  // NOLINTNEXTLINE(performance-no-int-to-ptr)
-  MoveToLargePage(reinterpret_cast<void*>(next));
-  table.settled = next + largePageSize - block;
-}
-
 // Notes where the newest probe or store went, so that the search can rewrite
 // the slot without computing its index again.
 HashEntry& Locate(HashTable& table, std::uint64_t key) {
@@ -61,21 +48,15 @@ void HashAllocate(HashTable& table) {
     table.block = std::calloc(bytes, 1);
     if (table.block != nullptr) break;
   }
-  table.settled = 0;
   table.size = nSlots;
   table.reciprocal = nSlots == 0 ? 0 : ~std::uint64_t{0} / nSlots + 1;
   if (table.block == nullptr) return;
+  PreferLargePages(table.block, static_cast<std::size_t>(nSlots) * slotSize);
   const auto address = reinterpret_cast<std::uintptr_t>(table.block);
   const std::uintptr_t aligned = (address + slotSize - 1) & ~std::uintptr_t{slotSize - 1};
   // Rounding an address up takes the way over an integer; it is done once.
   // NOLINTNEXTLINE(performance-no-int-to-ptr)
   table.entries = reinterpret_cast<HashEntry*>(aligned);
-}
-
-void HashSettle() {
-  SettlePart(TranspositionTable);
-  SettlePart(EvalHashTable);
-  SettlePart(PawnHashTable);
 }
 
 void HashRelease(HashTable& table) {

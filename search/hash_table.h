@@ -37,7 +37,6 @@ struct HashTable {
   std::int32_t lastIndex;
   std::uint64_t lastKey;
   std::uint64_t reciprocal;  // of `size`, for HashIndex; set by allocation
-  std::size_t settled;       // bytes of the block that HashSettle has seen to
 };
 
 /// Owner: hash_table.cpp. They live for the whole run.
@@ -53,13 +52,9 @@ void HashInitialise(HashTable& table);
 
 /// Turns `size` from megabytes into slots and (re)allocates the slot array with
 /// zeroed (empty) slots. If memory is short the table is halved until it fits.
+/// Asks for large memory pages: nearly every probe goes to another page, and a
+/// processor remembers the places of far fewer small ones than a table has.
 void HashAllocate(HashTable& table);
-
-/// Moves another few megabytes of the tables to large memory pages, until all
-/// of them are there: nearly every probe goes to another page, and a processor
-/// remembers far fewer small ones than a table has. Called now and then by a
-/// search that takes long enough to gain by it.
-void HashSettle();
 
 /// Releases the memory (tests; the engine keeps its tables to the end).
 void HashRelease(HashTable& table);

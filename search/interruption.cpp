@@ -1,6 +1,5 @@
 #include "search/interruption.h"
 
-#include "search/hash_table.h"
 #include "search/search_hooks.h"
 #include "search/time_control.h"
 #include "shell/config.h"
@@ -11,15 +10,10 @@ namespace {
 constexpr std::uint32_t clockInterval = 1024;  // node entries between clock readings
 constexpr std::uint32_t inputInterval = 8192;  // counted moves between input polls
 
-// Nodes after which a search counts as long: large pages cost more than they
-// gain in a short one.
-constexpr std::uint32_t longSearch = 262144;
-
 // The quiescence search may step over an exact multiple, so the next one is
 // remembered and counts as due once it is reached or passed.
 void Poll(SearchState& state) {
   state.nextInputPoll = (state.nodeCount / inputInterval + 1) * inputInterval;
-  if (state.nodeCount >= longSearch) HashSettle();
   if (searchFlags.NoInputPolling == 0 && searchHooks.pollInput != nullptr) searchHooks.pollInput();
 }
 

@@ -5,12 +5,9 @@
 
 namespace mirvo {
 
-inline constexpr std::size_t largePageSize = std::size_t{1} << 21;
-
-/// Asks the system to put the large page's worth of memory from `start` on,
-/// which is a multiple of largePageSize, into one page. Takes less than a
-/// millisecond. A wish: contents stay, and where it cannot be met nothing
-/// happens.
-void MoveToLargePage(void* start);
+/// Asks the system to serve memory that nobody has touched yet in large pages,
+/// as far as whole ones lie within it. A wish: where it cannot be met nothing
+/// happens, and contents never change.
+void PreferLargePages(void* start, std::size_t bytes);
 
 }  // namespace mirvo

@@ -3,6 +3,6 @@
 namespace mirvo {
 
 // Large pages take a privilege here that few users have.
-void MoveToLargePage(void*) {}
+void PreferLargePages(void*, std::size_t) {}
 
 }  // namespace mirvo

@@ -4,6 +4,10 @@
 
 #include <cstdlib>
 
+#ifdef __linux__
+#include "tests/support/memory_map.h"
+#endif
+
 namespace mirvo {
 namespace {
 
@@ -61,6 +65,18 @@ TEST(HashAllocation, ASizeThatGivesNoSlotsGivesASmallTable) {
 }
 
 TEST(HashAllocation, NegativeSizesGetATable) { EXPECT_GT(SlotsOf(-5), 0U); }
+
+#ifdef __linux__
+TEST(HashAllocation, AsksForLargePages) {
+  if (!test::KnowsLargePages()) GTEST_SKIP() << "no large pages on this system";
+  HashTable table{};
+  table.size = 64;
+  HashAllocate(table);
+  EXPECT_TRUE(test::AsksForLargePages(&table.entries[table.size / 2]));
+  EXPECT_TRUE(test::AsksForLargePages(&table.entries[table.size - 1]));
+  HashRelease(table);
+}
+#endif
 
 TEST(HashAllocation, ReallocationEmptiesTheTable) {
   HashTable table{};
