@@ -38,12 +38,17 @@ constexpr CentreSums SumCentre() {
 
 constexpr CentreSums centreSums = SumCentre();
 
-/// Ring and centre squares of a set, by two look-ups: cheaper than counting
-/// both where the processor does not count bits.
+/// Ring and centre squares of a set; by two look-ups where the processor does
+/// not count bits.
 std::int32_t CentreAmount(Bitboard set) {
+#ifdef __POPCNT__
+  return ringSquare * PopCount(set & extendedCentreRing) +
+         centreSquare * PopCount(set & centreSquares);
+#else
   const auto ranks = static_cast<std::uint32_t>(set >> SquareAt(2, 2)) & 0x0F0F0F0FU;
   const std::uint32_t pairs = ranks | ranks >> 4;
   return centreSums.low[pairs & 0xFF] + centreSums.high[(pairs >> 16) & 0xFF];
+#endif
 }
 
 /// What every piece of a side is measured against.
