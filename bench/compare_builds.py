@@ -4,11 +4,13 @@ depth over the signature positions and of perft, in turns on one core.
 Usage: compare_builds.py NAME=PROGRAM NAME=PROGRAM... [--depth D] [--rounds N]
                          [--perft D] [--core C]
 
-Every build is compared with the first. A position's ratio is the median over
-the rounds, the figure the geometric mean over the positions. Positions that the
-first build searches in less than 5 ms are left out; where two builds take
-different nodes the number of such positions is said, for then the times compare
-different trees.
+Every build is compared with the first, by searches of new processes, as after the
+start of an engine, and by searches of one process, whose tables have been in use:
+"ucinewgame" empties the transposition table, the evaluation's caches keep what
+they learned. A position's ratio is the median over the rounds, the figure the
+geometric mean over the positions. Positions that the first build searches in less
+than 5 ms are left out; where two builds take different nodes the number of such
+positions is said, for then the times compare different trees.
 """
 
 import argparse
@@ -22,18 +24,27 @@ SHORTEST = 0.005  # seconds
 INITIAL = "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq"
 
 
-def search_times(programs, options, folder):
+def start_engine(program, options, folder):
+    engine = Engine([program], options.core, folder)
+    engine.start_uci(["Use Opening Book value false"])
+    return engine
+
+
+def search_times(programs, options, folder, new_processes):
     """{name: {position: (nodes, [seconds])}}, the builds taking turns."""
     results = {name: {} for name in programs}
     engines = {}
-    for name, program in programs.items():
-        engines[name] = Engine([program], options.core, folder)
-        engines[name].start_uci(["Use Opening Book value false"])
+    if not new_processes:
+        engines = {name: start_engine(program, options, folder)
+                   for name, program in programs.items()}
     for _ in range(options.rounds):
         for position, fen in signature_positions():
-            for name, engine in engines.items():
+            for name, program in programs.items():
+                engine = engines.get(name) or start_engine(program, options, folder)
                 nodes, seconds = engine.search_depth(fen, options.depth)
                 results[name].setdefault(position, (nodes, []))[1].append(seconds)
+                if new_processes:
+                    engine.quit()
     for engine in engines.values():
         engine.quit()
     return results
@@ -74,19 +85,22 @@ def main():
         name, program = build.split("=", 1)
         programs[name] = os.path.abspath(program)
     with tempfile.TemporaryDirectory() as folder:
-        searches = search_times(programs, options, folder)
         perfts = perft_times(programs, options, folder)
+        searches = {new: search_times(programs, options, folder, new) for new in (True, False)}
     first = next(iter(programs))
-    print(f"| build | search to depth {options.depth} | {first}'s time by it | perft {options.perft}"
-          f" | {first}'s time by it |")
-    print("|---|---|---|---|---|")
+    print(f"Depth {options.depth}, perft {options.perft}; ratios are {first}'s time by the build's.\n")
+    print("| build | searches of new processes | ratio | of one process | ratio | perft | ratio |")
+    print("|---|---|---|---|---|---|---|")
     for name in programs:
-        ratio, used, different = compare(searches[first], searches[name])
-        total = sum(statistics.median(seconds) for _, seconds in searches[name].values())
+        cells = [name]
+        for new in (True, False):
+            ratio, used, different = compare(searches[new][first], searches[new][name])
+            total = sum(statistics.median(seconds) for _, seconds in searches[new][name].values())
+            note = f", other nodes in {different} of {used} positions" if different else ""
+            cells += [f"{total:.2f} s", f"{ratio:.2f}{note}"]
         perft = statistics.median(a / b for a, b in zip(perfts[first], perfts[name]))
-        note = f", other nodes in {different} of {used} positions" if different else ""
-        print(f"| {name} | {total:.2f} s | {ratio:.2f}{note} | "
-              f"{statistics.median(perfts[name]):.3f} s | {perft:.2f} |")
+        cells += [f"{statistics.median(perfts[name]):.3f} s", f"{perft:.2f}"]
+        print("| " + " | ".join(cells) + " |")
 
 
 if __name__ == "__main__":
