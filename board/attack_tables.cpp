@@ -26,6 +26,25 @@ Bitboard PawnAttacks[nSides][nSquares];
 
 namespace {
 
+// Squares that share a diagonal.
+constexpr BishopLineTable LayBishopLines() {
+  BishopLineTable lines{};
+  for (int from = 0; from < nSquares; ++from) {
+    for (int to = 0; to < nSquares; ++to) {
+      const int ranks = RankOf(to) - RankOf(from);
+      const int files = FileOf(to) - FileOf(from);
+      if (from != to && (ranks == files || ranks == -files)) lines.of[from] |= Bit(to);
+    }
+  }
+  return lines;
+}
+
+}  // namespace
+
+constinit const BishopLineTable BishopLineSets = LayBishopLines();
+
+namespace {
+
 struct Step {
   int rank;
   int file;

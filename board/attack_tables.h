@@ -45,11 +45,20 @@ inline OccupancyViews ViewsOf(const Board& board) {
   return {board.occupied, board.occupiedRot90, board.occupiedDiagA1H8, board.occupiedDiagA8H1};
 }
 
-/// Attacks of a rook or bishop on an empty board.
-inline Bitboard RookLines(int square) { return RankAttacks[square][0] | FileAttacks[square][0]; }
-inline Bitboard BishopLines(int square) {
-  return DiagA1H8Attacks[square][0] | DiagA8H1Attacks[square][0];
+/// Attacks of a rook on an empty board.
+constexpr Bitboard RookLines(int square) {
+  constexpr Bitboard rank = 0xFF;
+  constexpr Bitboard file = 0x0101010101010101ULL;
+  return rank << (8 * RankOf(square)) ^ file << FileOf(square);
 }
+
+/// Attacks of a bishop on an empty board, by square. A table of their own: the
+/// entries of DiagA1H8Attacks and DiagA8H1Attacks are scattered over 256 kB.
+struct BishopLineTable {
+  Bitboard of[nSquares];
+};
+extern const BishopLineTable BishopLineSets;
+inline Bitboard BishopLines(int square) { return BishopLineSets.of[square]; }
 
 /// Attacks along the rank and file of `square`, up to and including the first
 /// occupied square in each direction.

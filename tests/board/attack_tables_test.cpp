@@ -201,5 +201,12 @@ TEST_F(AttackTables, BuildersRunInAnyNumberOfRounds) {
   EXPECT_EQ(QueenAttacks(test::BoardFrom(test::startFen), 27), before);
 }
 
+TEST_F(AttackTables, LinesOfAnEmptyBoardAgreeWithTheTables) {
+  for (int square = 0; square < nSquares; ++square) {
+    EXPECT_EQ(RookLines(square), RookAttacks(square, 0, 0)) << square;
+    EXPECT_EQ(BishopLines(square), BishopAttacks(square, 0, 0)) << square;
+  }
+}
+
 }  // namespace
 }  // namespace mirvo
