@@ -62,6 +62,7 @@ class Run:
     output: Block | None = None
     log: Block | str = "same"
     normalise: list = dataclasses.field(default_factory=list)  # (pattern, replacement)
+    once: list = dataclasses.field(default_factory=list)  # patterns
 
 
 @dataclasses.dataclass
@@ -143,6 +144,10 @@ def apply_directive(case, word, argument, block, line, where):
         run.log = argument or block or Block(entries=[], first_line=line, end_line=line)
     elif word == "normalise":
         run.normalise.append(parse_normalise(argument, where))
+    elif word == "once":
+        if not argument:
+            raise CaseError(f"{where}: once needs a pattern")
+        run.once.append(re.compile(argument))
     elif word == "time-limit":
         case.time_limit = float(argument)
     elif word == "platform":

@@ -23,7 +23,20 @@ COMPILED = [(re.compile(pattern, re.MULTILINE), replacement) for pattern, replac
 CONSOLE_ONLY = "config.txt not found, using default values.\n"
 
 
-def normalise(text, extra=()):
+def without_repeats(text, pattern):
+    """The text with only the first of the lines in which the pattern is found."""
+    kept, seen = [], False
+    for line in text.split("\n"):
+        matches = pattern.search(line) is not None
+        if not (matches and seen):
+            kept.append(line)
+        seen = seen or matches
+    return "\n".join(kept)
+
+
+def normalise(text, extra=(), once=()):
     for pattern, replacement in [*COMPILED, *extra]:
         text = pattern.sub(replacement, text)
+    for pattern in once:
+        text = without_repeats(text, pattern)
     return text

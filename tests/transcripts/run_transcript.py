@@ -91,7 +91,7 @@ def check_log(folder, run, output):
         return ("the log file exists\n" if path.is_file() else ""), ""
     if not path.is_file():
         return "there is no log file\n", ""
-    log = normalise(as_text(path.read_bytes()), run.normalise)
+    log = normalise(as_text(path.read_bytes()), run.normalise, run.once)
     if isinstance(run.log, Block):
         return difference("log", run.log, log), log
     same = output.replace(CONSOLE_ONLY, "")
@@ -131,7 +131,7 @@ def run_once(options, folder, run, time_limit):
         faults.append(f"{fault}\n")
     finally:
         session.close()
-    output = normalise(as_text(session.text), run.normalise)
+    output = normalise(as_text(session.text), run.normalise, run.once)
     faults.append(difference("output", run.output, output))
     log_fault, log = check_log(folder, run, output)
     faults.append(log_fault)

@@ -161,6 +161,12 @@ class RunnerTest(unittest.TestCase):
                     "|info depth 3 seldepth 5 time # score cp -4 nodes 99 nps # pv e2e4 \\\n")
         self.passes("normalise ^v\\d+ => v#\nsend v12\nsend quit\noutput\n|args\n|v#\n")
 
+    def test_leaves_out_repeated_lines_where_the_case_says_so(self):
+        session = "send v1\nsend w\nsend v2\nsend v3\nsend w\nsend quit\noutput\n|args\n"
+        self.passes("once ^v\\d\n" + session + "|v1\n|w\n|w\n")
+        self.fails("once ^v\\d\n" + session + "|v2\n|w\n|w\n", "+v1")
+        self.fails(session + "|v1\n|w\n|w\n", "+v2")
+
     def test_reports_standard_error(self):
         self.fails("send complain\nsend quit\noutput\n|args\n", "a complaint")
         self.passes("send complain\nsend quit\noutput\n|args\n", "--prefix", sys.executable)
@@ -196,7 +202,7 @@ class CaseFileTest(unittest.TestCase):
     def test_refuses_what_it_does_not_understand(self):
         for text in ("sendd x\noutput\n", "output\nsome text\n ", "send x\n",
                      "send x\n|line\noutput\n", "log maybe\noutput\n", "expect\noutput\n",
-                     "normalise x\noutput\n", "close now\noutput\n", "Output\n"):
+                     "normalise x\noutput\n", "once\noutput\n", "close now\noutput\n", "Output\n"):
             with self.assertRaises(CaseError, msg=text):
                 self.read(text)
 
