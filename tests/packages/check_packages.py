@@ -8,6 +8,8 @@ Status 77 (skipped) where Debian's tools are missing.
 """
 
 import pathlib
+import posixpath
+import re
 import shutil
 import subprocess
 import sys
@@ -29,21 +31,37 @@ ON_LINUX = [
     "share/doc/mirvo/README.md",
     "share/doc/mirvo/LICENCE.txt",
     "share/doc/mirvo/docs/options.md",
+    "share/doc/mirvo/docs/performance.md",
 ]
 OPENING = "uci\nisready\nposition startpos\ngo depth 1\n"
 ON_WINDOWS = ["mirvo.exe", "README.md", "LICENCE.txt", "config.txt", "book.bk", "mirvo-suite.epd",
-              "docs/windows.md"]
+              "docs/performance.md", "docs/windows.md"]
+PICTURE = re.compile(r"!\[[^\]]*\]\(([^)]+)\)")
 
 
-def complain(package, names, wanted, root):
-    """Number of faults of a list of names."""
-    missing = [name for name in wanted if root + name not in names]
+def pictures(names, read):
+    """Names of the pictures that the documents among the names show."""
+    for name in names:
+        if name.endswith(".md"):
+            for target in PICTURE.findall(read(name).decode()):
+                yield posixpath.join(posixpath.dirname(name), target)
+
+
+def complain(package, names, read, wanted, root):
+    """Number of faults of a list of names; read(name) gives a file's bytes."""
+    missing = [root + name for name in wanted if root + name not in names]
+    missing += [name for name in pictures(names, read) if name not in names]
     libraries = [name for name in names if name.endswith((".a", ".lib", ".dll", ".so"))]
     for name in missing:
-        print(f"{package.name} lacks {root}{name}")
+        print(f"{package.name} lacks {name}")
     for name in libraries:
         print(f"{package.name} holds {name}")
     return len(missing) + len(libraries)
+
+
+def complain_of_tar(package, archive, root):
+    return complain(package, archive.getnames(), lambda name: archive.extractfile(name).read(),
+                    ON_LINUX, root)
 
 
 def check_deb(package):
@@ -53,8 +71,7 @@ def check_deb(package):
         file.write(listing)
         file.seek(0)
         with tarfile.open(fileobj=file) as archive:
-            names = archive.getnames()
-    faults = complain(package, names, ON_LINUX, "./usr/")
+            faults = complain_of_tar(package, archive, "./usr/")
     fields = subprocess.run(["dpkg-deb", "--field", package], check=True, text=True,
                             stdout=subprocess.PIPE).stdout
     for field in ("Package: mirvo\n", "Version: 0.2.7", "Section: games\n", "Depends: libc6"):
@@ -67,7 +84,7 @@ def check_deb(package):
 def check_tar(package):
     root = package.name.removesuffix(".tar.gz") + "/"
     with tarfile.open(package) as archive:
-        return complain(package, archive.getnames(), ON_LINUX, root)
+        return complain_of_tar(package, archive, root)
 
 
 def check_start(package, loader):
@@ -102,7 +119,7 @@ def check_start(package, loader):
 def check_zip(package):
     root = package.stem + "/"
     with zipfile.ZipFile(package) as archive:
-        faults = complain(package, archive.namelist(), ON_WINDOWS, root)
+        faults = complain(package, archive.namelist(), archive.read, ON_WINDOWS, root)
         settings = archive.read(root + "config.txt")
     if settings.count(b"\n") != settings.count(b"\r\n"):
         print("config.txt does not end lines as Windows does")
