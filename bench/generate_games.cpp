@@ -2,10 +2,10 @@
 //   generate_games NUMBER [PLIES] > games.pgn
 // The first moves are drawn from a few per position, so that games share their
 // openings as real ones do; later ones are free. The same arguments give the
-// same games everywhere.
+// same games everywhere. Ends with status 1 when one of them is no whole number.
+#include <charconv>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 
 #include "board/attack_tables.h"
@@ -21,6 +21,7 @@ namespace {
 
 using namespace mirvo;
 
+constexpr int defaultGames = 1000;
 constexpr int defaultPlies = 80;
 constexpr int openingPlies = 16;
 constexpr int wordsPerLine = 12;
@@ -110,12 +111,23 @@ void WriteGame(int number, int nPlies) {
   std::printf("%s\n\n", result);
 }
 
+// Reads a whole number that is the whole text; otherwise says so and returns false.
+bool ReadNumber(const char* text, int& number) {
+  const char* const end = text + std::strlen(text);
+  const auto [rest, error] = std::from_chars(text, end, number);
+  if (error == std::errc() && rest == end) return true;
+  std::fprintf(stderr, "no whole number: %s\n", text);
+  return false;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+  int nGames = defaultGames;
+  int nPlies = defaultPlies;
+  if (argc > 1 && !ReadNumber(argv[1], nGames)) return 1;
+  if (argc > 2 && !ReadNumber(argv[2], nPlies)) return 1;
   InitAttackTables();
-  const int nGames = argc > 1 ? std::atoi(argv[1]) : 1000;
-  const int nPlies = argc > 2 ? std::atoi(argv[2]) : defaultPlies;
   for (int number = 1; number <= nGames; ++number) WriteGame(number, nPlies);
   return 0;
 }

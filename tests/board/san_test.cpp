@@ -114,11 +114,11 @@ TEST(SanToPartialMove, PieceMoves) {
       {"Nxd2+", Partial(knight, Square("d2")) | checkMark},
   };
   for (const SanCase& c : cases) EXPECT_EQ(SanToPartialMove(c.text, white), c.expected) << c.text;
-  EXPECT_EQ(SanToPartialMove("Nf3", white) & 0x38000u, 0x8000u);
-  EXPECT_EQ(SanToPartialMove("Bb5", white) & 0x38000u, 0x10000u);
-  EXPECT_EQ(SanToPartialMove("Ra8", white) & 0x38000u, 0x18000u);
-  EXPECT_EQ(SanToPartialMove("Qh5", white) & 0x38000u, 0x20000u);
-  EXPECT_EQ(SanToPartialMove("Ke2", white) & 0x38000u, 0x28000u);
+  EXPECT_EQ(SanToPartialMove("Nf3", white) & 0x38000U, 0x8000U);
+  EXPECT_EQ(SanToPartialMove("Bb5", white) & 0x38000U, 0x10000U);
+  EXPECT_EQ(SanToPartialMove("Ra8", white) & 0x38000U, 0x18000U);
+  EXPECT_EQ(SanToPartialMove("Qh5", white) & 0x38000U, 0x20000U);
+  EXPECT_EQ(SanToPartialMove("Ke2", white) & 0x38000U, 0x28000U);
 }
 
 TEST(SanToPartialMove, DisambiguatorsFillTheFromSquare) {

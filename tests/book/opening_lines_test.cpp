@@ -107,7 +107,7 @@ TEST_F(OpeningLines, AllAreDrawnSoThatBothSidesKeepTheirMoves) {
   const std::string text = ReadBytes(linesPath);
   EXPECT_EQ(text.find("1-0"), std::string::npos);
   EXPECT_EQ(text.find("0-1"), std::string::npos);
-  EXPECT_EQ(text.find("*"), std::string::npos);
+  EXPECT_EQ(text.find('*'), std::string::npos);
 }
 
 TEST_F(OpeningLines, MakeABookWithManyFirstMoves) {

@@ -46,7 +46,7 @@ class RunModes : public testing::Test {
   std::string RunMode() {
     CaptureStdout();
     const int status = mirvo::Run(config);
-    const std::string text = GetCapturedStdout();
+    std::string text = GetCapturedStdout();
     EXPECT_EQ(status, 0);
     return text;
   }

@@ -1,10 +1,10 @@
 // A fixed piece of work for the instruction counter: perft of the initial
 // position, or the searches of some signature positions. Prints the nodes.
-//   mirvo_workload perft DEPTH
+//   mirvo_workload perft DEPTH        (1 to 10)
 //   mirvo_workload search NAME...     (names of tests/data/signature.txt)
+#include <charconv>
 #include <cinttypes>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <numeric>
@@ -18,8 +18,13 @@
 namespace mirvo::test {
 namespace {
 
-/// Every legal move counts, at the leaves and above them.
-std::uint64_t CountPerftNodes(int depth) {
+/// Every legal move counts, at the leaves and above them; 0 when the text is no
+/// depth of perft's.
+std::uint64_t CountPerftNodes(const char* depthText) {
+  int depth = 0;
+  const char* const end = depthText + std::strlen(depthText);
+  const auto [rest, error] = std::from_chars(depthText, end, depth);
+  if (error != std::errc() || rest != end || depth < 1 || depth > maxPerftDepth) return 0;
   PrepareEngine();
   output.toConsole = 0;
   const auto board = std::make_unique<Board>();
@@ -52,7 +57,7 @@ std::uint64_t CountSearchNodes(int nNames, char** names) {
 int main(int argc, char** argv) {
   std::uint64_t nodes = 0;
   if (argc == 3 && std::strcmp(argv[1], "perft") == 0) {
-    nodes = mirvo::test::CountPerftNodes(std::atoi(argv[2]));
+    nodes = mirvo::test::CountPerftNodes(argv[2]);
   } else if (argc >= 3 && std::strcmp(argv[1], "search") == 0) {
     nodes = mirvo::test::CountSearchNodes(argc - 2, argv + 2);
   }

@@ -1,6 +1,7 @@
 #include "tests/support/mailbox.h"
 
 #include <cctype>
+#include <cstddef>
 #include <cstdlib>
 #include <sstream>
 #include <utility>
@@ -17,6 +18,10 @@ const Steps royalSteps = {{1, 0}, {-1, 0}, {0, 1}, {0, -1}, {1, 1}, {1, -1}, {-1
 const Steps knightSteps = {{1, 2}, {2, 1}, {2, -1}, {1, -2}, {-1, -2}, {-2, -1}, {-2, 1}, {-1, 2}};
 
 bool OnBoard(int file, int rank) { return file >= 0 && file < 8 && rank >= 0 && rank < 8; }
+
+std::size_t IndexOf(int file, int rank) {
+  return static_cast<std::size_t>(rank) * 8 + static_cast<std::size_t>(file);
+}
 
 char Lower(char c) { return static_cast<char>(std::tolower(c)); }
 char Upper(char c) { return static_cast<char>(std::toupper(c)); }
@@ -74,10 +79,8 @@ Mailbox::Mailbox(const std::string& fen) : squares(64, '.'), side('w'), epFile(-
   }
 }
 
-char Mailbox::At(int file, int rank) const {
-  return squares[static_cast<std::size_t>(rank * 8 + file)];
-}
-char& Mailbox::At(int file, int rank) { return squares[static_cast<std::size_t>(rank * 8 + file)]; }
+char Mailbox::At(int file, int rank) const { return squares[IndexOf(file, rank)]; }
+char& Mailbox::At(int file, int rank) { return squares[IndexOf(file, rank)]; }
 
 bool Mailbox::Own(char piece) const { return BelongsTo(piece, side); }
 bool Mailbox::Enemy(char piece) const { return BelongsTo(piece, Other(side)); }

@@ -22,8 +22,8 @@ class Mailbox {
   /// Whether the side to move is in check.
   bool InCheck() const;
 
-  /// Whether a piece of `side` ('w' or 'b') attacks a square (file, rank 0..7).
-  bool Attacks(char side, int file, int rank) const;
+  /// Whether a piece of `attacker` ('w' or 'b') attacks a square (file, rank 0..7).
+  bool Attacks(char attacker, int file, int rank) const;
 
   /// Placement as FEN text.
   std::string Placement() const;
@@ -37,7 +37,7 @@ class Mailbox {
   void AddPawnMoves(std::set<std::string>& moves, int file, int rank) const;
   void AddPieceMoves(std::set<std::string>& moves, int file, int rank) const;
   void AddCastling(std::set<std::string>& moves) const;
-  bool KingAttacked(char side) const;
+  bool KingAttacked(char owner) const;
 
   std::string squares;  // 64 letters, a1 first; '.' is empty
   char side;

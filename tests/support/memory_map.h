@@ -3,9 +3,7 @@
 
 #include <unistd.h>
 
-#include <cinttypes>
 #include <cstdint>
-#include <cstdio>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -24,7 +22,9 @@ inline bool AsksForLargePages(const void* address) {
   while (std::getline(map, line)) {
     std::uintptr_t begin = 0;
     std::uintptr_t end = 0;
-    if (std::sscanf(line.c_str(), "%" SCNxPTR "-%" SCNxPTR " ", &begin, &end) == 2) {
+    char dash = 0;
+    std::istringstream range(line);
+    if (range >> std::hex >> begin >> dash >> end && dash == '-') {
       within = begin <= wanted && wanted < end;
     }
     if (!within || line.rfind("VmFlags:", 0) != 0) continue;
