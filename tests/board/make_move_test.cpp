@@ -152,6 +152,26 @@ TEST(MakeMove, LooksUpAKindThatTheWordLeavesOpen) {
   ExpectConsistent(board);
 }
 
+// The kinds 6 and 7: nothing is there to be moved.
+TEST(MakeMove, AWordThatMovesNothingPassesTheTurn) {
+  for (const int side : {white, black}) {
+    for (const Move word :
+         {BuildMove(28, 36, side, unknownKind), BuildMove(12, 28, side, unknownKind - 1)}) {
+      Board board = BoardFrom("4k3/4p3/8/8/8/8/4P3/4K3 w -");
+      if (side == black) MakeNullMove(board);
+      const std::uint64_t key = board.positionKey;
+      board.inCheckCache = 0;
+      MakeMove(board, word);
+      EXPECT_EQ(test::PlacementOf(board), "4k3/4p3/8/8/8/8/4P3/4K3");
+      EXPECT_EQ(board.sideToMove, side ^ 1);
+      EXPECT_EQ(board.positionKey, key ^ SideKey());
+      EXPECT_EQ(board.undoDepth, 0);
+      EXPECT_EQ(board.historyIndex, 0);
+      EXPECT_EQ(board.inCheckCache, -1);
+    }
+  }
+}
+
 TEST(MakeMove, FindsTheVictimOfAWordWithoutCaptureFlag) {
   Board board = BoardFrom("4k3/8/8/3n4/8/8/8/3RK3 w -");
   MakeMove(board, BuildMove(3, 35, white, rook));
@@ -412,6 +432,15 @@ TEST(EnPassantAvailable, NeedsAFieldOnTheBoardAndAPawnThatJustMovedTwoSquares) {
     change.make(changed);
     EXPECT_FALSE(EnPassantAvailable(changed)) << change.what;
   }
+}
+
+// File 8 of rank 2 is file a of rank 3 by number, not on the board.
+TEST(EnPassantAvailable, IsNotForFieldsOffTheBoard) {
+  Board board = BoardFrom("4k3/8/8/8/P7/8/8/4K3 b - a3");
+  EXPECT_TRUE(EnPassantAvailable(board));
+  board.epRank = 1;
+  board.epFile = 8;
+  EXPECT_FALSE(EnPassantAvailable(board));
 }
 
 // Null moves and passes.
