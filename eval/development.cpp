@@ -38,7 +38,7 @@ std::int32_t OpeningAmount(const Board& board, int minorsAtHome) {
 
 }  // namespace
 
-int MinorsAtHome(const Board& board, int side) {
+MIRVO_COUNTS_BITS int MinorsAtHome(const Board& board, int side) {
   return side == white ? MinorsAtHomeOf<white>(board) : MinorsAtHomeOf<black>(board);
 }
 

@@ -179,7 +179,7 @@ Bitboard KingZone(const Board& board, int side) {
   return side == white ? ZoneOf<white>(board) : ZoneOf<black>(board);
 }
 
-ScorePair EvaluateKing(EvalRecord& record, int side) {
+MIRVO_COUNTS_BITS ScorePair EvaluateKing(EvalRecord& record, int side) {
   return side == white ? KingOf<white>(record) : KingOf<black>(record);
 }
 

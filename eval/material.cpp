@@ -21,7 +21,7 @@ bool InsufficientMaterial(const Board& board) {
          !TwoOrMore(blacks[bishop]);
 }
 
-ScorePair EvaluateMaterial(EvalRecord& record, int side) {
+MIRVO_COUNTS_BITS ScorePair EvaluateMaterial(EvalRecord& record, int side) {
   const Bitboard* own = record.board->pieces + side * nKinds;
   const std::int32_t pawns = PopCount(own[pawn]);
   // Knights like closed positions, rooks open ones. Both quotients round

@@ -75,7 +75,7 @@ ScorePair PassedPawnsOf(const EvalRecord& record) {
 
 }  // namespace
 
-ScorePair EvaluatePassedPawns(EvalRecord& record, int side) {
+MIRVO_COUNTS_BITS ScorePair EvaluatePassedPawns(EvalRecord& record, int side) {
   return side == white ? PassedPawnsOf<white>(record) : PassedPawnsOf<black>(record);
 }
 

@@ -333,7 +333,7 @@ ScorePair PiecesOfSide(EvalRecord& record) {
 
 }  // namespace
 
-ScorePair EvaluatePieces(EvalRecord& record, int side) {
+MIRVO_COUNTS_BITS ScorePair EvaluatePieces(EvalRecord& record, int side) {
   return side == white ? PiecesOfSide<white>(record) : PiecesOfSide<black>(record);
 }
 

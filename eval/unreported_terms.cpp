@@ -18,7 +18,7 @@ std::int32_t CentreBlockadeOf(const Board& board) {
 
 }  // namespace
 
-std::int32_t EvaluateCentreBlockade(const EvalRecord& record, int side) {
+MIRVO_COUNTS_BITS std::int32_t EvaluateCentreBlockade(const EvalRecord& record, int side) {
   const Board& board = *record.board;
   return side == white ? CentreBlockadeOf<white>(board) : CentreBlockadeOf<black>(board);
 }

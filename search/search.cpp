@@ -67,7 +67,7 @@ std::int32_t PieceMaterial(const std::uint64_t* own, std::int32_t nPawns) {
 }
 
 // Own minus enemy material in centipawns.
-std::int32_t MaterialEstimate(const Board& board) {
+MIRVO_COUNTS_BITS std::int32_t MaterialEstimate(const Board& board) {
   const std::uint64_t* own = board.pieces + board.sideToMove * nKinds;
   const std::uint64_t* enemy = board.pieces + (board.sideToMove ^ 1) * nKinds;
   const std::int32_t ownPawns = PopCount(own[pawn]);
