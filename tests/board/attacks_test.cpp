@@ -58,6 +58,14 @@ TEST(InCheck, RemembersTheAnswerForTheSideToMove) {
   EXPECT_FALSE(InCheck(board, black));
 }
 
+// The rook covers its own king in one case and not in the other.
+TEST(InCheck, OfTheOtherSideIsThatOfItsOwnKing) {
+  Board attacked = test::BoardFrom("4k3/8/8/8/8/8/6K1/4R3 w -");
+  EXPECT_TRUE(InCheck(attacked, black));
+  Board spared = test::BoardFrom("3k4/8/8/8/8/8/8/4R1K1 w -");
+  EXPECT_FALSE(InCheck(spared, black));
+}
+
 TEST(InCheck, ComputesAfreshForTheOtherSide) {
   Board board = test::BoardFrom("4k3/8/8/8/8/8/8/4R1K1 w -");
   EXPECT_TRUE(InCheck(board, black));

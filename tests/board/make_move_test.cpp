@@ -407,6 +407,8 @@ TEST(EnPassantAvailable, FollowsTheNewestMove) {
 
 TEST(EnPassantAvailable, HoldsForAPositionSetUpWithTheSquare) {
   EXPECT_TRUE(EnPassantAvailable(BoardFrom("4k3/8/8/2pP4/8/8/8/4K3 w - c6")));
+  // The corner, where only a placement that no game reaches has a pawn.
+  EXPECT_TRUE(EnPassantAvailable(BoardFrom("4k3/8/8/8/8/8/8/pP2K3 w - a2")));
   EXPECT_FALSE(EnPassantAvailable(BoardFrom("4k3/8/8/3P4/8/8/8/4K3 w - c6")));
   EXPECT_FALSE(EnPassantAvailable(BoardFrom("4k3/8/2n5/2pP4/8/8/8/4K3 w - c6")));
 }
