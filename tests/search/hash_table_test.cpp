@@ -93,6 +93,32 @@ TEST(HashAllocation, ReallocationEmptiesTheTable) {
   HashRelease(table);
 }
 
+TEST(HashAllocation, AReleasedTableHasNoSlots) {
+  HashTable table{};
+  table.size = 1;
+  HashAllocate(table);
+  HashRelease(table);
+  EXPECT_EQ(table.size, 0U);
+  EXPECT_EQ(table.block, nullptr);
+  EXPECT_EQ(table.entries, nullptr);
+}
+
+TEST(HashAllocation, InitialisingForgetsSlotsAndCounters) {
+  HashTable table{};
+  table.size = 1;
+  HashAllocate(table);
+  HashStore(table, 99, 7, 1, exactBound, 3);
+  Move move = noMove;
+  std::int32_t score = 0;
+  EXPECT_FALSE(HashProbe(table, 98, move, score, -1, 1, 0));
+  ASSERT_EQ(table.conflicts, 1U);
+  HashInitialise(table);
+  EXPECT_EQ(table.size, 0U);
+  EXPECT_EQ(table.entries, nullptr);
+  EXPECT_EQ(table.conflicts, 0U);
+  EXPECT_EQ(table.lastKey, 0U);
+}
+
 TEST(HashIndexTest, IsTheLowWordModuloTheSlots) {
   for (const std::uint32_t megabytes : {1U, 3U, 7U, 30U, 100U, 4095U}) {
     HashTable table{};

@@ -31,11 +31,18 @@ class LargePages : public testing::Test {
 
 TEST_F(LargePages, AreAskedForFromTheFirstWholePageOn) {
   memory[7] = 1;
-  PreferLargePages(memory + 16, (nPages - 1) * pageSize);
+  PreferLargePages(memory + 1, (nPages - 1) * pageSize);
   EXPECT_FALSE(test::AsksForLargePages(memory));
   EXPECT_TRUE(test::AsksForLargePages(memory + pageSize));
   EXPECT_TRUE(test::AsksForLargePages(memory + (nPages - 1) * pageSize - 1));
   EXPECT_EQ(memory[7], 1);
+}
+
+TEST_F(LargePages, AreAskedForFromTheStartWhereAPageBeginsThere) {
+  PreferLargePages(memory + pageSize, pageSize);
+  EXPECT_FALSE(test::AsksForLargePages(memory));
+  EXPECT_TRUE(test::AsksForLargePages(memory + pageSize));
+  EXPECT_FALSE(test::AsksForLargePages(memory + 2 * pageSize));
 }
 
 TEST_F(LargePages, AreNotAskedForWithinOnePage) {
