@@ -93,7 +93,7 @@ def main():
     parser.add_argument("mirvo")
     parser.add_argument("raw")
     parser.add_argument("--plot", help="SVG file to write")
-    parser.add_argument("--depth", type=int, default=10)
+    parser.add_argument("--depth", type=int, default=12)
     parser.add_argument("--core", type=int, default=0)
     parser.add_argument("--sizes", type=int, nargs="+", default=SIZES)
     options = parser.parse_args()
