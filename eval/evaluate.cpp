@@ -13,28 +13,27 @@ namespace mirvo {
 
 namespace {
 
-/// The slot of `key`, noted as the table's last one.
-HashEntry& FindSlot(HashTable& table, std::uint64_t key) {
+/// The index of `key`, noted as the table's last one.
+std::uint32_t FindSlot(HashTable& table, std::uint64_t key) {
   const std::uint32_t index = HashIndex(table, key);
   table.lastIndex = static_cast<std::int32_t>(index);
   table.lastKey = key;
-  return table.entries[index];
+  return index;
 }
 
-/// Whether the slot answers for `key`; counts the probe. Key 0 marks an empty
-/// slot and never matches.
-bool CountProbe(HashTable& table, const HashEntry& slot, std::uint64_t key) {
-  const bool hit = slot.key == key && key != 0;
+/// Whether the slot answers for `key`; counts the probe.
+bool CountProbe(HashTable& table, std::uint32_t index, std::uint64_t key) {
+  const bool hit = HashHolds(table, index, key);
   ++(hit ? table.hits : table.conflicts);
   return hit;
 }
 
 /// Claims the slot for `key` with a score. False, and nothing stored, for the
 /// key that empty slots have.
-bool StoreScore(HashTable& table, HashEntry& slot, std::uint64_t key, std::int32_t score) {
+bool StoreScore(HashTable& table, std::uint32_t index, std::uint64_t key, std::int32_t score) {
   if (key == 0) return false;
-  slot.key = key;
-  slot.evalScore = score;
+  HashClaim(table, index, key);
+  table.entries[index].evalScore = score;
   ++table.stores;
   return true;
 }
@@ -91,8 +90,9 @@ std::uint64_t PawnKey(const Board& board) {
 /// at another phase; this engine accepts that for the speed.
 ScorePair PawnStructure(EvalRecord& record, float phase) {
   const std::uint64_t key = PawnKey(*record.board);
-  HashEntry& slot = FindSlot(PawnHashTable, key);
-  if (CountProbe(PawnHashTable, slot, key)) {
+  const std::uint32_t index = FindSlot(PawnHashTable, key);
+  HashEntry& slot = PawnHashTable.entries[index];
+  if (CountProbe(PawnHashTable, index, key)) {
     record.passed[white] = slot.evalData[0];
     record.passed[black] = slot.evalData[1];
     record.isolated[white] = slot.evalData[2];
@@ -100,7 +100,7 @@ ScorePair PawnStructure(EvalRecord& record, float phase) {
     return {slot.evalScore, slot.evalScore};
   }
   const ScorePair difference = TermDifference(record, pawnsTerm, EvaluatePawns);
-  if (StoreScore(PawnHashTable, slot, key, Blend(difference, phase))) {
+  if (StoreScore(PawnHashTable, index, key, Blend(difference, phase))) {
     slot.evalData[0] = record.passed[white];
     slot.evalData[1] = record.passed[black];
     slot.evalData[2] = record.isolated[white];
@@ -123,7 +123,7 @@ ScorePair DevelopmentOf(const EvalRecord& record, int side, std::int32_t mgSoFar
   return {EvaluateDevelopment(record, side, given, mgSoFar, minors), 0};
 }
 
-/// What can be told before the caches have answered: sets, material, phase and
+/// What can be told before the pawn cache has answered: sets, material, phase and
 /// stage, and the terms that read nothing else.
 struct Outset {
   ScorePair sum;  // own minus enemy, so far
@@ -170,23 +170,25 @@ ScorePair SumTerms(EvalRecord& record, const Outset& outset) {
 
 std::int32_t Evaluate(EvalRecord& record, Board& board, int side) {
   const std::uint64_t key = board.positionKey;
-  // The slots are mostly far away in memory. While they are being loaded the
-  // evaluation goes as far as it gets without them; should the cache know the
-  // position, that work is lost, but so it would be by waiting.
-  HashEntry& slot = FindSlot(EvalHashTable, key);
-  __builtin_prefetch(&slot);
+  const std::uint32_t index = FindSlot(EvalHashTable, key);
+  // A slot is mostly far away in memory. That the cache does not know the
+  // position is mostly told without it; it is loaded all the same, for the
+  // score that will be stored.
+  __builtin_prefetch(&EvalHashTable.entries[index]);
+  if (CountProbe(EvalHashTable, index, key)) return EvalHashTable.entries[index].evalScore;
+
+  // While the pawn structure's slot is being loaded the evaluation goes as far
+  // as it gets without it.
   HashPrefetch(PawnHashTable, PawnKey(board));
   const Outset outset = BeginEvaluation(record, board, side);
-  if (CountProbe(EvalHashTable, slot, key)) return slot.evalScore;
-
   if (InsufficientMaterial(board)) {
-    StoreScore(EvalHashTable, slot, key, 0);
+    StoreScore(EvalHashTable, index, key, 0);
     return 0;
   }
 
   const ScorePair sum = SumTerms(record, outset);
   const std::int32_t score = Blend(sum, outset.phase);
-  StoreScore(EvalHashTable, slot, key, score);
+  StoreScore(EvalHashTable, index, key, score);
   if (engineConfig.RunMode == RunModeCode::eval) PrintEvalReport(record, score, outset.phase);
   return score;
 }

@@ -52,6 +52,7 @@ void NewGame(UciSession& session, const char*) {
   BeginFromStart(gameBoard);
   ClearHistory();
   ClearTranspositionTable();
+  HashMakeResident();
   // Even without a book: the first probe finds nothing then and ends this.
   searchFlags.BookInUse = 1;
 }

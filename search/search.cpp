@@ -39,12 +39,12 @@ TableHint ProbeTable(std::uint64_t key, std::int32_t alpha, std::int32_t beta, s
   const std::uint32_t index = HashIndex(table, key);
   table.lastIndex = static_cast<std::int32_t>(index);
   table.lastKey = key;
-  const HashEntry& slot = table.entries[index];
   TableHint hint;
-  if (slot.key != key || key == 0) {
+  if (!HashHolds(table, index, key)) {
     ++table.conflicts;
     return hint;
   }
+  const HashEntry& slot = table.entries[index];
   hint.move = slot.move;
   if (slot.depth < depth) {
     ++table.misses;

@@ -104,10 +104,13 @@ TEST_F(Evaluation, AHitReturnsTheStoredScoreAndTouchesNoCache) {
 
 TEST_F(Evaluation, TheWholeKeyDecidesAHit) {
   const std::int32_t score = Cold(middlegame);
-  EvalSlot().key ^= std::uint64_t{1} << 63;
-  EvalSlot().evalScore = 4321;
-  EXPECT_EQ(Again(), score);
-  EXPECT_EQ(EvalHashTable.conflicts, 2U);
+  for (int bit = 32; bit < 64; ++bit) {
+    HashClaim(EvalHashTable, HashIndex(EvalHashTable, board.positionKey),
+              board.positionKey ^ (std::uint64_t{1} << bit));
+    EvalSlot().evalScore = 4321;
+    EXPECT_EQ(Again(), score) << "bit " << bit;
+  }
+  EXPECT_EQ(EvalHashTable.conflicts, 33U);
 }
 
 TEST_F(Evaluation, ProbesNoteIndexAndKey) {

@@ -5,6 +5,10 @@
 #include "search/move_order.h"
 #include "tests/protocol/uci_test_kit.h"
 
+#ifdef __linux__
+#include "tests/support/memory_map.h"
+#endif
+
 namespace mirvo {
 namespace {
 
@@ -112,6 +116,20 @@ TEST_F(UciCommands, UcinewgameForgetsTheGame) {
   engineConfig.UseOpeningBook = 1;
   HashRelease(TranspositionTable);
 }
+
+#ifdef __linux__
+TEST_F(UciCommands, UcinewgameHasTheMemoryOfTheTablesProvided) {
+  for (HashTable* table : {&EvalHashTable, &PawnHashTable, &TranspositionTable}) {
+    table->size = 1;
+    HashAllocate(*table);
+  }
+  PlayUci("ucinewgame\n");
+  for (HashTable* table : {&EvalHashTable, &PawnHashTable, &TranspositionTable}) {
+    EXPECT_EQ(test::MissingPages(table->entries, table->size * sizeof(HashEntry)), 0U);
+    HashRelease(*table);
+  }
+}
+#endif
 
 TEST_F(UciCommands, UcinewgameForgetsEnPassant) {
   // After b4 Black's pawn on c4 may take en passant on b3.

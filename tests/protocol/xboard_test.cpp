@@ -6,8 +6,13 @@
 #include "board/keys.h"
 #include "book/opening_book.h"
 #include "search/game_counters.h"
+#include "search/hash_table.h"
 #include "search/move_order.h"
 #include "tests/protocol/xboard_test_kit.h"
+
+#ifdef __linux__
+#include "tests/support/memory_map.h"
+#endif
 
 namespace mirvo {
 namespace {
@@ -27,6 +32,20 @@ TEST_F(XBoardCommands, AMoveAfterNewIsAnsweredWithBlackAndFillsTheHeader) {
   EXPECT_EQ(xboardGame.gameInProgress, 1);
   EXPECT_EQ(xboardGame.gameStarted, 1);
 }
+
+#ifdef __linux__
+TEST_F(XBoardCommands, NewHasTheMemoryOfTheTablesProvided) {
+  for (HashTable* table : {&EvalHashTable, &PawnHashTable, &TranspositionTable}) {
+    table->size = 1;
+    HashAllocate(*table);
+  }
+  Play({"new"});
+  for (HashTable* table : {&EvalHashTable, &PawnHashTable, &TranspositionTable}) {
+    EXPECT_EQ(test::MissingPages(table->entries, table->size * sizeof(HashEntry)), 0U);
+    HashRelease(*table);
+  }
+}
+#endif
 
 TEST_F(XBoardCommands, ForceModeRecordsBothSidesWithoutAReply) {
   EXPECT_EQ(Play({"new\n", "force\n", "e2e4\n", "e7e5\n"}), std::string(afterE4) + afterE4E5);

@@ -208,6 +208,36 @@ TEST_F(HashTableTest, ASlotWithoutABoundOnlyHandsItsMoveBack) {
   EXPECT_EQ(move, 11U);
 }
 
+TEST_F(HashTableTest, KeysOfOneSlotAreToldApartByEachBit) {
+  HashStore(table, key, 11, 50, exactBound, 5);
+  for (int bit = 32; bit < 64; ++bit) {
+    EXPECT_FALSE(Probe(key ^ (1ULL << bit), -100, 100, 5)) << "bit " << bit;
+    EXPECT_EQ(move, untouchedMove);
+  }
+  EXPECT_EQ(table.conflicts, 32U);
+  EXPECT_TRUE(Probe(key, -100, 100, 5));
+}
+
+TEST_F(HashTableTest, TheNewestKeyOfASlotIsFoundWhicheverBitItDiffersBy) {
+  std::uint64_t newest = key;
+  HashStore(table, newest, 11, 50, exactBound, 5);
+  for (int bit = 32; bit < 64; ++bit) {
+    const std::uint64_t before = newest;
+    newest ^= 1ULL << bit;
+    HashStore(table, newest, 11, bit, exactBound, 5);
+    EXPECT_TRUE(Probe(newest, -100, 100, 5)) << "bit " << bit;
+    EXPECT_EQ(score, bit);
+    EXPECT_FALSE(Probe(before, -100, 100, 5)) << "bit " << bit;
+  }
+}
+
+TEST_F(HashTableTest, TheLastSlotHasItsTag) {
+  const std::uint64_t last = (0xABULL << 56) + table.size - 1;
+  HashStore(table, last, 11, 50, exactBound, 5);
+  EXPECT_TRUE(Probe(last, -100, 100, 5));
+  EXPECT_FALSE(Probe(last ^ (1ULL << 56), -100, 100, 5));
+}
+
 TEST_F(HashTableTest, AShallowerResultDoesNotReplaceADeeperOne) {
   HashStore(table, key, 11, 50, exactBound, 5);
   HashStore(table, rival, 12, 60, exactBound, 4);
@@ -283,6 +313,38 @@ TEST(HashClearing, ATableWithoutMemoryIsLeftAlone) {
   HashClear(table);
   HashResetSearch(table);
   EXPECT_EQ(table.entries, nullptr);
+}
+
+#ifdef __linux__
+std::size_t MissingPages(const HashTable& table) {
+  return test::MissingPages(table.entries, table.size * sizeof(HashEntry)) +
+         test::MissingPages(table.tags, table.size);
+}
+
+TEST(HashResidence, AllMemoryIsThereAtOnceAndContentsStay) {
+  constexpr std::uint64_t key = 0x123456789ABCDEF0ULL;
+  for (HashTable* table : {&EvalHashTable, &PawnHashTable, &TranspositionTable}) {
+    table->size = 8;
+    HashAllocate(*table);
+    HashStore(*table, key, 11, 50, exactBound, 5);
+    EXPECT_GT(MissingPages(*table), 0U);
+  }
+  HashMakeResident();
+  for (HashTable* table : {&EvalHashTable, &PawnHashTable, &TranspositionTable}) {
+    EXPECT_EQ(MissingPages(*table), 0U);
+    Move move = noMove;
+    std::int32_t score = 0;
+    EXPECT_TRUE(HashProbe(*table, key, move, score, -1, 1, 5));
+    EXPECT_EQ(score, 50);
+    HashRelease(*table);
+  }
+}
+#endif
+
+TEST(HashResidence, TablesWithoutMemoryAreLeftAlone) {
+  HashRelease(EvalHashTable);
+  HashMakeResident();
+  EXPECT_EQ(EvalHashTable.entries, nullptr);
 }
 
 TEST(HashMoveLookupTest, CopiesTheScoreAndAlwaysSaysNo) {

@@ -1,12 +1,14 @@
 // What Linux says of this process's memory.
 #pragma once
 
+#include <sys/mman.h>
 #include <unistd.h>
 
 #include <cstdint>
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <vector>
 
 namespace mirvo::test {
 
@@ -35,6 +37,21 @@ inline bool AsksForLargePages(const void* address) {
     return false;
   }
   return false;
+}
+
+/// How many small pages the system has not provided yet, of those that lie
+/// wholly within the bytes.
+inline std::size_t MissingPages(const void* start, std::size_t bytes) {
+  const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
+  const auto address = reinterpret_cast<std::uintptr_t>(start);
+  const std::uintptr_t first = (address + page - 1) / page * page;
+  const std::uintptr_t last = (address + bytes) / page * page;
+  std::vector<unsigned char> present((last - first) / page);
+  // NOLINTNEXTLINE(performance-no-int-to-ptr)
+  if (mincore(reinterpret_cast<void*>(first), last - first, present.data()) != 0) return SIZE_MAX;
+  std::size_t nMissing = 0;
+  for (const unsigned char flags : present) nMissing += (flags & 1) == 0 ? 1 : 0;
+  return nMissing;
 }
 
 }  // namespace mirvo::test
