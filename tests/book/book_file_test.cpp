@@ -69,6 +69,12 @@ INSTANTIATE_TEST_SUITE_P(
                     MoveCodingCase{"BlackShort", FileMove("e8h8"), Word("e8g8", black, king)},
                     MoveCodingCase{"BlackLong", FileMove("e8a8"), Word("e8c8", black, king)},
                     MoveCodingCase{"KingStep", FileMove("e1f1"), Word("e1f1", white, king)},
+                    // Two files are enough to be castling, wherever a king that
+                    // a game's text spoke of is taken to have stood.
+                    MoveCodingCase{"TwoFilesRight", FileMove("e1h1"), Word("a1c3", white, king)},
+                    MoveCodingCase{"TwoFilesLeft", FileMove("e1a1"), Word("h8f5", white, king)},
+                    MoveCodingCase{"TwoFilesToRank8", FileMove("e8h8"), Word("a1c8", black, king)},
+                    MoveCodingCase{"ThreeFiles", FileMove("a1d1"), Word("a1d1", white, king)},
                     MoveCodingCase{"QueenFromE1", FileMove("e1g1"), Word("e1g1", white, queen)}),
     CaseName());
 

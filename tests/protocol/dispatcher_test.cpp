@@ -203,6 +203,13 @@ TEST_F(Polling, UciLinesDuringAnXboardSearchWait) {
                 noTime + "bestmove d2d4 \n");
 }
 
+TEST_F(Polling, AnotherXboardLineDuringItsSearchPrintsTheFeaturesAtOnce) {
+  script = {{{"xboard\n"}, "e2e4"}};
+  EXPECT_EQ(Play("xboard\nnew\neasy\ngo\n"),
+            std::string(featureLine) + noTime + featureLine +
+                "rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq -\nmove e2e4\n");
+}
+
 TEST_F(Polling, TheQueueIsFullAtItsLimitAndReadsNoFurther) {
   std::string lines;
   for (std::size_t i = 0; i < maxHeldLines; ++i) lines += "eval\n";

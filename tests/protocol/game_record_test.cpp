@@ -143,6 +143,17 @@ TEST_F(GameFiles, AFileThatCannotBeWrittenIsSkipped) {
   EXPECT_EQ(xboardGame.record.file, nullptr);
 }
 
+#ifdef __linux__
+// Nothing can be opened behind a file that stands where a folder is named, and
+// that is not for want of such a file: no name is free.
+TEST_F(GameFiles, WhenAllNamesAreTakenTheLastOneIsChosen) {
+  std::ofstream("file") << "no folder";
+  char path[gamePathCapacity];
+  ChooseGameFile("file/game", "pgn", path);
+  EXPECT_STREQ(path, "file/game099999.pgn");
+}
+#endif
+
 TEST(GameRecordHeader, HoldsElevenFullTags) {
   GameTags tags;
   for (char* tag : {tags.event, tags.site, tags.date, tags.white, tags.black, tags.result,

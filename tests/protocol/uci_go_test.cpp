@@ -55,6 +55,8 @@ INSTANTIATE_TEST_SUITE_P(
                   "Allowing 25 ms for move (0, 1000, 0)"},
         ClockCase{"AbsentKeywordsKeepTheirValues", "go wtime 60000 movestogo 40\ngo btime 5\n",
                   "Allowing 1500 ms for move (40, 60000, 0)"},
+        ClockCase{"ANewGameKeepsThemToo", "go wtime 60000 movestogo 40\nucinewgame\ngo\n",
+                  "Allowing 1500 ms for move (40, 60000, 0)"},
         ClockCase{"KeywordAtTheEnd", "go movestogo 40 wtime\n",
                   "Allowing 0 ms for move (40, 0, 0)"},
         ClockCase{"KeywordAndABlankAtTheEnd", "go movestogo 40 wtime \n",

@@ -95,8 +95,10 @@ TEST_F(UciCommands, UcinewgameForgetsTheGame) {
   HashAllocate(TranspositionTable);
   const std::uint64_t key = 0x123456789abcdef;
   HashStore(TranspositionTable, key, 77, 5, exactBound, 3);
-  TranspositionTable.hits = 4;
-  TranspositionTable.stores = 4;
+  for (std::uint32_t* count : {&TranspositionTable.hits, &TranspositionTable.misses,
+                               &TranspositionTable.conflicts, &TranspositionTable.stores}) {
+    *count = 4;
+  }
   HistoryTable[white][12][28] = 50;
   HistoryTable[black][52][36] = -50;
   engineConfig.UseOpeningBook = 0;
@@ -110,6 +112,8 @@ TEST_F(UciCommands, UcinewgameForgetsTheGame) {
   EXPECT_EQ(HashSlot(TranspositionTable, key).key, 0U);
   EXPECT_EQ(HashSlot(TranspositionTable, key).move, noMove);
   EXPECT_EQ(TranspositionTable.hits, 0U);
+  EXPECT_EQ(TranspositionTable.misses, 0U);
+  EXPECT_EQ(TranspositionTable.conflicts, 0U);
   EXPECT_EQ(TranspositionTable.stores, 0U);
   EXPECT_EQ(searchFlags.BookInUse, 1);
   EXPECT_EQ(engineConfig.UseOpeningBook, 0);

@@ -1,5 +1,6 @@
 #include "protocol/xboard_ponder.h"
 
+#include "board/display.h"
 #include "board/make_move.h"
 #include "tests/protocol/xboard_test_kit.h"
 
@@ -49,6 +50,26 @@ TEST_F(XBoardPondering, AHitGoesOnWithTheClockAndAnswers) {
   EXPECT_EQ(engineConfig.InfiniteThinkingTime, 0);
   EXPECT_EQ(searchFlags.pondering, 0);
   EXPECT_EQ(searchFlags.StopSearch, 0);
+}
+
+TEST_F(XBoardPondering, AHitAllotsFromTheOwnClockWithItsIncrement) {
+  script = {FirstAnswer(), {{"time 1000\n", "g1f3\n"}, "b8c6"}};
+  // 10000 / 25 + 2000 / 2 - 50
+  EXPECT_NE(Play({"new\n", "level 0 1 2\n", "e2e4\n"})
+                .find("PONDER HIT. CONTINUING\nAllowing 1350 ms for move (0, 10000, 2000)\n"),
+            std::string::npos);
+}
+
+// The pondered move is on the board already when the real one arrives.
+TEST_F(XBoardPondering, TheBoardIsPrintedBeforeTheRealMoveIsJudged) {
+  engineConfig.Quiet = 0;
+  script = {FirstAnswer(), {{"g1f3\n"}, ""}};
+  const std::string printed = Play({"new\n", "e2e4\n"});
+  char diagram[diagramCapacity];
+  FormatBoard(gameBoard, BoardLayout::wide, diagram);
+  EXPECT_NE(printed.find("R b KQkq -\n" + std::string(diagram) + "\nPONDER HIT. CONTINUING\n"),
+            std::string::npos)
+      << printed;
 }
 
 TEST_F(XBoardPondering, AMissTakesTheMoveBackAndAnswersTheRealOne) {

@@ -100,6 +100,16 @@ TEST_F(XBoardCommands, NamesRatingsAndTypesFallByColour) {
   EXPECT_STREQ(xboardGame.tags.blackType, "program");
 }
 
+TEST_F(XBoardCommands, AWhiteEngineHasTheWhiteHalfOfTheHeader) {
+  Play({"new\n", "name Rival 1.0\n", "rating 2100 1900\n", "computer\n", "go\n"});
+  EXPECT_STREQ(xboardGame.tags.white, "Mirvo 0.2.7_d");
+  EXPECT_STREQ(xboardGame.tags.black, "Rival 1.0");
+  EXPECT_STREQ(xboardGame.tags.whiteElo, "2100");
+  EXPECT_STREQ(xboardGame.tags.blackElo, "1900");
+  EXPECT_STREQ(xboardGame.tags.whiteType, "program");
+  EXPECT_STREQ(xboardGame.tags.blackType, "program");
+}
+
 TEST_F(XBoardCommands, ClocksAreReadInCentiseconds) {
   Play({"time 1234\n", "otim 77\n"});
   EXPECT_EQ(xboardGame.ownTime, 12340);
@@ -281,6 +291,18 @@ TEST_F(XBoardCommands, NewStartsAgainButKeepsTheOpponentsName) {
   EXPECT_EQ(ponderStats.misses, 0U);
   EXPECT_EQ(searchFlags.StopSearch, 0);
   EXPECT_EQ(searchFlags.pondering, 0);
+}
+
+// The second game is one of its own although the first never had a result.
+TEST_F(XBoardCommands, NewEndsAGameThatIsInProgress) {
+  script = {{{}, "e7e5"}, {{}, "c7c5"}};
+  Play({"new\n", "e2e4\n"});
+  ASSERT_EQ(xboardGame.gameInProgress, 1);
+  Play({"new\n"});
+  EXPECT_EQ(xboardGame.gameInProgress, 0);
+  Play({"name Next\n", "e2e4\n"});
+  EXPECT_STREQ(xboardGame.tags.white, "Next");
+  EXPECT_STREQ(xboardGame.tags.black, "Mirvo 0.2.7_d");
 }
 
 TEST_F(XBoardCommands, NewAsksABookThatHoldsAnythingAgain) {
