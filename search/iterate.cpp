@@ -162,6 +162,7 @@ SearchResult ChooseResult(Board& board, const Iteration& iteration) {
 SearchResult Iterate(SearchRecord& record) {
   timeControl.startTime = TickCount();
   record.state = SearchState{};
+  ResetHashCounters();  // an evaluation asked for between searches counts too
   Iteration iteration;
   Deepen(record, iteration);
   CopyBoard(*record.board, *record.gameBoard);

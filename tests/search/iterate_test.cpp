@@ -320,6 +320,41 @@ TEST_F(Thinking, PreviousLinesKeepTheTailOfOlderOnes) {
   EXPECT_EQ(previousPv.length, longest);
 }
 
+TEST_F(Thinking, AMateIsNotKeptAsThePreviousLine) {
+  Run("startpos", 3);
+  const PvLine before = previousPv;
+  Run(mateInOne, 3);
+  EXPECT_EQ(previousPv.length, before.length);
+  EXPECT_EQ(previousPv.moves[0], before.moves[0]);
+}
+
+TEST_F(Thinking, ALineOfOneMoveTakesTheExpectedReplyOfThePreviousLine) {
+  previousPv.length = 2;
+  previousPv.moves[1] = BuildMove(52, 36, black, pawn);  // e7e5
+  EXPECT_EQ(test::MoveText(Run("startpos", 1).ponder), "e7e5");
+  previousPv.moves[1] = BuildMove(52, 28, black, pawn);  // e7e4 cannot be played
+  EXPECT_EQ(Run("startpos", 1).ponder, noMove);
+  previousPv.length = 1;
+  EXPECT_EQ(Run("startpos", 1).ponder, noMove);
+}
+
+TEST_F(Thinking, WhatWasCountedBeforeTheSearchIsNotReported) {
+  for (HashTable* table : {&EvalHashTable, &PawnHashTable, &TranspositionTable}) {
+    table->hits = table->conflicts = table->misses = 5;
+  }
+  engineConfig.StartIDDepth = 5;
+  Run(middleGame, 4);  // searches nothing
+  EXPECT_EQ(CountLines("hits=0(-nan%) misses=0(-nan%) conflicts=0(-nan%)"), 3);
+}
+
+TEST_F(Thinking, AQuietPawnMoveIsNotReversible) {
+  gameCounters = GameCounters{};
+  gameCounters.reversibleMoves = 7;
+  const SearchResult result = Run("8/8/P7/8/8/6b1/5k2/7K w -", 1);  // the only move
+  EXPECT_EQ(test::MoveText(result.best), "a6a7");
+  EXPECT_EQ(gameCounters.reversibleMoves, 0);
+}
+
 TEST_F(Thinking, CountsReversibleMoves) {
   gameCounters = GameCounters{};
   gameCounters.reversibleMoves = 99;

@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include "board/make_move.h"
 #include "eval/evaluate.h"
+#include "search/hash_table.h"
+#include "search/move_order.h"
 #include "search/search_stats.h"
 #include "tests/support/search_support.h"
 
@@ -107,6 +110,80 @@ TEST_F(Quiescence, CapturesThatCannotReachAlphaArePrunedAtNonPvNodes) {
   EXPECT_EQ(state.nodeCount, 0U);
   Run(position, eval + 200, eval + 201);
   EXPECT_EQ(state.nodeCount, 1U);
+}
+
+TEST_F(Quiescence, AVictimOfJustEnoughWorthIsTaken) {
+  // The static score, a margin of 100 and the victim have to reach alpha.
+  struct Case {
+    const char* position;
+    std::int32_t worth;
+  };
+  for (const Case& c : {Case{"4k3/8/8/3n4/8/8/8/3RK3 w -", 400},
+                        {"4k3/8/8/3b4/8/8/8/3RK3 w -", 400},
+                        {"4k3/8/8/3r4/8/8/8/3RK3 w -", 600},
+                        {"4k3/8/8/3q4/8/8/8/3RK3 w -", 1100},
+                        {"3rk3/8/8/8/3N4/8/8/4K3 b -", 400}}) {
+    const std::int32_t alpha = StaticScore(c.position) + 100 + c.worth;
+    Run(c.position, alpha, alpha + 1);
+    EXPECT_GT(state.nodeCount, 0U) << c.position;
+    EXPECT_EQ(Run(c.position, alpha + 1, alpha + 2), StaticScore(c.position));
+    Run(c.position, alpha + 1, alpha + 2);
+    EXPECT_EQ(state.nodeCount, 0U) << c.position;
+  }
+}
+
+TEST_F(Quiescence, APromotingCaptureIsTriedHoweverFarAlphaIs) {
+  for (const char* position : {"n7/1P6/6k1/8/8/8/8/4K3 w -", "4k3/8/8/8/8/6K1/1p6/N7 b -"}) {
+    const std::int32_t alpha = StaticScore(position) + 3000;
+    Run(position, alpha, alpha + 1);
+    EXPECT_EQ(state.nodeCount, 4U) << position;  // to each piece
+  }
+}
+
+TEST_F(Quiescence, CapturesThatAreLeftOutCountWhenTheyAreLegal) {
+  // White can take a pawn each time; the pinned knight may not.
+  const char* const illegal = "4r1k1/8/8/8/5p2/8/4N3/4K3 w -";
+  EXPECT_EQ(Run(illegal, 4000, 4001), 0);
+  const char* const legal = "6k1/8/8/8/5p2/8/4N3/4K3 w -";
+  EXPECT_EQ(Run(legal, 4000, 4001), StaticScore(legal));
+  // One knight is pinned, the other one is not.
+  const char* const either = "4r1k1/8/8/8/5p2/7N/4N3/4K3 w -";
+  EXPECT_EQ(Run(either, 4000, 4001), StaticScore(either));
+  // A losing capture is not searched either, but it is a legal one.
+  const std::int32_t eval = StaticScore("4k3/8/2p5/3p4/8/8/8/3RK3 w -");
+  EXPECT_EQ(Run("4k3/8/2p5/3p4/8/8/8/3RK3 w -", eval, eval + 1), eval);
+}
+
+TEST_F(Quiescence, InCheckNoCaptureIsLeftOut) {
+  // The king takes the pawn that gives check, or steps to d1, f1 or f2.
+  Run("4r1k1/8/8/8/8/8/3p4/4K3 w -", 5000, 5001);
+  EXPECT_EQ(state.nodeCount, 4U);
+}
+
+TEST_F(Quiescence, InCheckTheStaticScoreIsTheLeastThatIsReturned) {
+  // The knight's fork wins the queen whatever White does.
+  const char* const fork = "k7/8/8/8/8/5n2/3Q4/6K1 w -";
+  EXPECT_EQ(Run(fork, -open, open), StaticScore(fork));
+  EXPECT_GT(state.nodeCount, 4U);
+}
+
+TEST_F(Quiescence, InCheckAlphaStaysBelowTheStaticScore) {
+  // After each step of the king Black's window is open enough for a capture
+  // that loses the rook for a guarded pawn.
+  const char* const check = "1r2r1k1/8/8/8/8/1P6/P7/4K3 w -";
+  const std::int32_t eval = StaticScore(check);
+  Run(check, eval - 500, eval + 1);
+  EXPECT_GT(state.nodeCount, 4U);
+}
+
+TEST_F(Quiescence, InCheckQuietMovesFollowTheirHistory) {
+  // The last of the king's steps in generation order refutes at once.
+  HistoryTable[white][4][3] = 7;  // e1d1
+  Run("4r1k1/8/8/8/8/8/8/4K3 w -", -5001, -5000);
+  EXPECT_EQ(state.nodeCount, 1U);
+  test::SetPosition(board, "4r1k1/8/8/8/8/8/8/4K3 w -");
+  MakeMove(board, BuildMove(4, 3, white, king));
+  EXPECT_EQ(HashSlot(EvalHashTable, board.positionKey).key, board.positionKey);
 }
 
 TEST_F(Quiescence, ALosingPromotionCaptureDoesNotEndTheLoop) {

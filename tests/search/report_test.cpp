@@ -124,6 +124,13 @@ TEST_F(Reports, WithBlackToMoveTheScoreTurnsAndTheLineBeginsWithDots) {
   EXPECT_EQ(Report(150), " 7 2:5 -1.50 1... Nc6 2.e4  (0/0)\n");
 }
 
+TEST_F(Reports, AnEvenScoreHasNoMinusForEitherSide) {
+  searchFlags.NoInputPolling = 1;
+  EXPECT_NE(Report(0).find(" +0.00 "), std::string::npos);
+  board.sideToMove = black;
+  EXPECT_NE(Report(0).find(" +0.00 "), std::string::npos);
+}
+
 TEST_F(Reports, WhilePonderingTheExpectedMoveStandsInFront) {
   protocolMode.mode = xboardProtocol;
   searchFlags.pondering = 1;
