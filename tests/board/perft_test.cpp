@@ -2,7 +2,9 @@
 
 #include <cstdio>
 #include <regex>
+#include <utility>
 
+#include "shell/clock.h"
 #include "tests/board/perft_cases.h"
 
 namespace mirvo::test {
@@ -30,6 +32,34 @@ TEST(RunPerft, PrintsTimeSpeedAndSplits) {
   EXPECT_TRUE(std::regex_match(
       text, std::regex(R"(Time = \d+\.\d\ds\nkNodes/sec = \d+\.\d\d\nSplits = 0\n)")))
       << text;
+}
+
+// A clock that shows `firstTick`, then `secondTick`.
+std::uint32_t firstTick = 0;
+std::uint32_t secondTick = 0;
+
+std::uint32_t NextTick() { return std::exchange(firstTick, secondTick); }
+
+// The moves of all depths (20 + 400 + 8902) by the time, one millisecond added.
+TEST(RunPerft, SpeedIsAllMovesByTheTimeAndAMillisecond) {
+  const struct {
+    std::uint32_t start;
+    std::uint32_t end;
+    const char* text;
+  } cases[] = {
+      {5000, 6999, "Time = 2.00s\nkNodes/sec = 4.66\nSplits = 0\n"},
+      {5000, 5000, "Time = 0.00s\nkNodes/sec = 9322.00\nSplits = 0\n"},
+      {5000, 5024, "Time = 0.03s\nkNodes/sec = 372.88\nSplits = 0\n"},
+      {4294967295U, 998, "Time = 1.00s\nkNodes/sec = 9.32\nSplits = 0\n"},
+  };
+  for (const auto& c : cases) {
+    firstTick = c.start;
+    secondTick = c.end;
+    SetTickSource(NextTick);
+    const std::string text = RunAndCapture(startFen, 3);
+    SetTickSource(nullptr);
+    EXPECT_EQ(text, c.text) << c.start;
+  }
 }
 
 TEST(RunPerft, CountsEveryDepthUpToTheTarget) {

@@ -99,6 +99,7 @@ TEST(SanToPartialMove, APawnCaptureWithAFullFromSquare) {
 TEST(SanToPartialMove, APawnMoveWithAFullFromSquareTakesTheLastSquare) {
   EXPECT_EQ(SanToPartialMove("e2e4", white), Partial(pawn, Square("e4")));
   EXPECT_EQ(SanToPartialMove("e2-e4", white), Partial(pawn, Square("e4")));
+  EXPECT_EQ(SanToPartialMove("h7g6", white), Partial(pawn, Square("g6")));
 }
 
 TEST(SanToPartialMove, PieceMoves) {
@@ -145,6 +146,13 @@ TEST(SanToPartialMove, SignsBeforeTheSquareStartTheDestination) {
       {"4xe5", Partial(pawn, Square("e5")) | Move{3} << 3 | captureFlag},
   };
   for (const SanCase& c : cases) EXPECT_EQ(SanToPartialMove(c.text, white), c.expected) << c.text;
+}
+
+TEST(SanToPartialMove, TheLastFromFileAndFromRankNamedCount) {
+  EXPECT_EQ(SanToPartialMove("hgxe5", white),
+            Partial(pawn, Square("e5")) | Move{6} | sanFileMark | captureFlag);
+  EXPECT_EQ(SanToPartialMove("85xe6", white),
+            Partial(pawn, Square("e6")) | Move{4} << 3 | captureFlag);
 }
 
 TEST(SanToPartialMove, ReadingEndsAtThePlusOfTheDestination) {

@@ -149,6 +149,10 @@ TEST_F(Evaluation, PawnKeyCoversPawnsAndTheSideToMove) {
   EXPECT_EQ(PawnHashTable.lastKey, pawns);
   Cold("r6k/4p3/8/8/8/8/P7/Q6K w -");
   EXPECT_EQ(PawnHashTable.lastKey, pawns ^ SideKey());
+  // The board's side to move counts, not the side whose view is asked for.
+  HashClear(EvalHashTable);
+  Evaluate(record, board, black);
+  EXPECT_EQ(PawnHashTable.lastKey, pawns ^ SideKey());
 }
 
 TEST_F(Evaluation, APawnHitBringsTheStoredScoreAndSets) {
@@ -245,6 +249,7 @@ TEST_F(Evaluation, StageFollowsCastlingPliesAndMaterial) {
       {"4k3/8/8/8/8/8/8/R3K3 w Qq", 0, Opening},
       // Queen 1100 is an end game; queen and bishop 1500 against 1600 is not.
       {"3qk3/4p3/8/8/8/8/8/QQ2K3 w -", 0, Endgame},
+      {"qq2k3/4p3/8/8/8/8/8/3QK3 w -", 0, Endgame},
       {"2bqk3/4p3/8/8/8/8/8/Q3KBNN w -", 0, Middlegame},
   };
   for (const auto& test : cases) {

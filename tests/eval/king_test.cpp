@@ -28,6 +28,13 @@ TEST_F(Kings, WhiteKingsWorkedOutByHand) {
       {"shelter pawn gone", "7k/8/8/8/8/8/5PP1/6K1 w -", {-25, 4}},
       // Place 10/8, d file bare -15.
       {"castled long", "7k/8/8/8/8/8/PPP5/2K5 w -", {-5, 8}},
+      // d1 still belongs to the a-c wing: place 0/10; d and e files bare -45.
+      {"castled, king on d1", "7k/8/8/8/8/8/PPP5/3K4 w -", {-45, 10}},
+      // e1 belongs to the f-h wing: e and d files bare -45.
+      {"castled, king on e1", "7k/8/8/8/8/8/5PPP/4K3 w -", {-45, 10}},
+      // The corners have one neighbour file: place 20/0, full shelter.
+      {"king in the a1 corner", "7k/8/8/8/8/8/PPP5/K7 w -", {20, 0}},
+      {"king in the h1 corner", "k7/8/8/8/8/8/5PPP/7K w -", {20, 0}},
       // Place 20/10; one pawn -40, g missing -20, h third 10, not halved; g file -30.
       {"king on the second rank", "7k/8/8/8/8/7P/5PK1/8 w -", {-60, 10}},
       // Place -40/14; shelter -10 halved to -5.
@@ -81,6 +88,32 @@ TEST_F(Kings, BlackKingsMirrorWhites) {
   };
   for (const KingCase& test : cases) {
     EXPECT_EQ(TermOf(test.fen, kingsTerm, black), test.expected) << test.name;
+  }
+}
+
+TEST_F(Kings, AStormingPawnStandsInTheKingsQuarterOfTheBoard) {
+  struct {
+    const char* fen;
+    int side;
+    Bitboard quarter;
+  } const cases[] = {
+      {"7k/8/8/8/8/8/5PPP/4K3 w -", white, 0x00000000F0F0F0F0ULL},
+      {"7k/8/8/8/8/8/PPP5/3K4 w -", white, 0x000000000F0F0F0FULL},
+      {"7k/8/8/8/8/8/PPPK4/8 w -", white, 0x000000000F0F0F0FULL},
+      {"7k/8/8/8/8/3K4/PPP5/8 w -", white, 0},  // off its first two ranks
+      {"4k3/5ppp/8/8/8/8/8/K7 w -", black, 0xF0F0F0F000000000ULL},
+      {"8/pppk4/8/8/8/8/8/K7 w -", black, 0x0F0F0F0F00000000ULL},
+      {"8/ppp5/3k4/8/8/8/8/K7 w -", black, 0},
+  };
+  for (const auto& test : cases) {
+    Cold(test.fen);
+    const ScorePair calm = EvaluateKing(record, test.side);
+    for (int square = 0; square < nSquares; ++square) {
+      board.pieces[PieceIndex(test.side ^ 1, pawn)] = Bit(square);
+      const int expected = (test.quarter & Bit(square)) != 0 ? -10 : 0;
+      EXPECT_EQ(EvaluateKing(record, test.side) - calm, (ScorePair{expected, 0}))
+          << test.fen << " " << square;
+    }
   }
 }
 

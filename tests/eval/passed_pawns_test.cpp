@@ -57,6 +57,7 @@ TEST_F(PassedPawns, WhitePawnsWorkedOutByHand) {
       {"rook pawn against a bishop", "6kb/8/8/P7/8/8/8/6K1 w -", {60, 80}},
       {"rook pawn against two knights", "6kn/8/8/P6n/8/8/8/K7 w -", {60, 70}},
       {"rook pawn against a rook", "6k1/8/8/P7/7r/8/8/K7 w -", {60, 60}},
+      {"rook pawn against a queen", "6k1/8/8/P7/7q/8/8/K7 w -", {60, 60}},
       {"h pawn against a knight", "n7/8/8/7P/8/8/k7/7K w -", {60, 80}},
       {"b pawn against a knight", "6kn/8/8/1P6/8/8/8/K7 w -", {60, 70}},
       // Bare king h5: ten for the rook pawn, and the race on top.
