@@ -28,6 +28,8 @@ TEST(MoveToSan, PawnMovesAndCaptures) {
   EXPECT_EQ(SanOf(Of("e7", "e8", pawn) | PromotionBits(rook)), "e8=R");
   EXPECT_EQ(SanOf(Of("e7", "e8", pawn) | PromotionBits(bishop)), "e8=B");
   EXPECT_EQ(SanOf(Of("e7", "e8", pawn) | PromotionBits(knight)), "e8=N");
+  // The kind alone, without the flag, is no promotion.
+  EXPECT_EQ(SanOf(Of("e7", "e8", pawn) | Move{queen} << 21), "e8");
 }
 
 TEST(MoveToSan, PieceMovesAndCaptures) {

@@ -184,6 +184,35 @@ TEST_F(Evaluation, APawnMissStoresTheBlendOfThePawnTermsOnly) {
   EXPECT_EQ(PawnSlot().evalData[3], record.isolated[black]);
 }
 
+TEST_F(Evaluation, FourDifferentPawnSetsAreStoredAndBroughtBack) {
+  constexpr Bitboard b3 = Bit(SquareAt(2, 1));
+  constexpr Bitboard h4 = Bit(SquareAt(3, 7));
+  constexpr Bitboard a6 = Bit(SquareAt(5, 0));
+  constexpr Bitboard e6 = Bit(SquareAt(5, 4));
+  Cold("4k3/8/p3p3/8/7P/1P6/8/R3K3 w -");
+  const Bitboard expected[] = {h4, e6, b3 | h4, a6 | e6};
+  for (int i = 0; i < 4; ++i) EXPECT_EQ(PawnSlot().evalData[i], expected[i]) << i;
+  EvalSlot().key = 0;
+  Again();
+  EXPECT_EQ(PawnHashTable.hits, 1U);
+  EXPECT_EQ(record.passed[white], h4);
+  EXPECT_EQ(record.passed[black], e6);
+  EXPECT_EQ(record.isolated[white], b3 | h4);
+  EXPECT_EQ(record.isolated[black], a6 | e6);
+}
+
+// White's pawns are worth 45/100 (a3 25/35, b4 30/50, c3 -10/15), Black's d7
+// -45/-45; a rook beside three pawns, 625, makes the phase 0.0801.
+TEST_F(Evaluation, ThePawnScoreIsStoredAtThePhaseOfThePosition) {
+  Cold("4k3/3p4/8/8/1P6/P1P5/8/R3K3 w -");
+  EXPECT_EQ(TermOf(pawnsTerm, white), (ScorePair{45, 100}));
+  EXPECT_EQ(TermOf(pawnsTerm, black), (ScorePair{-45, -45}));
+  // 0.9199 x 145 + 0.0801 x 90 = 140.59, cut off.
+  EXPECT_EQ(PawnSlot().evalScore, 140);
+  Cold("4k3/3p4/8/8/1P6/P1P5/8/R3K3 b -");
+  EXPECT_EQ(PawnSlot().evalScore, -140);
+}
+
 // The halves of these pawn terms differ, so a score blended at one
 // phase and used at another gives another result than a fresh one would.
 TEST_F(Evaluation, APawnHitAtAnotherPhaseDiffersFromAMiss) {

@@ -31,6 +31,7 @@ TEST_F(Pawns, WhiteStructuresWorkedOutByHand) {
       // e4 5/5; e2 -20 place, -25 by count, -5 no rook, -25 isolated, -10 both, 3 free.
       {"doubled and isolated", "8/8/8/8/4P3/8/4P3/8", {-77, -77}},
       {"doubled with a rook", "8/8/8/8/4P3/8/4P3/R7", {-72, -72}},
+      {"doubled with a queen only", "8/8/8/8/4P3/8/4P3/Q7", {-77, -77}},
       // e3 0/15 instead of -20/-20, and -5 for leaving the second rank.
       {"doubled pawn advanced", "8/8/8/8/4P3/4P3/8/8", {-62, -47}},
       // No free span for either (-13), an enemy pawn ahead of the rear one (-10).

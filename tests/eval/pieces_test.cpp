@@ -115,6 +115,9 @@ TEST_F(Pieces, BishopsWorkedOutByHand) {
       // b8 ahead 5, b6 behind 3 and unsafe -4, place -10, -80.
       {"trapped on a7", "7k/B1p5/1p6/8/8/8/8/7K w -", {-98, -106}},
       {"not trapped without the c pawn", "7k/B7/1pp5/8/8/8/8/7K w -", {-14, -22}},
+      {"trapped, more pawns about", "7k/B1p4p/1p6/8/8/8/8/7K w -", {-98, -106}},
+      // b6 is safe and isolated: 10.
+      {"not trapped by one pawn", "7k/B7/1p6/8/8/8/8/7K w -", {-4, -12}},
       {"trapped on h7", "k7/5p1B/6p1/8/8/8/8/K7 w -", {-98, -106}},
       {"not trapped without the f pawn", "k7/7B/5pp1/8/8/8/8/K7 w -", {-14, -22}},
   };
@@ -239,6 +242,10 @@ TEST_F(Pieces, QueensWorkedOutByHand) {
       {"a1", "8/3k4/8/7K/8/8/8/Q7 w -", {40, 10}},
       {"mobility through a rook on the file", "8/3k4/8/7K/R7/8/8/Q7 w -", {39, 10}},
       {"mobility through a bishop on the diagonal", "8/3k4/8/7K/3B4/8/8/Q7 w -", {14, 10}},
+      // a1: twenty squares 29/30, place -20, c3 5 mg. d4: twenty-five squares
+      // 30/30, place 5, eight ring and three centre squares 70 mg, three squares
+      // of the enemy zone 12, two of the own 4.
+      {"mobility through a queen on the diagonal", "8/3k4/8/7K/3Q4/8/8/Q7 w -", {135, 61}},
       {"not through a rook on the diagonal", "8/3k4/8/7K/3R4/8/8/Q7 w -", {9, 10}},
       {"not through a bishop on the file", "8/3k4/8/7K/B7/8/8/Q7 w -", {34, 10}},
       // a3: sixteen squares 24/30, isolated pawn 10; b2 unsafe costs nothing.
