@@ -272,6 +272,17 @@ TEST_F(RunSuiteTest, OnlyTheFinalScoreStaysOutOfTheLog) {
   EXPECT_EQ(logged, printed.erase(at, finalScore.size()));
 }
 
+TEST_F(RunSuiteTest, WhatTheTablesCountedBeforeIsInNoReport) {
+  engineConfig.Quiet = 0;
+  const std::string suite = std::string(fork) + "bm Nc7+;";
+  const std::string report = LineWith(Run(suite), "Eval hash: Cache usage: ");
+  ASSERT_NE(report, "");
+  for (HashTable* table : {&EvalHashTable, &PawnHashTable, &TranspositionTable}) {
+    table->hits = table->misses = table->conflicts = table->stores = 100000;
+  }
+  EXPECT_EQ(LineWith(Run(suite), "Eval hash: Cache usage: "), report);
+}
+
 TEST_F(RunSuiteTest, OfThePositionsBeforeNotEvenAMoveIsKept) {
   const std::uint32_t nSlots = TranspositionTable.size;
   for (std::uint32_t i = 0; i < nSlots; ++i) TranspositionTable.entries[i].move = checkMark;

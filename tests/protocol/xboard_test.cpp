@@ -75,6 +75,22 @@ TEST_F(XBoardCommands, GoLeavesForceMode) {
   EXPECT_EQ(Position(), afterE4E5);
 }
 
+TEST_F(XBoardCommands, AWhiteEngineStaysWhiteWhenItsOpponentMoves) {
+  script = {{{}, "e2e4"}, {{}, "g1f3"}};
+  Play({"new\n", "go\n", "e7e5\n"});
+  EXPECT_EQ(xboardGame.engineColour, white);
+}
+
+// Were the flag left, the search would come back as one to be given up.
+TEST_F(XBoardCommands, GoClearsAPonderingFlag) {
+  script = {{{}, "e2e4"}};
+  Play({"new\n"});
+  searchFlags.pondering = 1;
+  Play({"go\n"});
+  EXPECT_EQ(searchFlags.StopSearch, 0);
+  EXPECT_EQ(xboardPonder.ponderMiss, 0);
+}
+
 TEST_F(XBoardCommands, GoodbyeIsAGo) {
   script = {{{}, "e2e4"}};
   Play({"new\n", "goodbye\n"});
