@@ -82,6 +82,28 @@ class Pruning : public testing::Test {
   SearchState state;
 };
 
+// The table's bounds decide at the window's edges.
+
+TEST_F(Pruning, AStoredBoundAtTheEdgeOfTheWindowDecides) {
+  struct Case {
+    HashBound bound;
+    std::int32_t score;
+    bool decides;
+  };
+  for (const Case& c : {Case{upperBound, 10, true},
+                        {upperBound, 11, false},
+                        {lowerBound, 11, true},
+                        {lowerBound, 10, false}}) {
+    Set("4k3/8/8/8/8/8/8/Q3K3 w -");
+    HashStore(TranspositionTable, board.positionKey, noMove, c.score, c.bound, 9);
+    const std::int32_t score = Run(10, 11, 1);
+    EXPECT_EQ(state.nodeCount == 0, c.decides) << c.bound << ' ' << c.score;
+    if (c.decides) {
+      EXPECT_EQ(score, c.score);
+    }
+  }
+}
+
 // Null move.
 
 constexpr char queenUp[] = "4k3/8/8/8/8/8/8/Q3K3 w -";
@@ -244,6 +266,14 @@ INSTANTIATE_TEST_SUITE_P(
         FutilityCase{"inCheck", "k6r/8/8/8/8/8/5N2/5N1K w -", nullptr, 4, 4}),
     [](const auto& instance) { return instance.param.name; });
 
+TEST_F(Pruning, WithEveryMoveLeftOutTheNodeScoresAlpha) {
+  // White's only legal moves take a pawn each.
+  EXPECT_EQ(RunCold("8/8/8/8/8/1p4b1/2p2k2/N6K w -", farAway, farAway + 1, 1), farAway);
+  EXPECT_EQ(state.nodeCount, 2U);
+  EXPECT_EQ(Slot().score, farAway);
+  EXPECT_EQ(Slot().bound, upperBound);
+}
+
 TEST_F(Pruning, OnThePrincipalVariationNoMoveIsFutile) {
   Set(knightAndPawn);
   Run(farAway, farAway + 1000, 1);
@@ -324,6 +354,12 @@ TEST_F(Pruning, AReducedMoveThatBeatsAlphaIsSearchedAtFullDepth) {
 TEST_F(Pruning, ChecksAreNotReduced) {
   RunCold("8/8/8/8/8/4k3/8/NN5K w -", farAway, farAway + 1, 4);
   EXPECT_EQ(DepthsAfter(inOrder), (std::vector<int>{3, 3, 3, 2, 3, 2, 1, 1}));
+}
+
+TEST_F(Pruning, ExtendedMovesAreNotReduced) {
+  // The pawn's step to the seventh rank is the last of nine moves.
+  RunCold("7k/8/P7/8/8/8/8/NN5K w -", farAway, farAway + 1, 4);
+  EXPECT_EQ(DepthAfter("a6a7"), 4);
 }
 
 TEST_F(Pruning, NothingIsReducedAtDepthTwo) {

@@ -55,6 +55,7 @@ TEST_F(Quiescence, AFreePieceIsTaken) {
   const std::string position = "4k3/8/8/3q4/8/8/8/3RK3 w -";
   EXPECT_GT(Run(position, -open, open), StaticScore(position) + 500);
   EXPECT_EQ(state.nodeCount, 1U);
+  EXPECT_EQ(state.selectiveDepth, 1);  // one ply below the horizon
 }
 
 TEST_F(Quiescence, BeingMatedCountsPliesFromTheHorizon) {
