@@ -13,14 +13,6 @@ namespace mirvo {
 
 namespace {
 
-/// The index of `key`, noted as the table's last one.
-std::uint32_t FindSlot(HashTable& table, std::uint64_t key) {
-  const std::uint32_t index = HashIndex(table, key);
-  table.lastIndex = static_cast<std::int32_t>(index);
-  table.lastKey = key;
-  return index;
-}
-
 /// Whether the slot answers for `key`; counts the probe.
 bool CountProbe(HashTable& table, std::uint32_t index, std::uint64_t key) {
   const bool hit = HashHolds(table, index, key);
@@ -90,7 +82,7 @@ std::uint64_t PawnKey(const Board& board) {
 /// at another phase; this engine accepts that for the speed.
 ScorePair PawnStructure(EvalRecord& record, float phase) {
   const std::uint64_t key = PawnKey(*record.board);
-  const std::uint32_t index = FindSlot(PawnHashTable, key);
+  const std::uint32_t index = HashLocate(PawnHashTable, key);
   HashEntry& slot = PawnHashTable.entries[index];
   if (CountProbe(PawnHashTable, index, key)) {
     record.passed[white] = slot.evalData[0];
@@ -170,7 +162,7 @@ ScorePair SumTerms(EvalRecord& record, const Outset& outset) {
 
 std::int32_t Evaluate(EvalRecord& record, Board& board, int side) {
   const std::uint64_t key = board.positionKey;
-  const std::uint32_t index = FindSlot(EvalHashTable, key);
+  const std::uint32_t index = HashLocate(EvalHashTable, key);
   // A slot is mostly far away in memory. That the cache does not know the
   // position is mostly told without it; it is loaded all the same, for the
   // score that will be stored.

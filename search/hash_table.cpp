@@ -19,15 +19,6 @@ constexpr std::size_t slotSize = sizeof(HashEntry);
 constexpr std::size_t tagSize = sizeof(std::uint8_t);
 static_assert(slotSize == std::size_t{1} << slotShift);
 
-// Notes where the newest probe or store went, so that the search can rewrite
-// the slot without computing its index again.
-std::uint32_t Locate(HashTable& table, std::uint64_t key) {
-  const std::uint32_t index = HashIndex(table, key);
-  table.lastIndex = static_cast<std::int32_t>(index);
-  table.lastKey = key;
-  return index;
-}
-
 // Memory comes with the first write to a page. Large pages are passed over in
 // small steps, which costs next to nothing.
 void MakeResident(HashTable& table) {
@@ -114,7 +105,7 @@ void HashResetSearch(HashTable& table) {
 
 bool HashProbe(HashTable& table, std::uint64_t key, Move& move, std::int32_t& score,
                std::int32_t alpha, std::int32_t beta, std::int32_t depth) {
-  const std::uint32_t index = Locate(table, key);
+  const std::uint32_t index = HashLocate(table, key);
   if (!HashHolds(table, index, key)) {
     ++table.conflicts;
     return false;
@@ -141,7 +132,7 @@ bool HashProbe(HashTable& table, std::uint64_t key, Move& move, std::int32_t& sc
 
 void HashStore(HashTable& table, std::uint64_t key, Move move, std::int32_t score, HashBound bound,
                std::int32_t depth) {
-  const std::uint32_t index = Locate(table, key);
+  const std::uint32_t index = HashLocate(table, key);
   HashEntry& slot = table.entries[index];
   if (key == 0) return;  // the mark of an empty slot
   if (depth < slot.depth && slot.move != noMove && slot.score != EmptyScore) return;
@@ -154,7 +145,7 @@ void HashStore(HashTable& table, std::uint64_t key, Move move, std::int32_t scor
 }
 
 bool HashMoveLookup(std::uint64_t key, std::int32_t& score) {
-  const std::uint32_t index = Locate(EvalHashTable, key);
+  const std::uint32_t index = HashLocate(EvalHashTable, key);
   if (HashHolds(EvalHashTable, index, key)) score = EvalHashTable.entries[index].score;
   return false;
 }

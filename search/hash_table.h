@@ -99,6 +99,14 @@ inline void HashClaim(HashTable& table, std::uint32_t index, std::uint64_t key) 
   table.tags[index] = HashTag(key);
 }
 
+/// Index of a key's slot, noted with the key as the table's newest.
+inline std::uint32_t HashLocate(HashTable& table, std::uint64_t key) {
+  const std::uint32_t index = HashIndex(table, key);
+  table.lastIndex = static_cast<std::int32_t>(index);
+  table.lastKey = key;
+  return index;
+}
+
 inline HashEntry& HashSlot(HashTable& table, std::uint64_t key) {
   return table.entries[HashIndex(table, key)];
 }

@@ -36,9 +36,7 @@ struct TableHint {
 
 TableHint ProbeTable(std::uint64_t key, std::int32_t alpha, std::int32_t beta, std::int32_t depth) {
   HashTable& table = TranspositionTable;
-  const std::uint32_t index = HashIndex(table, key);
-  table.lastIndex = static_cast<std::int32_t>(index);
-  table.lastKey = key;
+  const std::uint32_t index = HashLocate(table, key);
   TableHint hint;
   if (!HashHolds(table, index, key)) {
     ++table.conflicts;

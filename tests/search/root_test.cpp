@@ -205,7 +205,7 @@ TEST_F(Root, IllegalMovesCountInTheNumber) {
 }
 
 TEST_F(Root, ChecksAreNotReduced) {
-  // Ke... the king steps off the rook's line last and gives check by it.
+  // Nc2 gives check to the king on e3; Kg2, late as well, does not.
   Set("8/8/8/8/8/4k3/8/NN5K w -");
   SuggestMove("h1g1");              // numbers 0 and 8; Nc2 gives check as number 5
   HistoryTable[white][0][10] = -1;  // Nc2 comes last, as number 8
