@@ -12,8 +12,12 @@ namespace mirvo {
 
 namespace {
 
-/// Amounts of a set of squares on ranks 3 and 4 (low) and 5 and 6 (high),
-/// files c to f, four bits a rank.
+/// The centre block c3 to f6; its inner four squares count twice.
+constexpr Bitboard centreBlock = extendedCentreRing | centreSquares;
+static_assert(centreSquare == 2 * ringSquare);
+
+/// Weighted squares of a set of squares on ranks 3 and 4 (or 5 and 6), files c to
+/// f, four bits a rank.
 struct CentreSums {
   std::int8_t low[256];
   std::int8_t high[256];
@@ -27,10 +31,10 @@ constexpr CentreSums SumCentre() {
       const int file = 2 + (bit & 3);
       const Bitboard lower = Bit(SquareAt(2 + (bit >> 2), file));
       const Bitboard upper = Bit(SquareAt(4 + (bit >> 2), file));
-      sums.low[index] = static_cast<std::int8_t>(
-          sums.low[index] + ((lower & centreSquares) != 0 ? centreSquare : ringSquare));
-      sums.high[index] = static_cast<std::int8_t>(
-          sums.high[index] + ((upper & centreSquares) != 0 ? centreSquare : ringSquare));
+      sums.low[index] =
+          static_cast<std::int8_t>(sums.low[index] + ((lower & centreSquares) != 0 ? 2 : 1));
+      sums.high[index] =
+          static_cast<std::int8_t>(sums.high[index] + ((upper & centreSquares) != 0 ? 2 : 1));
     }
   }
   return sums;
@@ -38,12 +42,11 @@ constexpr CentreSums SumCentre() {
 
 constexpr CentreSums centreSums = SumCentre();
 
-/// Ring and centre squares of a set; by two look-ups where the processor does
-/// not count bits.
-std::int32_t CentreAmount(Bitboard set) {
+/// Ring squares of a set and twice its centre squares, to be multiplied by
+/// `ringSquare`; by two look-ups where the processor does not count bits.
+std::int32_t CentreCount(Bitboard set) {
 #ifdef __POPCNT__
-  return ringSquare * PopCount(set & extendedCentreRing) +
-         centreSquare * PopCount(set & centreSquares);
+  return PopCount(set & centreBlock) + PopCount(set & centreSquares);
 #else
   const auto ranks = static_cast<std::uint32_t>(set >> SquareAt(2, 2)) & 0x0F0F0F0FU;
   const std::uint32_t pairs = ranks | ranks >> 4;
@@ -84,38 +87,41 @@ struct KindSums {
   /// directly and `reach` counting what it sees through own pieces.
   void AddCommon(const PieceView<side>& view, int square, Bitboard mobility, Bitboard reach) {
     // Seldom any: a branch is cheaper than counting nothing.
-    if ((view.enemyPawnAttacks & Bit(square)) != 0) score.AddBoth(AttackedByPawn[kind]);
     if (const Bitboard hits = reach & view.enemyIsolated; hits != 0) {
-      score.AddBoth(isolatedPawnHit * PopCount(hits));
+      both += isolatedPawnHit * PopCount(hits);
     }
     if (const Bitboard hits = reach & view.enemyZone; hits != 0) {
-      score.AddBoth(enemyZoneSquare * PopCount(hits));
+      both += enemyZoneSquare * PopCount(hits);
       ++attackers;
     }
-    ownZoneSquares += PopCount(reach & view.ownZone);
-    centreAmount += CentreAmount(mobility);
+    both += ownZoneSquare * PopCount(reach & view.ownZone);
+    centreCount += CentreCount(mobility);
     attacks |= reach;
     kingDistance += view.enemyKingDistance[square];
   }
 
-  /// Hands the sums over to the record; `count` is the number of pieces.
-  ScorePair Finish(EvalRecord& record, int count) {
+  /// Hands the sums over to the record; `pieces` are those of the kind.
+  ScorePair Finish(const PieceView<side>& view, EvalRecord& record, Bitboard pieces) {
+    const int count = PopCount(pieces);
     record.attacks[side][kind] = attacks;
     record.kingAttackers[side ^ 1] += attackers;
     record.kingAttackWeight[side ^ 1] += attackers * KingAttackWeight[kind];
     record.kingTropism[side ^ 1] += tropismStep[kind] * kingDistance + tropismBase[kind] * count;
-    score.AddBoth(ownZoneSquare * ownZoneSquares + unsafeSquare * unsafeSquares);
-    score.mg += centreAmount;
-    return score;
+    if (const Bitboard hit = pieces & view.enemyPawnAttacks; hit != 0) {
+      both += AttackedByPawn[kind] * PopCount(hit);
+    }
+    both += unsafeSquare * unsafeSquares;
+    return {mg + both + ringSquare * centreCount, eg + both};
   }
 
-  ScorePair score;
+  std::int32_t both = 0;  // centipawns of both halves, of one half
+  std::int32_t mg = 0;
+  std::int32_t eg = 0;
   Bitboard attacks = 0;
   std::int32_t attackers = 0;  // pieces that hit the enemy king's zone
   std::int32_t kingDistance = 0;
-  std::int32_t ownZoneSquares = 0;
   std::int32_t unsafeSquares = 0;
-  std::int32_t centreAmount = 0;
+  std::int32_t centreCount = 0;
 };
 
 /// Bishop-like attacks that pass through the own pieces in `transparent`. Only
@@ -178,12 +184,12 @@ ScorePair KnightsOf(const PieceView<side>& view, EvalRecord& record) {
     const int square = PopHighest(left);
     const Bitboard reach = KnightAttacks[square];
     const Bitboard mobility = reach & ~view.own;
-    sums.score.AddBoth(KnightSquare.of[side][square] + KnightMobility[PopCount(mobility)] +
-                       OutpostAmount<side>(view, square));
+    sums.both += KnightSquare.of[side][square] + KnightMobility[PopCount(mobility)] +
+                 OutpostAmount<side>(view, square);
     sums.unsafeSquares += PopCount(mobility & view.unsafe);
     sums.AddCommon(view, square, mobility, reach);
   }
-  return sums.Finish(record, PopCount(knights));
+  return sums.Finish(view, record, knights);
 }
 
 // ------------------------------------------------------------------ bishops
@@ -220,7 +226,10 @@ ScorePair BishopsOf(const PieceView<side>& view, EvalRecord& record) {
   const Bitboard bishops = PiecesOf<side>(view.board)[bishop];
   const Bitboard transparent = PiecesOf<side>(view.board)[queen];
   KindSums<side, bishop> sums;
-  sums.score = BishopCountAmount<side>(view.board, bishops);
+  const ScorePair given = BishopCountAmount<side>(view.board, bishops);
+  const int count = PopCount(bishops);
+  sums.mg = given.mg + bishopMobilityBase.mg * count;
+  sums.eg = given.eg + bishopMobilityBase.eg * count;
   for (Bitboard left = bishops; left != 0;) {
     const int square = PopHighest(left);
     const int rank = RankOf(square);
@@ -230,14 +239,13 @@ ScorePair BishopsOf(const PieceView<side>& view, EvalRecord& record) {
     // No square of a bishop is beside it: what is not ahead is behind.
     const int ahead = PopCount(mobility & RanksAhead<side>(rank));
     const int behind = PopCount(mobility) - ahead;
-    sums.score += bishopMobilityBase;
-    sums.score.AddBoth(BishopSquare.of[side][square] + bishopSquareAhead * ahead +
-                       bishopSquareBehind * behind);
+    sums.both +=
+        BishopSquare.of[side][square] + bishopSquareAhead * ahead + bishopSquareBehind * behind;
     sums.unsafeSquares += PopCount(mobility & view.unsafe);
-    if (IsTrappedBishop<side>(view.board, square)) sums.score.AddBoth(trappedBishop);
+    if (IsTrappedBishop<side>(view.board, square)) sums.both += trappedBishop;
     sums.AddCommon(view, square, mobility, reach);
   }
-  return sums.Finish(record, PopCount(bishops));
+  return sums.Finish(view, record, bishops);
 }
 
 // -------------------------------------------------------------------- rooks
@@ -251,15 +259,16 @@ std::int32_t RookFileAmount(const Board& board, int file, std::int32_t nEnemyPaw
   return nEnemyPawns + rookOpenFile;
 }
 
-/// A back-rank rook outside a king that went that way without castling.
+/// Back-rank squares outside a king that went that way without castling; a rook
+/// on one is trapped.
 template <int side>
-bool IsTrappedRook(const Board& board, int square) {
-  if (board.castling.hasCastled[side] != 0) return false;
-  if (RelativeRank<side>(RankOf(square)) != 0) return false;
-  const int rookFile = FileOf(square);
-  const int kingFile = board.kingFile[side];
-  return (rookFile >= 6 && (kingFile == 5 || kingFile == 6)) ||
-         (rookFile <= 1 && (kingFile == 1 || kingFile == 2));
+Bitboard RookCage(const Board& board) {
+  constexpr std::uint8_t ab = 0x03;
+  constexpr std::uint8_t gh = 0xC0;
+  constexpr std::uint8_t byKingFile[8] = {0, ab, ab, 0, 0, gh, gh, 0};
+  if (board.castling.hasCastled[side] != 0) return 0;
+  const Bitboard cage = byKingFile[board.kingFile[side]];
+  return side == white ? cage : cage << 56;
 }
 
 /// Bonus of a rook on the enemy's second rank; the same for every rook there.
@@ -276,22 +285,24 @@ ScorePair RooksOf(const PieceView<side>& view, const LineXRay& xRay, EvalRecord&
   const Bitboard rooks = PiecesOf<side>(view.board)[rook];
   const std::int32_t nEnemyPawns = PopCount(PiecesOf<side ^ 1>(view.board)[pawn]);
   KindSums<side, rook> sums;
+  sums.both = trappedRook * PopCount(rooks & RookCage<side>(view.board));
+  if (const Bitboard seventh = rooks & RelativeRankSet<side>(6); seventh != 0) {
+    sums.both += SeventhRankAmount<side>(view.board) * PopCount(seventh);
+  }
   for (Bitboard left = rooks; left != 0;) {
     const int square = PopHighest(left);
     const Bitboard plain = RookAttacks(view.board, square);
     const Bitboard reach = xRay.Attacks(square, plain) & ~view.own;
     const Bitboard mobility = plain & ~view.own;
     const int count = PopCount(mobility);
-    std::int32_t both =
+    sums.both +=
         RookSquare.of[side][square] + RookFileAmount<side>(view.board, FileOf(square), nEnemyPawns);
-    if (IsTrappedRook<side>(view.board, square)) both += trappedRook;
-    if (RelativeRank<side>(RankOf(square)) == 6) both += SeventhRankAmount<side>(view.board);
-    sums.score += {RookMobilityMg[count], RookMobilityEg[count]};
-    sums.score.AddBoth(both);
+    sums.mg += RookMobilityMg[count];
+    sums.eg += RookMobilityEg[count];
     sums.unsafeSquares += PopCount(mobility & view.unsafe);
     sums.AddCommon(view, square, mobility, reach);
   }
-  return sums.Finish(record, PopCount(rooks));
+  return sums.Finish(view, record, rooks);
 }
 
 // ------------------------------------------------------------------- queens
@@ -311,11 +322,12 @@ ScorePair QueensOf(const PieceView<side>& view, const LineXRay& xRay, EvalRecord
     const Bitboard mobility = (diagonals | lines) & ~view.own;
     // A queen's mobility counts what stands open behind its own helpers too.
     const int count = PopCount(reach);
-    sums.score += {QueenMobilityMg[count], QueenMobilityEg[count]};
-    sums.score.AddBoth(QueenSquare.of[side][square]);
+    sums.mg += QueenMobilityMg[count];
+    sums.eg += QueenMobilityEg[count];
+    sums.both += QueenSquare.of[side][square];
     sums.AddCommon(view, square, mobility, reach);
   }
-  return sums.Finish(record, PopCount(queens));
+  return sums.Finish(view, record, queens);
 }
 
 template <int side>
