@@ -21,9 +21,10 @@ class MoveKeys {
     ++count_;
   }
 
-  /// To be called after the last Add: fills the last block.
+  /// To be called after the last Add: fills the last block, and as many keys
+  /// behind it as cost less than to tell how many those are.
   void Close() {
-    for (int i = count_; i % block != 0; ++i) keys_[i] = taken;
+    for (int i = 0; i < block; ++i) keys_[count_ + i] = taken;
     best_ = Greatest();
   }
 
@@ -36,6 +37,13 @@ class MoveKeys {
     keys_[place] = taken;
     best_ = Greatest();
     return place;
+  }
+
+  /// Puts a move that was taken back, with another score.
+  void Return(int place, std::int32_t score) {
+    const std::int32_t key = score * places + (places - 1 - place);
+    keys_[place] = key;
+    best_ = key > best_ ? key : best_;
   }
 
   /// The place that TakeBest would tell, which is known at no cost.

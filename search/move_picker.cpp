@@ -94,7 +94,7 @@ void MovePicker::ScoreCaptures() {
     const int victim = CaptureVictim(board_, generator_.moves[i]);
     const Move move = WithCaptured(generator_.moves[i], victim) | captureFlag;
     generator_.moves[i] = move;
-    captureKeys_.Add(ScoreCapture(board_, move, victim));
+    captureKeys_.Add(CaptureScore(move, victim));
   }
   captureKeys_.Close();
 }
@@ -129,11 +129,18 @@ Move MovePicker::Peek() const {
   return place < 0 ? noMove : generator_.moves[place];
 }
 
+// Whether a capture loses is found out when its turn comes: after a cut-off
+// nobody needs to know. The good ones are all taken before the first of the bad
+// ones, so none of those is in doubt any more.
 bool MovePicker::TakeCapture(std::int32_t floor, Move& move, std::int32_t& score) {
-  const int place = captureKeys_.TakeBest(floor, score);
-  if (place < 0) return false;
-  move = generator_.moves[place];
-  return true;
+  for (;;) {
+    const int place = captureKeys_.TakeBest(floor, score);
+    if (place < 0) return false;
+    move = generator_.moves[place];
+    const std::int32_t loss = score >= 0 ? ExchangeLoss(board_, move) : 0;
+    if (loss == 0) return true;
+    captureKeys_.Return(place, loss);
+  }
 }
 
 bool MovePicker::TakeQuiet(Move& move, std::int32_t& score) {

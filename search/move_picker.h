@@ -38,7 +38,8 @@ class MovePicker {
   bool Next(Move& move, std::int32_t& score);
 
   /// The move that Next will give if the newest one's stage has another, or
-  /// noMove. Nothing is generated or scored for the answer.
+  /// noMove. Nothing is generated or scored for the answer, so it may be a
+  /// capture of which Next finds out first that it loses.
   Move Peek() const;
 
   /// Stage that the newest move came from.

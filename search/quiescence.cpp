@@ -27,8 +27,8 @@ bool IsLegal(Board& board, Move move) {
   return legal;
 }
 
-// Gives every move its score; quiet moves, searched only in check, take their
-// history. Writes each capture's victim into its word.
+// Gives every move its score, captures as if none lost; quiet moves, searched
+// only in check, take their history. Writes each capture's victim into its word.
 void ScoreMoves(const Board& board, BBMoveGenerator2& generator, MoveKeys& keys) {
   for (int i = 0; i < generator.count; ++i) {
     Move& move = generator.moves[i];
@@ -38,7 +38,7 @@ void ScoreMoves(const Board& board, BBMoveGenerator2& generator, MoveKeys& keys)
     }
     const int victim = CaptureVictim(board, move);
     move = WithCaptured(move, victim);
-    keys.Add(ScoreCapture(board, move, victim));
+    keys.Add(CaptureScore(move, victim));
   }
 }
 
@@ -115,23 +115,24 @@ std::int32_t Quiesce(SearchState& state, Board& board, std::int32_t alpha, std::
   ScoreMoves(board, generator, keys);
   keys.Close();
 
-  // 3. Best first. A move that is left out is made only when its legality is
-  // needed and cannot be told otherwise.
+  // 3. Best first. Whether a capture loses is found out when its turn comes, and
+  // a move that is left out is made only when its legality is needed and cannot
+  // be told otherwise.
   int awaited = -1;  // place of the move whose child's slot is being loaded already
-  for (int pass = 0; pass < generator.count; ++pass) {
-    std::int32_t orderScore = 0;
-    const int index = keys.TakeBest(-MoveKeys::maxScore, orderScore);
+  std::int32_t orderScore = 0;
+  for (int index = 0; (index = keys.TakeBest(-MoveKeys::maxScore, orderScore)) >= 0;) {
     const Move move = generator.moves[index];
     const Foresight foresight = sight.Foresee(move);
     if (foresight == Foresight::illegal) continue;
     const bool foreseen = foresight == Foresight::legal;
     if (mayLeaveOut && !IsPromotion(move)) {
-      const bool losing = orderScore < 0;  // so are all that are left
-      if (losing || margin + exchangeValue[CapturedKind(move)] < alpha) {
-        if (foreseen || (anyLegal && !losing) || IsLegal(board, move)) {
-          anyLegal = true;
-          if (losing) break;
-        }
+      if (margin + exchangeValue[CapturedKind(move)] < alpha || ExchangeLoss(board, move) < 0) {
+        anyLegal = anyLegal || foreseen || IsLegal(board, move);
+        continue;
+      }
+    } else if (orderScore >= 0 && IsCapture(move)) {
+      if (const std::int32_t loss = ExchangeLoss(board, move); loss < 0) {
+        keys.Return(index, loss);
         continue;
       }
     }

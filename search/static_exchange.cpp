@@ -5,7 +5,6 @@
 #include "board/attack_tables.h"
 #include "board/bits.h"
 #include "board/occupancy_maps.h"
-#include "search/move_order.h"
 
 namespace mirvo {
 namespace {
@@ -82,8 +81,21 @@ int LeastAttacker(const Exchange& exchange, int side, int& square) {
 }  // namespace
 
 int CaptureVictim(const Board& board, Move move) {
-  const int kind = PieceOn(board, ToSquare(move), board.sideToMove ^ 1);
-  return kind == noPiece ? pawn : kind;
+  const int enemy = board.sideToMove ^ 1;
+  const int square = ToSquare(move);
+  if (board.irregular != 0) {
+    const int kind = PieceOn(board, square, enemy);
+    return kind == noPiece ? pawn : kind;
+  }
+  // The kind's three bits, each told by the pieces that have it: nothing to
+  // guess for the processor, and an empty square is a pawn.
+  static_assert(pawn == 0 && knight == 1 && bishop == 2 && rook == 3 && queen == 4 && king == 5);
+  const std::uint64_t* of = board.pieces + enemy * nKinds;
+  const std::uint64_t bit0 = of[knight] | of[rook] | of[king];
+  const std::uint64_t bit1 = of[bishop] | of[rook];
+  const std::uint64_t bit2 = of[queen] | of[king];
+  return static_cast<int>((bit0 >> square & 1) | (bit1 >> square & 1) << 1 |
+                          (bit2 >> square & 1) << 2);
 }
 
 std::int32_t StaticExchange(const Board& board, Move move, int victim) {
@@ -107,16 +119,6 @@ std::int32_t StaticExchange(const Board& board, Move move, int victim) {
   }
   for (; depth > 0; --depth) gain[depth - 1] = std::min(gain[depth - 1], -gain[depth]);
   return gain[0];
-}
-
-std::int32_t ScoreCapture(const Board& board, Move move, int victim) {
-  const int attacker = MovingKind(move);
-  // Nothing is lost where the first recapture wins no more than was taken.
-  if (exchangeValue[attacker] > exchangeValue[victim]) {
-    const std::int32_t exchange = StaticExchange(board, move, victim);
-    if (exchange < 0) return exchange;
-  }
-  return MvvLva[victim][attacker];
 }
 
 }  // namespace mirvo

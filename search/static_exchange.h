@@ -6,6 +6,7 @@
 
 #include "board/board.h"
 #include "board/move.h"
+#include "search/move_order.h"
 
 namespace mirvo {
 
@@ -21,9 +22,18 @@ int CaptureVictim(const Board& board, Move move);
 /// the removal of a pawn taken en passant are left out. Reads the board only.
 std::int32_t StaticExchange(const Board& board, Move move, int victim);
 
-/// Ordering score of a capture: the MVV/LVA score when the attacker is not
-/// worth more than the victim or loses nothing by exchange, else the negative
-/// exchange value.
-std::int32_t ScoreCapture(const Board& board, Move move, int victim);
+/// Ordering score of a capture that loses nothing: most valuable victim, least
+/// valuable attacker.
+inline std::int32_t CaptureScore(Move move, int victim) { return MvvLva[victim][MovingKind(move)]; }
+
+/// What a capture, its victim noted in the word, loses: its exchange value if
+/// that is negative, else 0. A capture that loses has it for an ordering score.
+inline std::int32_t ExchangeLoss(const Board& board, Move move) {
+  const int victim = CapturedKind(move);
+  // Nothing is lost where the first recapture wins no more than was taken.
+  if (exchangeValue[MovingKind(move)] <= exchangeValue[victim]) return 0;
+  const std::int32_t exchange = StaticExchange(board, move, victim);
+  return exchange < 0 ? exchange : 0;
+}
 
 }  // namespace mirvo

@@ -94,6 +94,35 @@ TEST_F(Picker, LosingCapturesComeAfterQuietMoves) {
   EXPECT_EQ(all.back().stage, stageBadCaptures);
 }
 
+TEST_F(Picker, LosingCapturesComeBySmallestLoss) {
+  // Queen and rook can take a pawn that two others defend.
+  const std::vector<Picked> all = PickAll("4k3/8/2p1p3/3p4/8/1Q6/8/3RK3 w -");
+  ASSERT_GE(all.size(), 2U);
+  EXPECT_EQ(all[all.size() - 2].text, "d1d5");
+  EXPECT_EQ(all[all.size() - 2].score, -500);
+  EXPECT_EQ(all.back().text, "b3d5");
+  EXPECT_EQ(all.back().score, -1000);
+}
+
+TEST_F(Picker, ALosingCaptureOfARookComesBehindAPawnForAPawn) {
+  // The queen would be the first to take, by victim, but the rook is defended.
+  const std::vector<Picked> all = PickAll("4k3/8/2p3p1/3r3P/8/8/8/3QK3 w -");
+  EXPECT_EQ(all.front().text, "h5g6");
+  EXPECT_EQ(all.front().score, 55);
+  EXPECT_EQ(all[1].stage, stageQuiets);
+  EXPECT_EQ(all.back().text, "d1d5");
+  EXPECT_EQ(all.back().score, -500);
+}
+
+TEST_F(Picker, EqualLossesKeepGenerationOrder) {
+  // Two rooks take two defended pawns: the higher square's capture comes first.
+  const std::vector<Picked> all = PickAll("4k3/8/2p2p2/1p4p1/8/8/8/1R2K1R1 w -");
+  ASSERT_GE(all.size(), 2U);
+  EXPECT_EQ(all[all.size() - 2].text, "g1g5");
+  EXPECT_EQ(all.back().text, "b1b5");
+  EXPECT_EQ(all.back().score, -500);
+}
+
 TEST_F(Picker, TheHashMoveComesFirstAndAgainInItsStage) {
   const Move hashMove = BuildMove(4, 12, white, king);  // e1e2
   const std::vector<Picked> all = PickAll(richPosition, hashMove);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
+#include <utility>
 
 #include "board/bb_move_generator.h"
 #include "search/move_order.h"
@@ -120,29 +121,62 @@ TEST(StaticExchange, ABoardFullOfQueensStaysWithinItsList) {
   EXPECT_GT(generator.count, 10);
 }
 
-TEST(ScoreCapture, ACheaperOrEqualAttackerIsScoredByVictimAndAttacker) {
+TEST(CaptureVictim, IsTheFirstKindThatStandsThere) {
+  test::PrepareEngine();
+  Board board;
+  const std::pair<const char*, int> victims[] = {
+      {"4k3/8/8/3p4/8/8/8/3QK3 w -", pawn},   {"4k3/8/8/3n4/8/8/8/3QK3 w -", knight},
+      {"4k3/8/8/3b4/8/8/8/3QK3 w -", bishop}, {"4k3/8/8/3r4/8/8/8/3QK3 w -", rook},
+      {"4k3/8/8/3q4/8/8/8/3QK3 w -", queen},
+  };
+  for (const auto& [position, victim] : victims) {
+    test::SetPosition(board, position);
+    EXPECT_EQ(CaptureVictim(board, FindMove(board, "d1d5")), victim) << position;
+  }
+  // Text input can put two pieces on a square: the bishop is seen before the rook.
+  test::SetPosition(board, "4k3/8/8/3r4/8/8/8/3QK3 w -");
+  const Move move = FindMove(board, "d1d5");
+  board.pieces[PieceIndex(black, bishop)] |= Bit(ToSquare(move));
+  DetectIrregular(board);
+  EXPECT_EQ(CaptureVictim(board, move), bishop);
+}
+
+TEST(CaptureScore, IsByVictimThenAttacker) {
+  test::PrepareEngine();
+  Board board;
+  test::SetPosition(board, "4k3/8/2p5/3b4/8/4N3/8/4K3 w -");
+  EXPECT_EQ(CaptureScore(FindMove(board, "e3d5"), bishop), MvvLva[bishop][knight]);
+}
+
+TEST(ExchangeLoss, IsNoneForACheaperOrEqualAttacker) {
   test::PrepareEngine();
   Board board;
   // A knight takes a defended bishop: no exchange is looked at.
   test::SetPosition(board, "4k3/8/2p5/3b4/8/4N3/8/4K3 w -");
-  const Move move = FindMove(board, "e3d5");
-  EXPECT_EQ(ScoreCapture(board, move, bishop), MvvLva[bishop][knight]);
+  EXPECT_EQ(ExchangeLoss(board, WithCaptured(FindMove(board, "e3d5"), bishop)), 0);
 }
 
-TEST(ScoreCapture, ABishopForADefendedKnightStaysAGoodCapture) {
+TEST(ExchangeLoss, IsNoneForABishopAgainstADefendedKnight) {
   test::PrepareEngine();
   Board board;
   test::SetPosition(board, "4k3/8/2p5/3n4/8/5B2/8/4K3 w -");
   const Move move = FindMove(board, "f3d5");
   EXPECT_EQ(StaticExchange(board, move, knight), 0);
-  EXPECT_EQ(ScoreCapture(board, move, knight), MvvLva[knight][bishop]);
+  EXPECT_EQ(ExchangeLoss(board, WithCaptured(move, knight)), 0);
 }
 
-TEST(ScoreCapture, ALosingCaptureScoresItsExchange) {
+TEST(ExchangeLoss, IsNoneWhereAnExchangeWins) {
+  test::PrepareEngine();
+  Board board;
+  test::SetPosition(board, "4k3/8/8/3p4/8/8/8/3RK3 w -");
+  EXPECT_EQ(ExchangeLoss(board, WithCaptured(FindMove(board, "d1d5"), pawn)), 0);
+}
+
+TEST(ExchangeLoss, IsTheExchangeValueOfALosingCapture) {
   test::PrepareEngine();
   Board board;
   test::SetPosition(board, "4k3/8/2p5/3p4/8/8/8/3RK3 w -");
-  EXPECT_EQ(ScoreCapture(board, FindMove(board, "d1d5"), pawn), -500);
+  EXPECT_EQ(ExchangeLoss(board, WithCaptured(FindMove(board, "d1d5"), pawn)), -500);
 }
 
 }  // namespace
