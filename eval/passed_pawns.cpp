@@ -66,7 +66,7 @@ ScorePair OnePassedPawn(const EvalRecord& record, int square) {
 
 template <int side>
 ScorePair PassedPawnsOf(const EvalRecord& record) {
-  ScorePair score;
+  ScorePair score{};
   for (Bitboard pawns = record.passed[side]; pawns != 0;) {
     score += OnePassedPawn<side>(record, PopHighest(pawns));
   }

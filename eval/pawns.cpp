@@ -76,7 +76,7 @@ ScorePair OnePawn(const PawnView<side>& view, int square, EvalRecord& record) {
 template <int side>
 ScorePair PawnsOf(EvalRecord& record) {
   const PawnView<side> view(*record.board);
-  ScorePair score;
+  ScorePair score{};
   for (Bitboard pawns = view.own; pawns != 0;) {
     score += OnePawn<side>(view, PopHighest(pawns), record);
   }

@@ -7,8 +7,8 @@ namespace mirvo {
 
 /// Centipawns, good for the side a term was computed for.
 struct ScorePair {
-  std::int32_t mg = 0;
-  std::int32_t eg = 0;
+  std::int32_t mg;
+  std::int32_t eg;
 
   constexpr ScorePair& operator+=(ScorePair other) {
     mg += other.mg;

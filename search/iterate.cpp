@@ -28,12 +28,12 @@ constexpr std::uint32_t holdSleep = 20;  // ms between rounds of a held search
 
 /// What the iterations of one search remember.
 struct Iteration {
-  PvLine pv;
+  PvLine pv{};
   std::uint32_t previousNodes = 0;  // of the iteration before
   std::uint32_t nodesBefore = 0;    // node counter when the iteration began
   std::int32_t completedDepth = 0;  // of the newest completed iteration
   std::int32_t reportedScore = 0;
-  PvLine reportedPv;
+  PvLine reportedPv{};
   bool holding = false;  // repeating a depth while pondering
   bool endedOnMate = false;
 };

@@ -18,10 +18,11 @@ inline constexpr std::int32_t mateThreshold = 31000;
 
 inline constexpr int pvCapacity = 100;
 
-/// A line of moves, best move first.
+/// A line of moves, best move first. Only the first `length` moves are set in a
+/// line that was not made empty as a whole ("{}"): every node has one.
 struct PvLine {
   std::int32_t length = 0;
-  Move moves[pvCapacity] = {};
+  Move moves[pvCapacity];
 };
 
 /// Input of one node: window, remaining depth (plies below the horizon in the
