@@ -16,17 +16,32 @@ class MoveKeys {
   /// Scores lie within +-maxScore.
   static constexpr std::int32_t maxScore = 1 << 22;
 
-  void Add(std::int32_t score) {
-    keys_[count_] = score * places + (places - 1 - count_);
-    ++count_;
-  }
+  /// Fills a list: made for it, given the scores in the order of the moves, and
+  /// closed. What the list knows of itself stays in registers so long.
+  class Filler {
+   public:
+    explicit Filler(MoveKeys& list) : list_(list) {}
 
-  /// To be called after the last Add: fills the last block, and as many keys
-  /// behind it as cost less than to tell how many those are.
-  void Close() {
-    for (int i = 0; i < block; ++i) keys_[count_ + i] = taken;
-    best_ = Greatest();
-  }
+    void Add(std::int32_t score) {
+      const std::int32_t key = score * places + (places - 1 - count_);
+      list_.keys_[count_] = key;
+      best_ = key > best_ ? key : best_;
+      ++count_;
+    }
+
+    /// Fills the last block, and as many keys behind it as cost less than to
+    /// tell how many those are.
+    void Close() {
+      for (int i = 0; i < block; ++i) list_.keys_[count_ + i] = taken;
+      list_.count_ = count_;
+      list_.best_ = best_;
+    }
+
+   private:
+    MoveKeys& list_;
+    std::int32_t count_ = 0;
+    std::int32_t best_ = taken;
+  };
 
   /// Takes out the best move with a score of at least `floor`: its place in
   /// the list and its score, or -1 when there is none.
@@ -67,13 +82,13 @@ class MoveKeys {
         best[lane] = key > best[lane] ? key : best[lane];
       }
     }
-    std::int32_t greatest = best[0];
+    std::int32_t greatest = taken;
     for (const std::int32_t lane : best) greatest = lane > greatest ? lane : greatest;
     return greatest;
   }
 
   std::int32_t count_ = 0;
-  std::int32_t best_ = taken;  // the greatest key left, once closed
+  std::int32_t best_ = taken;  // the greatest key left
   std::int32_t keys_[moveListCapacity + block];
 };
 

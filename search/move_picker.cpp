@@ -90,13 +90,14 @@ void MovePicker::GenerateQuietsOnce() {
 
 void MovePicker::ScoreCaptures() {
   GenerateCapturesOnce();
+  MoveKeys::Filler keys(captureKeys_);
   for (int i = 0; i < captureCount_; ++i) {
     const int victim = CaptureVictim(board_, generator_.moves[i]);
     const Move move = WithCaptured(generator_.moves[i], victim) | captureFlag;
     generator_.moves[i] = move;
-    captureKeys_.Add(CaptureScore(move, victim));
+    keys.Add(CaptureScore(move, victim));
   }
-  captureKeys_.Close();
+  keys.Close();
 }
 
 void MovePicker::ScoreQuiets() {
@@ -106,6 +107,7 @@ void MovePicker::ScoreQuiets() {
   const bool hasPvMove = pvIndex >= 0 && pvIndex < previousPv.length;
   const Move pvMove = hasPvMove ? previousPv.moves[pvIndex] : noMove;
   const auto& history = HistoryTable[board_.sideToMove];
+  MoveKeys::Filler keys(quietKeys_);
   for (int i = captureCount_; i < generator_.count; ++i) {
     const Move move = generator_.moves[i];
     std::int32_t score = history[FromSquare(move)][ToSquare(move)];
@@ -114,9 +116,9 @@ void MovePicker::ScoreQuiets() {
     } else if (hasPvMove && SameMove(move, pvMove)) {
       score = previousPvScore;
     }
-    quietKeys_.Add(score);
+    keys.Add(score);
   }
-  quietKeys_.Close();
+  keys.Close();
 }
 
 Move MovePicker::Peek() const {

@@ -29,7 +29,8 @@ bool IsLegal(Board& board, Move move) {
 
 // Gives every move its score, captures as if none lost; quiet moves, searched
 // only in check, take their history. Writes each capture's victim into its word.
-void ScoreMoves(const Board& board, BBMoveGenerator2& generator, MoveKeys& keys) {
+void ScoreMoves(const Board& board, BBMoveGenerator2& generator, MoveKeys& list) {
+  MoveKeys::Filler keys(list);
   for (int i = 0; i < generator.count; ++i) {
     Move& move = generator.moves[i];
     if (!IsCapture(move)) {
@@ -40,6 +41,7 @@ void ScoreMoves(const Board& board, BBMoveGenerator2& generator, MoveKeys& keys)
     move = WithCaptured(move, victim);
     keys.Add(CaptureScore(move, victim));
   }
+  keys.Close();
 }
 
 // Enemy pieces that are worth `needed` or more.
@@ -113,7 +115,6 @@ std::int32_t Quiesce(SearchState& state, Board& board, std::int32_t alpha, std::
   }
   MoveKeys keys;
   ScoreMoves(board, generator, keys);
-  keys.Close();
 
   // 3. Best first. Whether a capture loses is found out when its turn comes, and
   // a move that is left out is made only when its legality is needed and cannot
