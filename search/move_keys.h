@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 #include <limits>
 
 #include "board/bb_move_generator.h"
@@ -43,18 +44,17 @@ class MoveKeys {
     std::int32_t best_ = taken;
   };
 
-  /// Takes out the best move with a score of at least `floor`: its place in
+  /// Takes the best move with a score of at least `floor`: its place in
   /// the list and its score, or -1 when there is none.
   int TakeBest(std::int32_t floor, std::int32_t& score) {
     if (best_ < floor * places) return -1;
     const int place = PlaceOf(best_);
     score = best_ >> placeBits;
-    keys_[place] = taken;
-    best_ = Greatest();
+    best_ = GreatestBelow(best_);
     return place;
   }
 
-  /// Puts a move that was taken back, with another score.
+  /// Puts the move that was taken last back, with a lower score.
   void Return(int place, std::int32_t score) {
     const std::int32_t key = score * places + (places - 1 - place);
     keys_[place] = key;
@@ -71,20 +71,27 @@ class MoveKeys {
   static constexpr std::int32_t taken = std::numeric_limits<std::int32_t>::min();
   static_assert(moveListCapacity <= places);
 
+  /// A block in one or two registers of the processor.
+  using Lanes [[gnu::vector_size(block * sizeof(std::int32_t))]] = std::int32_t;
+  static Lanes Greater(const Lanes& a, const Lanes& b) { return a > b ? a : b; }
+
   static int PlaceOf(std::int32_t key) { return places - 1 - (key & (places - 1)); }
 
-  std::int32_t Greatest() const {
-    std::int32_t best[block];
-    for (std::int32_t& lane : best) lane = taken;
+  /// Greatest key below `limit`. The moves that were taken have the keys from
+  /// there on: nothing has to be marked, and what was just written not read.
+  std::int32_t GreatestBelow(std::int32_t limit) const {
+    const Lanes none = Lanes{} + taken;
+    Lanes best = none;
     for (int first = 0; first < count_; first += block) {
-      for (int lane = 0; lane < block; ++lane) {
-        const std::int32_t key = keys_[first + lane];
-        best[lane] = key > best[lane] ? key : best[lane];
-      }
+      Lanes keys;
+      std::memcpy(&keys, keys_ + first, sizeof(keys));
+      keys = keys < limit ? keys : none;
+      best = Greater(best, keys);
     }
-    std::int32_t greatest = taken;
-    for (const std::int32_t lane : best) greatest = lane > greatest ? lane : greatest;
-    return greatest;
+    best = Greater(best, __builtin_shufflevector(best, best, 4, 5, 6, 7, 0, 1, 2, 3));
+    best = Greater(best, __builtin_shufflevector(best, best, 2, 3, 0, 1, 6, 7, 4, 5));
+    best = Greater(best, __builtin_shufflevector(best, best, 1, 0, 3, 2, 5, 4, 7, 6));
+    return best[0];
   }
 
   std::int32_t count_ = 0;
