@@ -74,6 +74,17 @@ void DropHopeless(Board& board, const KingSight& sight, std::int32_t needed,
   generator.count = nKept;
 }
 
+// Drops what is illegal for sure: in check most moves are.
+void DropIllegal(const KingSight& sight, BBMoveGenerator2& generator) {
+  int nKept = 0;
+  for (int i = 0; i < generator.count; ++i) {
+    const Move move = generator.moves[i];
+    generator.moves[nKept] = move;
+    nKept += sight.Foresee(move) != Foresight::illegal ? 1 : 0;
+  }
+  generator.count = nKept;
+}
+
 // Whether the side has a pawn one step from promotion. Promotions are never
 // left out.
 bool MayPromote(const Board& board, int side) {
@@ -106,6 +117,7 @@ std::int32_t Quiesce(SearchState& state, Board& board, std::int32_t alpha, std::
   if (inCheck) generator.GenerateNonCaptures();
   if (generator.count == 0) return best;
   const KingSight sight(board, inCheck);
+  if (inCheck) DropIllegal(sight, generator);
   const bool mayLeaveOut = !inCheck && !isPv;
   bool anyLegal = false;
   const std::int32_t needed = alpha - margin;
