@@ -1,6 +1,9 @@
 #include "search/quiescence.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <span>
+#include <utility>
 
 #include "board/attacks.h"
 #include "board/bb_move_generator.h"
@@ -54,24 +57,31 @@ Bitboard PiecesWorth(const Board& board, std::int32_t needed) {
   return set;
 }
 
-// Drops the captures whose victim is worth less than `needed`, which is more
-// than a pawn: the search would leave them out anyway. Whether one of them is
-// legal still counts; `anyLegal` is set then.
-void DropHopeless(Board& board, const KingSight& sight, std::int32_t needed,
-                  BBMoveGenerator2& generator, bool& anyLegal) {
+// Puts the captures whose victim is worth less than `needed`, which is more than
+// a pawn, behind the others: the search would leave them out anyway. How many
+// there are.
+int PutHopelessLast(const Board& board, std::int32_t needed, BBMoveGenerator2& generator) {
   const Bitboard wanted = PiecesWorth(board, needed);
   int nKept = 0;
   for (int i = 0; i < generator.count; ++i) {
-    const Move move = generator.moves[i];
-    if ((wanted & Bit(ToSquare(move))) != 0) {
-      generator.moves[nKept++] = move;
-    } else if (!anyLegal) {
-      const Foresight foresight = sight.Foresee(move);
-      anyLegal = foresight == Foresight::legal ||
-                 (foresight == Foresight::unknown && IsLegal(board, move));
+    if ((wanted & Bit(ToSquare(generator.moves[i]))) != 0) {
+      std::swap(generator.moves[nKept++], generator.moves[i]);
     }
   }
-  generator.count = nKept;
+  return generator.count - nKept;
+}
+
+// Whether one of the captures is legal, out of check. One by another piece than
+// the king that stands on no line with its king is.
+bool AnyLegalCapture(Board& board, const Move* captures, int count) {
+  const int kingSquare = KingSquare(board, board.sideToMove);
+  const Bitboard lines = RookLines(kingSquare) | BishopLines(kingSquare);
+  for (const Move move : std::span(captures, static_cast<std::size_t>(count))) {
+    const bool free = MovingKind(move) != king && (lines & Bit(FromSquare(move))) == 0 &&
+                      (board.occupied & Bit(ToSquare(move))) != 0;
+    if (free || IsLegal(board, move)) return true;
+  }
+  return false;
 }
 
 // Drops what is illegal for sure: in check most moves are.
@@ -116,15 +126,18 @@ std::int32_t Quiesce(SearchState& state, Board& board, std::int32_t alpha, std::
   generator.GenerateCaptures();
   if (inCheck) generator.GenerateNonCaptures();
   if (generator.count == 0) return best;
-  const KingSight sight(board, inCheck);
-  if (inCheck) DropIllegal(sight, generator);
   const bool mayLeaveOut = !inCheck && !isPv;
-  bool anyLegal = false;
   const std::int32_t needed = alpha - margin;
+  int nHopeless = 0;
   if (mayLeaveOut && needed > exchangeValue[pawn] && board.irregular == 0 &&
       !MayPromote(board, side)) {
-    DropHopeless(board, sight, needed, generator, anyLegal);
+    nHopeless = PutHopelessLast(board, needed, generator);
+    generator.count -= nHopeless;
+    if (generator.count == 0) return AnyLegalCapture(board, generator.moves, nHopeless) ? best : 0;
   }
+  const KingSight sight(board, inCheck);
+  if (inCheck) DropIllegal(sight, generator);
+  bool anyLegal = false;
   MoveKeys keys;
   ScoreMoves(board, generator, keys);
 
@@ -176,7 +189,7 @@ std::int32_t Quiesce(SearchState& state, Board& board, std::int32_t alpha, std::
   }
 
   // 4. Moves were there but none was legal: mate, or 0 when not in check.
-  if (anyLegal) return best;
+  if (anyLegal || AnyLegalCapture(board, generator.moves + generator.count, nHopeless)) return best;
   return inCheck ? qply - mateScore : 0;
 }
 
