@@ -53,9 +53,10 @@ constexpr int PromotionKind(Move move) {
 constexpr bool IsCapture(Move move) { return (move & captureFlag) != 0; }
 constexpr bool IsPromotion(Move move) { return (move & promotionFlag) != 0; }
 
-/// Two words name the same move for ordering purposes (promotion and capture
-/// bits are ignored).
-constexpr bool SameMove(Move a, Move b) { return ((a ^ b) & sameMoveMask) == 0; }
+/// What is the same in two words that name the same move for ordering purposes
+/// (promotion and capture bits are ignored).
+constexpr Move Identity(Move move) { return move & sameMoveMask; }
+constexpr bool SameMove(Move a, Move b) { return Identity(a) == Identity(b); }
 
 /// Builds a plain move word: no capture, no promotion.
 constexpr Move BuildMove(int from, int to, int side, int kind) {

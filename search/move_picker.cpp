@@ -103,17 +103,20 @@ void MovePicker::ScoreCaptures() {
 void MovePicker::ScoreQuiets() {
   GenerateQuietsOnce();
   const KillerEntry& killers = KillersAt(board_.plyCount);
+  const Move firstKiller = Identity(killers.first);
+  const Move secondKiller = Identity(killers.second);
   const int pvIndex = iterationDepth_ - depth_;
   const bool hasPvMove = pvIndex >= 0 && pvIndex < previousPv.length;
-  const Move pvMove = hasPvMove ? previousPv.moves[pvIndex] : noMove;
+  const Move pvMove = hasPvMove ? Identity(previousPv.moves[pvIndex]) : noMove;
   const auto& history = HistoryTable[board_.sideToMove];
   MoveKeys::Filler keys(quietKeys_);
   for (int i = captureCount_; i < generator_.count; ++i) {
     const Move move = generator_.moves[i];
     std::int32_t score = history[FromSquare(move)][ToSquare(move)];
-    if (SameMove(move, killers.first) || SameMove(move, killers.second)) {
+    const Move identity = Identity(move);
+    if (identity == firstKiller || identity == secondKiller) {
       score = killerScore;
-    } else if (hasPvMove && SameMove(move, pvMove)) {
+    } else if (identity == pvMove) {
       score = previousPvScore;
     }
     keys.Add(score);
