@@ -67,6 +67,14 @@ inline Bitboard RookAttacks(int square, std::uint64_t occupied, std::uint64_t ro
          FileAttacks[square][(rot90 >> FileShift[square]) & 255];
 }
 
+/// The occupancy of one file as FileAttacks is indexed by it, rank 1 in the
+/// lowest bit: for sets that no rotated view was kept of. The product puts bit
+/// 8r of the file to bit 56 + r.
+constexpr unsigned FileState(Bitboard occupied, int file) {
+  constexpr Bitboard fileA = 0x0101010101010101ULL;
+  return static_cast<unsigned>(((occupied >> file & fileA) * 0x0102040810204080ULL) >> 56);
+}
+
 /// Attacks along both diagonals of `square`.
 inline Bitboard BishopAttacks(int square, std::uint64_t diagA1H8, std::uint64_t diagA8H1) {
   return DiagA1H8Attacks[square][(diagA1H8 >> DiagA1H8Shift[square]) & DiagA1H8Mask[square]] |

@@ -138,24 +138,19 @@ Bitboard DiagonalXRay(const Board& board, int square, Bitboard plain, Bitboard t
   return BishopAttacks(square, diagA1H8, diagA8H1);
 }
 
-/// Views of rank and file without some pieces, for attacks that pass through
-/// these. Rooks and queens of a side share one.
+/// Rook-like attacks that pass through some pieces: the own rooks and queens,
+/// which share one.
 struct LineXRay {
-  LineXRay(const Board& board, Bitboard set)
-      : transparent(set), occupied(board.occupied & ~set), rot90(board.occupiedRot90) {
-    while (set != 0) {
-      rot90 &= ~RotatedBitsOf[static_cast<std::size_t>(PopHighest(set))].rot90;
-    }
-  }
+  LineXRay(const Board& board, Bitboard set) : transparent(set), occupied(board.occupied & ~set) {}
 
   Bitboard Attacks(int square, Bitboard plain) const {
     if ((plain & transparent) == 0) return plain;
-    return RookAttacks(square, occupied, rot90);
+    return RankAttacks[square][(occupied >> RankShift[square]) & 255] |
+           FileAttacks[square][FileState(occupied, FileOf(square))];
   }
 
   Bitboard transparent;
-  std::uint64_t occupied;
-  std::uint64_t rot90;
+  Bitboard occupied;
 };
 
 // ------------------------------------------------------------------ knights
