@@ -4,6 +4,7 @@
 #include "board/keys.h"
 #include "eval/eval_report.h"
 #include "eval/eval_tables.h"
+#include "eval/minor_terms.h"
 #include "eval/side_geometry.h"
 #include "eval/terms.h"
 #include "search/hash_table.h"
@@ -61,20 +62,25 @@ EvalStage StageOf(const EvalRecord& record) {
 }
 
 /// Runs one term for both sides, keeps the results for the report and returns
-/// own minus enemy.
+/// White's minus Black's.
 template <typename Term>
 ScorePair TermDifference(EvalRecord& record, EvalTerm row, Term term) {
-  const ScorePair own = term(record, record.side);
-  const ScorePair enemy = term(record, record.side ^ 1);
-  record.terms[0][row] = own;
-  record.terms[1][row] = enemy;
-  return own - enemy;
+  const ScorePair whites = term(record, white);
+  const ScorePair blacks = term(record, black);
+  record.terms[record.side][row] = whites;
+  record.terms[record.side ^ 1][row] = blacks;
+  return whites - blacks;
 }
 
 /// Key of the pawn structure, with the side to move: scores are kept in the
 /// view of one side.
 std::uint64_t PawnKey(const Board& board) {
   return board.pawnKey ^ (board.sideToMove == white ? SideKey() : 0);
+}
+
+/// A score of White's view in that of the side that asks.
+std::int32_t OwnView(const EvalRecord& record, std::int32_t score) {
+  return record.side == white ? score : -score;
 }
 
 /// Pawn structure through its cache. A hit adds the blended score of the
@@ -89,10 +95,11 @@ ScorePair PawnStructure(EvalRecord& record, float phase) {
     record.passed[black] = slot.evalData[1];
     record.isolated[white] = slot.evalData[2];
     record.isolated[black] = slot.evalData[3];
-    return {slot.evalScore, slot.evalScore};
+    const std::int32_t whites = OwnView(record, slot.evalScore);
+    return {whites, whites};
   }
   const ScorePair difference = TermDifference(record, pawnsTerm, EvaluatePawns);
-  if (StoreScore(PawnHashTable, index, key, Blend(difference, phase))) {
+  if (StoreScore(PawnHashTable, index, key, OwnView(record, Blend(difference, phase)))) {
     slot.evalData[0] = record.passed[white];
     slot.evalData[1] = record.passed[black];
     slot.evalData[2] = record.isolated[white];
@@ -118,14 +125,12 @@ ScorePair DevelopmentOf(const EvalRecord& record, int side, std::int32_t mgSoFar
 /// What can be told before the pawn cache has answered: sets, material, phase and
 /// stage, and the terms that read nothing else.
 struct Outset {
-  ScorePair sum;  // own minus enemy, so far
+  ScorePair sum;  // White's minus Black's, so far
   float phase;
 };
 
-Outset BeginEvaluation(EvalRecord& record, Board& board, int side) {
+MIRVO_COUNTS_BITS Outset BeginEvaluation(EvalRecord& record, Board& board, int side) {
   ResetRecord(record, board, side);
-  const int own = side;
-  const int enemy = side ^ 1;
   Outset outset{};
   outset.sum = TermDifference(record, materialTerm, EvaluateMaterial);
   outset.phase = static_cast<float>(record.nonPawnMaterial[white] + record.nonPawnMaterial[black]) *
@@ -133,8 +138,8 @@ Outset BeginEvaluation(EvalRecord& record, Board& board, int side) {
   record.stage = StageOf(record);
   record.attacks[white][pawn] = PawnAttackSet<white>(PiecesOf<white>(board)[pawn]);
   record.attacks[black][pawn] = PawnAttackSet<black>(PiecesOf<black>(board)[pawn]);
-  outset.sum.mg += EvaluateCentreBlockade(record, own) - EvaluateCentreBlockade(record, enemy);
-  outset.sum.eg += EvaluateWingPawns(record, own) - EvaluateWingPawns(record, enemy);
+  outset.sum.mg += EvaluateCentreBlockade(record, white) - EvaluateCentreBlockade(record, black);
+  outset.sum.eg += EvaluateWingPawns(record, white) - EvaluateWingPawns(record, black);
   const std::int32_t mgSoFar = outset.sum.mg;
   outset.sum += TermDifference(record, develTerm, [mgSoFar](const EvalRecord& r, int c) {
     return DevelopmentOf(r, c, mgSoFar);
@@ -144,17 +149,15 @@ Outset BeginEvaluation(EvalRecord& record, Board& board, int side) {
 
 /// The terms that need the pawn structure and those behind them.
 ScorePair SumTerms(EvalRecord& record, const Outset& outset) {
-  const int own = record.side;
-  const int enemy = own ^ 1;
   ScorePair sum = outset.sum;
   sum += PawnStructure(record, outset.phase);
-  sum += EvaluatePieces(record, own) - EvaluatePieces(record, enemy);
+  sum += EvaluatePieces(record, white) - EvaluatePieces(record, black);
   FormUnion(record, white);
   FormUnion(record, black);
   sum += TermDifference(record, kingsTerm, EvaluateKing);
-  sum.AddBoth(EvaluateThreats(record, own) - EvaluateThreats(record, enemy));
-  if (record.passed[own] != 0) sum += EvaluatePassedPawns(record, own);
-  if (record.passed[enemy] != 0) sum -= EvaluatePassedPawns(record, enemy);
+  sum.AddBoth(EvaluateThreats(record, white) - EvaluateThreats(record, black));
+  if (record.passed[white] != 0) sum += EvaluatePassedPawns(record, white);
+  if (record.passed[black] != 0) sum -= EvaluatePassedPawns(record, black);
   return sum;
 }
 
@@ -179,7 +182,7 @@ std::int32_t Evaluate(EvalRecord& record, Board& board, int side) {
   }
 
   const ScorePair sum = SumTerms(record, outset);
-  const std::int32_t score = Blend(sum, outset.phase);
+  const std::int32_t score = OwnView(record, Blend(sum, outset.phase));
   StoreScore(EvalHashTable, index, key, score);
   if (engineConfig.RunMode == RunModeCode::eval) PrintEvalReport(record, score, outset.phase);
   return score;

@@ -28,19 +28,6 @@ constexpr Bitboard filesFToH = 0xE0E0E0E0E0E0E0E0ULL;
 constexpr Bitboard centreFiles = 0x1818181818181818ULL;  // d and e
 constexpr Bitboard lowerHalf = 0x00000000FFFFFFFFULL;    // ranks 1-4
 
-/// A king on its back rank is guarded by the three files of its wing up to
-/// the third rank; e1 and e8 count as king side already. Elsewhere the zone
-/// is the neighbourhood of Manhattan radius 2.
-template <int side>
-Bitboard ZoneOf(const Board& board) {
-  constexpr Bitboard threeRanks =
-      RelativeRankSet<side>(0) | RelativeRankSet<side>(1) | RelativeRankSet<side>(2);
-  if (RelativeRank<side>(board.kingRank[side]) == 0) {
-    return threeRanks & (board.kingFile[side] < 4 ? filesAToC : filesFToH);
-  }
-  return ManhattanWithin[KingSquare(board, side)][kingZoneRadius];
-}
-
 /// One king with the sets that most of its amounts look at.
 template <int side>
 struct KingView {
@@ -174,10 +161,6 @@ ScorePair KingOf(const EvalRecord& record) {
 }
 
 }  // namespace
-
-Bitboard KingZone(const Board& board, int side) {
-  return side == white ? ZoneOf<white>(board) : ZoneOf<black>(board);
-}
 
 MIRVO_COUNTS_BITS ScorePair EvaluateKing(EvalRecord& record, int side) {
   return side == white ? KingOf<white>(record) : KingOf<black>(record);
