@@ -12,8 +12,7 @@ namespace mirvo {
 
 namespace {
 
-/// The centre block c3 to f6; its inner four squares count twice.
-constexpr Bitboard centreBlock = extendedCentreRing | centreSquares;
+/// The inner four squares of the centre count twice.
 static_assert(centreSquare == 2 * ringSquare);
 
 /// Weighted squares of a set of squares on ranks 3 and 4 (or 5 and 6), files c to
@@ -46,6 +45,7 @@ constexpr CentreSums centreSums = SumCentre();
 /// `ringSquare`; by two look-ups where the processor does not count bits.
 std::int32_t CentreCount(Bitboard set) {
 #ifdef __POPCNT__
+  constexpr Bitboard centreBlock = extendedCentreRing | centreSquares;  // c3 to f6
   return PopCount(set & centreBlock) + PopCount(set & centreSquares);
 #else
   const auto ranks = static_cast<std::uint32_t>(set >> SquareAt(2, 2)) & 0x0F0F0F0FU;

@@ -73,7 +73,7 @@ class MoveKeys {
 
   /// A block in one or two registers of the processor.
   using Lanes [[gnu::vector_size(block * sizeof(std::int32_t))]] = std::int32_t;
-  static Lanes Greater(const Lanes& a, const Lanes& b) { return a > b ? a : b; }
+  static void KeepGreater(Lanes& best, const Lanes& other) { best = best > other ? best : other; }
 
   static int PlaceOf(std::int32_t key) { return places - 1 - (key & (places - 1)); }
 
@@ -86,11 +86,11 @@ class MoveKeys {
       Lanes keys;
       std::memcpy(&keys, keys_ + first, sizeof(keys));
       keys = keys < limit ? keys : none;
-      best = Greater(best, keys);
+      KeepGreater(best, keys);
     }
-    best = Greater(best, __builtin_shufflevector(best, best, 4, 5, 6, 7, 0, 1, 2, 3));
-    best = Greater(best, __builtin_shufflevector(best, best, 2, 3, 0, 1, 6, 7, 4, 5));
-    best = Greater(best, __builtin_shufflevector(best, best, 1, 0, 3, 2, 5, 4, 7, 6));
+    KeepGreater(best, __builtin_shufflevector(best, best, 4, 5, 6, 7, 0, 1, 2, 3));
+    KeepGreater(best, __builtin_shufflevector(best, best, 2, 3, 0, 1, 6, 7, 4, 5));
+    KeepGreater(best, __builtin_shufflevector(best, best, 1, 0, 3, 2, 5, 4, 7, 6));
     return best[0];
   }
 

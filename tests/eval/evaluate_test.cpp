@@ -7,6 +7,7 @@
 
 #include "board/keys.h"
 #include "eval/eval_tables.h"
+#include "eval/minor_terms.h"
 #include "tests/eval/eval_fixture.h"
 
 namespace mirvo {
@@ -20,7 +21,7 @@ class Evaluation : public EvalTest {
 
   /// The score that the record's rows and the other amounts add up to.
   std::int32_t BlendOfTerms() {
-    ScorePair sum;
+    ScorePair sum{};
     for (int row = materialTerm; row <= develTerm; ++row) {
       sum += record.terms[0][row] - record.terms[1][row];
     }

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "eval/eval_tables.h"
+#include "eval/minor_terms.h"
 #include "tests/eval/eval_fixture.h"
 
 namespace mirvo {

@@ -1,4 +1,5 @@
 // Material, development and the amounts without a report row.
+#include "eval/minor_terms.h"
 #include "tests/eval/eval_fixture.h"
 
 namespace mirvo {

@@ -56,7 +56,7 @@ class Reports : public testing::Test {
   std::uint8_t quiet;
   Board board;
   SearchRecord record{};
-  PvLine pv;
+  PvLine pv{};
 };
 
 TEST_F(Reports, UciTakesTwoLines) {

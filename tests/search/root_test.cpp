@@ -69,7 +69,7 @@ class Root : public testing::Test {
   std::uint8_t quiet;
   Board board;
   SearchState state;
-  PvLine pv;
+  PvLine pv{};
 };
 
 // White: knights a1 and b1, king h1; eight moves, none forced.

@@ -149,7 +149,7 @@ TEST_F(MainSearch, TableCountersTellConflictsMissesAndHits) {
 }
 
 TEST_F(MainSearch, TheLineBeginsWithTheBestMoveAndIsPlayable) {
-  PvLine pv;
+  PvLine pv{};
   Run(middleGame, -open, open, 4, &pv);
   ASSERT_GE(pv.length, 1);
   const HashEntry& slot = HashSlot(TranspositionTable, board.positionKey);
@@ -165,9 +165,9 @@ TEST_F(MainSearch, TheLineBeginsWithTheBestMoveAndIsPlayable) {
 }
 
 TEST_F(MainSearch, APvIsBoundedAtItsCapacity) {
-  PvLine child;
+  PvLine child{};
   child.length = pvCapacity;
-  PvLine pv;
+  PvLine pv{};
   WritePv(pv, BuildMove(1, 2, 0, 3), child);
   EXPECT_EQ(pv.length, pvCapacity);
   EXPECT_EQ(pv.moves[0], BuildMove(1, 2, 0, 3));
@@ -220,7 +220,7 @@ TEST_F(MainSearch, AStopFromAPollUnwindsWithoutATrace) {
   searchHooks.pollInput = [] {
     if (++nPolls == 2) searchFlags.StopSearch = 1;
   };
-  PvLine pv;
+  PvLine pv{};
   Run(middleGame, -open, open, 30, &pv);
   EXPECT_EQ(nPolls, 2);
   EXPECT_LT(state.nodeCount, 3U * 8192U);
