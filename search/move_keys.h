@@ -67,11 +67,11 @@ class MoveKeys {
  private:
   static constexpr int placeBits = 8;
   static constexpr int places = 1 << placeBits;
-  static constexpr int block = 8;  // keys that the processor compares at a time
+  static constexpr int block = 4;  // keys that the processor compares at a time
   static constexpr std::int32_t taken = std::numeric_limits<std::int32_t>::min();
   static_assert(moveListCapacity <= places);
 
-  /// A block in one or two registers of the processor.
+  /// A block as one register of any x86-64 processor.
   using Lanes [[gnu::vector_size(block * sizeof(std::int32_t))]] = std::int32_t;
   static void KeepGreater(Lanes& best, const Lanes& other) { best = best > other ? best : other; }
 
@@ -88,9 +88,8 @@ class MoveKeys {
       keys = keys < limit ? keys : none;
       KeepGreater(best, keys);
     }
-    KeepGreater(best, __builtin_shufflevector(best, best, 4, 5, 6, 7, 0, 1, 2, 3));
-    KeepGreater(best, __builtin_shufflevector(best, best, 2, 3, 0, 1, 6, 7, 4, 5));
-    KeepGreater(best, __builtin_shufflevector(best, best, 1, 0, 3, 2, 5, 4, 7, 6));
+    KeepGreater(best, __builtin_shufflevector(best, best, 2, 3, 0, 1));
+    KeepGreater(best, __builtin_shufflevector(best, best, 1, 0, 3, 2));
     return best[0];
   }
 
