@@ -159,6 +159,34 @@ TEST_F(AttackTables, LookupsOnABoardEqualWalks) {
   }
 }
 
+TEST_F(AttackTables, TheStateOfAFileByHand) {
+  EXPECT_EQ(FileState(0, 0), 0U);
+  EXPECT_EQ(FileState(test::Squares("a1"), 0), 0x01U);
+  EXPECT_EQ(FileState(test::Squares("a1 a8 b4"), 0), 0x81U);
+  EXPECT_EQ(FileState(test::Squares("a1 a8 b4"), 1), 0x08U);
+  EXPECT_EQ(FileState(test::Squares("g5 h2 h3 h7"), 7), 0x46U);
+  for (int file = 0; file < 8; ++file) EXPECT_EQ(FileState(~Bitboard{0}, file), 0xFFU) << file;
+}
+
+TEST_F(AttackTables, TheStateOfAFileIsWhatTheRotatedViewHolds) {
+  test::Random random(21);
+  const auto board = std::make_unique<Board>();
+  for (int i = 0; i < 500; ++i) {
+    ClearBoard(*board);
+    Bitboard set = random.Next();
+    if (i % 3 == 1) set &= random.Next();
+    if (i % 3 == 2) set |= random.Next();
+    board->pieces[PieceIndex(white, pawn)] = set;
+    RebuildOccupancy(*board);
+    RebuildRotated(*board);
+    for (int square = 0; square < nSquares; ++square) {
+      const unsigned state = FileState(set, square % 8);
+      ASSERT_EQ(state, board->occupiedRot90 >> FileShift[square] & 255);
+      ASSERT_EQ(FileAttacks[square][state], WalkLine(square, north, set));
+    }
+  }
+}
+
 // All squares whose distance in files and ranks satisfies `matches`.
 template <typename Matches>
 Bitboard Around(int square, Matches matches) {

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
+#include "board/keys.h"
 #include "board/make_move.h"
 #include "eval/evaluate.h"
 #include "search/hash_table.h"
@@ -27,6 +30,15 @@ class Quiescence : public testing::Test {
     test::SetPosition(board, position);
     EvalRecord record;
     return Evaluate(record, board, board.sideToMove);
+  }
+
+  /// White's e5xd6 takes en passant.
+  void SetEnPassant(const std::string& position) {
+    test::SetPosition(board, position);
+    board.epFile = 3;
+    board.epRank = 5;
+    board.epColour = black;
+    board.positionKey = ComputeKey(board);
   }
 
   Board board;
@@ -153,6 +165,99 @@ TEST_F(Quiescence, CapturesThatAreLeftOutCountWhenTheyAreLegal) {
   // A losing capture is not searched either, but it is a legal one.
   const std::int32_t eval = StaticScore("4k3/8/2p5/3p4/8/8/8/3RK3 w -");
   EXPECT_EQ(Run("4k3/8/2p5/3p4/8/8/8/3RK3 w -", eval, eval + 1), eval);
+}
+
+// Every capture is left out so far above the static score: the answer tells
+// whether one of them is legal.
+TEST_F(Quiescence, OfCapturesLeftOutOneLegalOneKeepsTheStaticScore) {
+  struct Case {
+    const char* position;
+    bool legal;
+  };
+  for (const Case& c : {
+           Case{"7k/8/8/8/8/8/4p3/4K3 w -", true},  // the king takes a pawn
+           {"4r2k/8/8/8/8/8/4p3/4K3 w -", false},   // which a rook defends
+           {"4k3/4P3/8/8/8/8/8/4R2K b -", false},
+           {"7k/8/8/b7/8/1p6/3N4/4K3 w -", false},    // pinned on a diagonal
+           {"7k/8/8/b7/1N6/3p4/8/4K3 w -", false},    // and farther from the king
+           {"7k/p7/8/8/n7/8/1N6/4K3 w -", true},      // on no line with it
+           {"7k/8/8/8/1p6/3N4/8/3K4 w -", true},      // on a line that nobody uses
+           {"4r2k/8/8/8/8/8/4R3/4K3 w -", true},      // takes what pins it
+           {"r3r2k/8/8/n7/8/1N6/4Q3/4K3 w -", true},  // two takers, neither held back
+           {"4r2k/8/8/8/2p5/8/4N2p/4K3 w -", true},   // nothing to take
+       }) {
+    const std::int32_t eval = StaticScore(c.position);
+    ASSERT_NE(eval, 0) << c.position;
+    EXPECT_EQ(Run(c.position, 4000, 4001), c.legal ? eval : 0) << c.position;
+    EXPECT_EQ(state.nodeCount, 0U) << c.position;
+  }
+}
+
+TEST_F(Quiescence, EnPassantAloneCountsWhenItIsLegal) {
+  struct Case {
+    const char* position;
+    bool legal;
+  };
+  // Each time e5xd6 is the only capture.
+  for (const Case& c : {
+           Case{"7k/8/8/3pP3/8/8/8/4K3 w -", true},
+           {"7k/8/8/K2pP2r/8/8/8/8 w -", false},   // both pawns leave the rank
+           {"b6k/8/8/3pP3/8/8/8/7K w -", false},   // the pawn taken screened the king
+           {"3r3k/8/8/3pP3/8/8/8/3K4 w -", true},  // the taker screens it now
+           {"8/6bk/8/3pP3/8/8/1K6/8 w -", false},  // a pinned pawn
+       }) {
+    SetEnPassant(c.position);
+    EvalRecord record;
+    const std::int32_t eval = Evaluate(record, board, white);
+    ASSERT_NE(eval, 0) << c.position;
+    state = SearchState{};
+    EXPECT_EQ(Quiesce(state, board, 4000, 4001, 0), c.legal ? eval : 0) << c.position;
+    EXPECT_EQ(state.nodeCount, 0U) << c.position;
+  }
+}
+
+TEST_F(Quiescence, EnPassantIsTakenForAPawn) {
+  for (const std::int32_t beyond : {200, 201}) {
+    SetEnPassant("7k/8/8/3pP3/8/8/8/4K3 w -");
+    EvalRecord record;
+    const std::int32_t alpha = Evaluate(record, board, white) + beyond;
+    state = SearchState{};
+    Quiesce(state, board, alpha, alpha + 1, 0);
+    EXPECT_EQ(state.nodeCount, beyond == 200 ? 1U : 0U);
+  }
+}
+
+TEST_F(Quiescence, ACaptureLeftOutCountsWhereTheOthersAreIllegal) {
+  // The knight on e2 is pinned: it may not take the queen, nor the pawn. Whether
+  // the other knight may take the pawn makes the difference.
+  for (const auto& [position, legal] : {std::pair{"4r1k1/8/8/8/3q1p2/8/4N3/4K3 w -", false},
+                                        {"4r1k1/8/8/8/3q1p2/7N/4N3/4K3 w -", true}}) {
+    const std::int32_t eval = StaticScore(position);
+    const std::int32_t alpha = eval + 600;  // out of reach of a pawn, not of a queen
+    EXPECT_EQ(Run(position, alpha, alpha + 1), legal ? eval : 0) << position;
+    EXPECT_EQ(state.nodeCount, 0U) << position;
+  }
+}
+
+TEST_F(Quiescence, WherePiecesShareASquareALeftOutCaptureIsMadeToBeKnown) {
+  // A white knight and a black pawn on e4. When the other knight takes the pawn,
+  // the two knights cancel out and nothing screens the king any more.
+  const char* const position = "7k/4r3/5N2/8/4N2-p/8/8/4K3 w -";
+  ASSERT_NE(StaticScore(position), 0);
+  ASSERT_EQ(board.irregular, 1);
+  EXPECT_EQ(Run(position, 4000, 4001), 0);
+}
+
+TEST_F(Quiescence, InCheckALosingCaptureComesAtItsLoss) {
+  // The queen may take the knight that gives check, but a pawn defends it. The
+  // king's step to d1 comes first and refutes.
+  HistoryTable[white][4][3] = 7;  // e1d1
+  const char* const check = "6k1/8/8/8/6p1/5n2/8/4KQ2 w -";
+  Run(check, -5001, -5000);
+  EXPECT_EQ(state.nodeCount, 1U);
+  test::SetPosition(board, check);
+  MakeMove(board, BuildMove(4, 3, white, king));
+  EXPECT_EQ(HashSlot(EvalHashTable, board.positionKey).key, board.positionKey);
 }
 
 TEST_F(Quiescence, InCheckNoCaptureIsLeftOut) {
