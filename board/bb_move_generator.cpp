@@ -51,17 +51,10 @@ void BBMoveGenerator2::FinishPass() {
 }
 
 inline void BBMoveGenerator2::AddTargets(int from, Bitboard targets, Move common) {
-  // The word of a move to h8, from which it is as many squares down as the
-  // target has zeros above it.
-  constexpr Bitboard h8 = Bitboard{1} << 63;
-  const Move origin = common | static_cast<Move>(from) | (63U << moveToShift);
-  Move* end = next;
+  const Move origin = common | static_cast<Move>(from);
   while (targets != 0) {
-    const int down = __builtin_clzll(targets);
-    *end++ = origin - (static_cast<Move>(down) << moveToShift);
-    targets ^= h8 >> down;
+    *next++ = origin | (static_cast<Move>(PopHighest(targets)) << moveToShift);
   }
-  next = end;
 }
 
 // Knights, bishops, rooks, queens and the king, in that order, each kind from
