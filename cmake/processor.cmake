@@ -10,11 +10,13 @@ endif()
 # A program at a fixed address reads its tables, the attack sets above all, by
 # their addresses; one that may be loaded anywhere needs a register for each
 # table first, and a sixteenth more instructions in a search. Distributions that
-# want every program movable say ON.
+# want every program movable say ON, and get one from any compiler.
 option(MIRVO_PIE "Make the optimised program loadable at any address" OFF)
-if(NOT MIRVO_PIE AND CMAKE_SYSTEM_NAME STREQUAL "Linux")
-  target_compile_options(mirvo_flags INTERFACE $<$<CONFIG:Release>:-fno-pie>)
-  target_link_options(mirvo_flags INTERFACE $<$<CONFIG:Release>:-no-pie>)
+if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
+  target_compile_options(mirvo_flags INTERFACE
+    $<$<CONFIG:Release>:$<IF:$<BOOL:${MIRVO_PIE}>,-fPIE,-fno-pie>>)
+  target_link_options(mirvo_flags INTERFACE
+    $<$<CONFIG:Release>:$<IF:$<BOOL:${MIRVO_PIE}>,-pie,-no-pie>>)
 endif()
 
 # Two builds in one folder: the first program counts its branches as it runs and

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
 #include <sstream>
 #include <utility>
 
@@ -139,6 +140,36 @@ TEST(CaptureVictim, IsTheFirstKindThatStandsThere) {
   board.pieces[PieceIndex(black, bishop)] |= Bit(ToSquare(move));
   DetectIrregular(board);
   EXPECT_EQ(CaptureVictim(board, move), bishop);
+}
+
+TEST(CaptureVictim, IsWhatStandsOnTheTargetOfEveryBoard) {
+  test::PrepareEngine();
+  std::mt19937_64 random(11);
+  Board board;
+  int nCaptures[2] = {};
+  for (int round = 0; round < 1000; ++round) {
+    ClearBoard(board);
+    for (int square = 0; square < nSquares; ++square) {
+      // Every other board has squares with two pieces, of either side.
+      if (random() % 2 == 0) board.pieces[random() % nPieces] |= Bit(square);
+      if (round % 2 == 1 && random() % 4 == 0) board.pieces[random() % nPieces] |= Bit(square);
+    }
+    board.sideToMove = static_cast<std::uint8_t>(random() % 2);
+    RebuildOccupancy(board);
+    RebuildRotated(board);
+    LocateKings(board);
+    DetectIrregular(board);
+    ASSERT_EQ(board.irregular, round % 2);
+    BBMoveGenerator2 generator(board, board.sideToMove);
+    generator.GenerateCaptures();
+    for (int i = 0; i < generator.count; ++i) {
+      const Move move = generator.moves[i];
+      ASSERT_EQ(CaptureVictim(board, move), PieceOn(board, ToSquare(move), board.sideToMove ^ 1));
+      ++nCaptures[round % 2];
+    }
+  }
+  EXPECT_GT(nCaptures[0], 1000);
+  EXPECT_GT(nCaptures[1], 1000);
 }
 
 TEST(CaptureScore, IsByVictimThenAttacker) {
