@@ -23,8 +23,6 @@ namespace {
 
 constexpr Bitboard queenSideFiles = 0x0F0F0F0F0F0F0F0FULL;  // a-d
 constexpr Bitboard kingSideFiles = ~queenSideFiles;
-constexpr Bitboard filesAToC = 0x0707070707070707ULL;
-constexpr Bitboard filesFToH = 0xE0E0E0E0E0E0E0E0ULL;
 constexpr Bitboard centreFiles = 0x1818181818181818ULL;  // d and e
 constexpr Bitboard lowerHalf = 0x00000000FFFFFFFFULL;    // ranks 1-4
 

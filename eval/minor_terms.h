@@ -102,8 +102,6 @@ inline std::int32_t EvaluateWingPawns(const EvalRecord& record, int side) {
 /// count as king side already. Elsewhere the zone is the neighbourhood of
 /// Manhattan radius 2.
 inline Bitboard KingZone(const Board& board, int side) {
-  constexpr Bitboard filesAToC = 0x0707070707070707ULL;
-  constexpr Bitboard filesFToH = 0xE0E0E0E0E0E0E0E0ULL;
   const int backRank = side == white ? 0 : 7;
   const Bitboard threeRanks = side == white ? 0x0000000000FFFFFFULL : 0xFFFFFF0000000000ULL;
   if (board.kingRank[side] != backRank) {

@@ -13,6 +13,10 @@ inline constexpr Bitboard fileHSquares = fileASquares << 7;
 inline constexpr Bitboard lightSquares = 0x55AA55AA55AA55AAULL;  // a1 is dark
 inline constexpr Bitboard darkSquares = ~lightSquares;
 
+/// The three outer files of a wing, which shelter a king that stands there.
+inline constexpr Bitboard filesAToC = 0x0707070707070707ULL;
+inline constexpr Bitboard filesFToH = 0xE0E0E0E0E0E0E0E0ULL;
+
 /// d4, e4, d5, e5 and the ring c3-f3-f6-c6 around them.
 inline constexpr Bitboard centreSquares = 0x0000001818000000ULL;
 inline constexpr Bitboard extendedCentreRing = 0x00003C24243C0000ULL;
