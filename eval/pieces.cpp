@@ -79,8 +79,8 @@ struct PieceView {
   const std::int32_t* const enemyKingDistance;  // by square
 };
 
-/// What the pieces of one kind add up to. Whatever many pieces share is summed
-/// as a count and multiplied once, in Finish.
+/// What the pieces of one kind add up to. What is weighted alike for all of them
+/// is mostly summed as a count and multiplied once, in Finish.
 template <int side, int kind>
 struct KindSums {
   /// Takes in what all kinds share, for one piece that controls `mobility`

@@ -18,7 +18,7 @@ class MoveKeys {
   static constexpr std::int32_t maxScore = 1 << 22;
 
   /// Fills a list: made for it, given the scores in the order of the moves, and
-  /// closed. What the list knows of itself stays in registers so long.
+  /// closed. Until then the count and the greatest key stay in registers.
   class Filler {
    public:
     explicit Filler(MoveKeys& list) : list_(list) {}
@@ -44,8 +44,8 @@ class MoveKeys {
     std::int32_t best_ = taken;
   };
 
-  /// Takes the best move with a score of at least `floor`: its place in
-  /// the list and its score, or -1 when there is none.
+  /// Takes the best move that is left with a score of at least `floor`: its place
+  /// in the list and its score, or -1 when there is none.
   int TakeBest(std::int32_t floor, std::int32_t& score) {
     if (best_ < floor * places) return -1;
     const int place = PlaceOf(best_);
