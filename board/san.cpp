@@ -44,6 +44,19 @@ struct SanReader {
   void SetFromRank(char c) { move = (move & ~fromRankMask) | (static_cast<Move>(c - '1') << 3); }
 };
 
+/// How a capture en passant is noted, the longest text first.
+constexpr std::string_view enPassantNotes[] = {"e.p.", "e.p", "ep"};
+
+/// The word without characters of `marks` at its end.
+std::string_view WithoutFinal(std::string_view word, const char* marks) {
+  return word.substr(0, word.find_last_not_of(marks) + 1);
+}
+
+/// Whether a note may follow: a whole move ends with its rank or a check sign.
+bool EndsLikeAMove(std::string_view text) {
+  return IsRankDigit(text.back()) || text.back() == '+' || text.back() == '#';
+}
+
 void Replace(Move& move, Move mask, Move bits) { move = (move & ~mask) | bits; }
 
 // "O-O" is three characters; anything longer reads as long castling, also
@@ -147,6 +160,18 @@ void MoveToSan(Move move, char* text) {
   }
   if ((move & checkMark) != 0) *text++ = '+';
   *text = '\0';
+}
+
+std::string_view MoveTextOf(std::string_view word) {
+  word = WithoutFinal(word, "!?");
+  const std::string_view unchecked = WithoutFinal(word, "!?+#");
+  for (const std::string_view note : enPassantNotes) {
+    if (!unchecked.ends_with(note)) continue;
+    const std::string_view text =
+        WithoutFinal(unchecked.substr(0, unchecked.size() - note.size()), "!?");
+    return text.empty() || EndsLikeAMove(text) ? text : word;
+  }
+  return word;
 }
 
 Move SanToPartialMove(const char* text, int side) {

@@ -2,6 +2,8 @@
 // reader that fills only what a text states.
 #pragma once
 
+#include <string_view>
+
 #include "board/move.h"
 
 namespace mirvo {
@@ -15,5 +17,11 @@ void MoveToSan(Move move, char* text);
 /// check mark for "+". An empty text gives noMove. The caller matches the
 /// result against generated moves.
 Move SanToPartialMove(const char* text, int side);
+
+/// The part of a word of games or suites that names its move: without "!" and
+/// "?" at the end, and without the note of a capture en passant, "e.p.", "e.p"
+/// or "ep", also one with a check sign behind it. A word that is nothing else
+/// gives an empty text.
+std::string_view MoveTextOf(std::string_view word);
 
 }  // namespace mirvo

@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 
+#include "board/coding.h"
 #include "board/fen.h"
 #include "board/keys.h"
 #include "board/san.h"
@@ -48,8 +49,11 @@ struct FenWord {
   char text[fenWordCapacity];
 };
 
+/// A word of marks alone gives a move of no kind, which agrees with no answer.
 Move ParseMove(std::string_view word, int side) {
-  return SanToPartialMove(std::string(word).c_str(), side);
+  const std::string_view text = MoveTextOf(word);
+  if (text.empty()) return Move{unknownKind} << moveKindShift;
+  return SanToPartialMove(std::string(text).c_str(), side);
 }
 
 void AddBestMoves(std::string_view moves, SuitePosition& position) {

@@ -191,6 +191,52 @@ TEST(SanToPartialMove, NothingAndNonsenseGiveNoMoveOrAHarmlessOne) {
   }
 }
 
+TEST(MoveTextOf, LeavesAnnotationMarksAndTheNoteOfEnPassantOut) {
+  const struct {
+    const char* word;
+    const char* text;
+  } cases[] = {
+      {"Rh8!", "Rh8"},
+      {"Rh8!?", "Rh8"},
+      {"Rh8?!??", "Rh8"},
+      {"Rh8+!!", "Rh8+"},
+      {"Rh8#!", "Rh8#"},
+      {"e8=Q+!", "e8=Q+"},
+      {"O-O!", "O-O"},
+      {"O-O-O?", "O-O-O"},
+      {"exd6e.p.", "exd6"},
+      {"exd6e.p", "exd6"},
+      {"exd6ep", "exd6"},
+      {"exd6e.p.+", "exd6"},
+      {"exd6e.p.#!", "exd6"},
+      {"exd6e.p.!", "exd6"},
+      {"exd6!e.p.", "exd6"},
+      {"exd6+e.p.", "exd6+"},
+      {"exd6#ep?", "exd6#"},
+      {"e.p.", ""},
+      {"e.p", ""},
+      {"ep", ""},
+      {"e.p.+", ""},
+      {"e.p.#", ""},
+      {"e.p.!?", ""},
+      {"ep!", ""},
+      {"!?", ""},
+      {"", ""},
+      // Nothing else is touched: marks inside, check signs, other words.
+      {"R!h8", "R!h8"},
+      {"!Rh8", "!Rh8"},
+      {"Rh8", "Rh8"},
+      {"exd6+", "exd6+"},
+      {"e8=Q", "e8=Q"},
+      {"step", "step"},
+      {"e.p.x", "e.p.x"},
+      {"e.", "e."},
+      {"Rep", "Rep"},
+      {"=ep!", "=ep"},
+  };
+  for (const auto& [word, text] : cases) EXPECT_EQ(MoveTextOf(word), text) << word;
+}
+
 // What the writer says of a generated move, the reader understands.
 TEST(SanRoundTrip, TheReaderFindsKindAndTargetOfWrittenMoves) {
   test::PlayRandomGames(80, 12, 100, [](Board& board) {

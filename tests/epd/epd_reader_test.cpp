@@ -4,9 +4,11 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <memory>
 #include <random>
 #include <string>
+#include <vector>
 
 #include "board/fen.h"
 #include "board/keys.h"
@@ -269,6 +271,7 @@ INSTANTIATE_TEST_SUITE_P(
         OperationCase{"SecondOperation", "bm Ra8; bm Ra7; am Ra6 Ra5 Ra4;", "Ra8|Ra7|"},
         OperationCase{"FifteenCharacters", "bm 123456789012345;", "123456789012345|"},
         OperationCase{"SixteenAreCut", "bm 1234567890123456;", "123456789012345|"},
+        OperationCase{"MarksStayInTheText", "bm Ra8! Ra7!?,Ra6?;", "Ra8!|Ra7!?|Ra6?|"},
         OperationCase{"FormatSigns", "bm %s%n%d;", "%s%n%d|"}),
     [](const auto& test) { return test.param.name; });
 
@@ -282,6 +285,41 @@ TEST(ParseSuite, BestMovesAreReadAsAlgebraicMovesOfTheSideToMove) {
   EXPECT_EQ(MovingKind(suite[0].bestMoves[2].move), rook);
   EXPECT_EQ(ToSquare(suite[0].bestMoves[3].move), 60);
   EXPECT_EQ(MovingKind(suite[0].bestMoves[3].move), pawn);
+}
+
+TEST(ParseSuite, AnnotationMarksAreNoPartOfAMove) {
+  const Suite suite = ParseSuite(
+      "r3k2r/P7/8/3pP3/8/8/8/R3K2R w KQkq d6 bm Rh8! Rxh8+!? Nf3!, e8=Q+! O-O! exd6e.p.;"
+      "bm Ra7?! Rb1!;");
+  const struct {
+    const char* text;
+    int kind;
+    int to;
+  } expected[] = {{"Rh8!", rook, 63},   {"Rxh8+!?", rook, 63}, {"Nf3!", knight, 21},
+                  {"e8=Q+!", pawn, 60}, {"O-O!", king, 6},     {"exd6e.p.", pawn, 43},
+                  {"Ra7?!", rook, 48},  {"Rb1!", rook, 1}};
+  const std::vector<BestMove>& moves = suite.at(0).bestMoves;
+  ASSERT_EQ(moves.size(), std::size(expected));
+  for (std::size_t i = 0; i < moves.size(); ++i) {
+    EXPECT_STREQ(moves[i].text, expected[i].text);
+    EXPECT_EQ(MovingKind(moves[i].move), expected[i].kind) << expected[i].text;
+    EXPECT_EQ(ToSquare(moves[i].move), expected[i].to) << expected[i].text;
+  }
+}
+
+TEST(ParseSuite, MovesToAvoidLoseTheirMarksToo) {
+  const Suite suite = ParseSuite(Line("am Rh1??;"));
+  ASSERT_EQ(suite.at(0).bestMoves.size(), 1U);
+  EXPECT_EQ(ToSquare(suite[0].bestMoves[0].move), 7);
+}
+
+TEST(ParseSuite, AWordOfMarksAloneNamesNoMove) {
+  const Suite suite = ParseSuite(Line("bm Ra8 ! e.p.; c0 \"!=5, =7\";"));
+  EXPECT_EQ(BestTexts(suite.at(0)), "Ra8|!|e.p.|");
+  for (const std::size_t i : {1U, 2U}) {
+    EXPECT_GT(MovingKind(suite[0].bestMoves.at(i).move), king) << i;
+  }
+  for (const PointEntry& entry : suite[0].pointEntries) EXPECT_GT(MovingKind(entry.move), king);
 }
 
 TEST(ParseSuite, AnyNumberOfMovesIsKept) {
@@ -318,6 +356,9 @@ INSTANTIATE_TEST_SUITE_P(
                     PointsCase{"BlanksAroundTheComma", "c0 \" Ra8=10 , Kg1=3 \" ;",
                                "56:3=10|6:5=3|"},
                     PointsCase{"LastEqualsSignCuts", "c0 \"e8=Q=4\";", "60:0=4|"},
+                    PointsCase{"Marked", "c0 \"Rh8!=10, Ra7!?=3, Nf3+!=2, O-O?=1\";",
+                               "63:3=10|48:3=3|21:1=2|6:5=1|"},
+                    PointsCase{"MarkedPromotion", "c0 \"e8=Q+!=4, e8=N!!=2\";", "60:0=4|60:0=2|"},
                     PointsCase{"Negative", "c0 \"Ra8=-2\";", "56:3=-2|"},
                     PointsCase{"NoNumber", "c0 \"Ra8=x\";", "56:3=0|"},
                     PointsCase{"NumberCutAtItsEnd", "c0 \"Ra8=7x\";", "56:3=7|"},

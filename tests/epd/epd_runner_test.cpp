@@ -139,6 +139,16 @@ TEST_F(RunSuiteTest, AMissingFileGivesItsMessageOnly) {
   EXPECT_EQ(RunFile(path), "File \"" + path + "\" not found.\n");
 }
 
+TEST_F(RunSuiteTest, AnnotatedBestMovesAndPointsCountAndPrintAsTheFileHasThem) {
+  const std::vector<std::string> results =
+      ResultLines(Run(std::string(mateInOne) + "bm Ra8!; c0 \"Ra8!=7\";\n" + smothered +
+                      "bm Nf7#!?, Kb2?; c0 \"Nf7!!=4, Kb2?=1\";\n"));
+  ASSERT_EQ(results.size(), 2U);
+  EXPECT_EQ(results[0], "Pos 1 Ra8 - Correct(Ra8!) - Analyzed 1/2 - Correct 1/1 (100.00% - 7)");
+  EXPECT_EQ(results[1],
+            "Pos 2 Nf7 - Correct(Nf7#!?, Kb2?) - Analyzed 2/2 - Correct 2/2 (100.00% - 11)");
+}
+
 TEST_F(RunSuiteTest, QuietRunsPrintOneLineForEachPosition) {
   const std::string path = Write(std::string(mateInOne) + "bm Ra8#; c0 \"Ra8=10\";\n" + smothered +
                                  "bm Kb2; id \"wrong on purpose\";\n");
