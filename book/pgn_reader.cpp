@@ -2,6 +2,8 @@
 
 #include <cstdio>
 #include <cstring>
+#include <string>
+#include <string_view>
 
 #include "board/bb_move_generator.h"
 #include "board/fen.h"
@@ -9,7 +11,6 @@
 #include "board/san.h"
 #include "book/pgn_scanner.h"
 #include "shell/output.h"
-#include "shell/text.h"
 
 namespace mirvo {
 namespace {
@@ -31,11 +32,14 @@ class GameTracker {
     return newGame;
   }
 
-  /// Takes a word and returns the move in it, or null.
-  const char* TakeWord(const PgnScanner& scanner) {
+  /// Takes a word and returns the text of the move in it; empty without one.
+  std::string_view TakeWord(const PgnScanner& scanner) {
     inTags = false;
-    const char* move = MoveInWord(scanner.Word());
-    if (move != nullptr) hasMoves = true;
+    const char* word = MoveInWord(scanner.Word());
+    if (word == nullptr) return {};
+    // A "$" begins an annotation number that was written without a blank.
+    const std::string_view move = MoveTextOf({word, std::strcspn(word, "$")});
+    if (!move.empty()) hasMoves = true;
     return move;
   }
 
@@ -58,17 +62,9 @@ struct GamePlayer {
     game.plyCount = 0;
   }
 
-  void Append(const char* word, const GameTracker& tracker) {
-    char text[pgnWordCapacity];
-    CopyText(text, sizeof(text), word);
-    // A "$" begins an annotation number that was written without a blank.
-    text[std::strcspn(text, "$")] = '\0';
-    for (std::size_t n = std::strlen(text); n > 0 && std::strchr("!?", text[n - 1]) != nullptr;
-         --n) {
-      text[n - 1] = '\0';
-    }
+  void Append(std::string_view text, const GameTracker& tracker) {
     Move move = noMove;
-    const Move matched = MatchSan(board, text, move);
+    const Move matched = MatchSan(board, std::string(text).c_str(), move);
     if (matched != noMove) {
       MakeMove(board, matched);
       move = matched;
@@ -126,8 +122,8 @@ bool ReadPgnGames(const char* path, int plyLimit, GameReceiver receive, void* co
   PgnToken token = scanner.Next();
   for (; token != PgnToken::end; token = scanner.Next()) {
     if (token == PgnToken::word) {
-      const char* move = tracker.TakeWord(scanner);
-      if (move != nullptr && player.game.plyCount < plyLimit) player.Append(move, tracker);
+      const std::string_view move = tracker.TakeWord(scanner);
+      if (!move.empty() && player.game.plyCount < plyLimit) player.Append(move, tracker);
     } else if (tracker.TakeTag(scanner)) {
       ++gameCount;
       receive(context, player.game);

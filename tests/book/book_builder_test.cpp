@@ -81,6 +81,16 @@ TEST_F(BookBuilderTest, KeysEnPassantAndCastlingAsPublished) {
   EXPECT_EQ(Entry(0x00FDD303C946BDD9ULL), "e2f3 1/0");
 }
 
+TEST_F(BookBuilderTest, PositionsBehindANotedEnPassantStandUnderTheirKeys) {
+  // The published key after 4. Ra3, as above.
+  for (const char* capture : {"bxc3", "bxc3 e.p.", "bxc3e.p.", "bxc3 ep", "bxc3ep", "bxc3 e.p.+"}) {
+    book.count = 0;
+    Create(std::string("[Result \"1-0\"]\n1. a4 b5 2. h4 b4 3. c4 ") + capture + " 4. Ra3 d6\n");
+    EXPECT_EQ(Entry(0x5C3F9B829B279560ULL), "d7d6 1/0") << capture;
+    EXPECT_EQ(book.count, 8) << capture;
+  }
+}
+
 TEST_F(BookBuilderTest, APendingEnPassantDoesNotReachTheNextGame) {
   Create("[Result \"1-0\"]\n1. e4 d5 2. e5 f5\n[Result \"1-0\"]\n1. e4 d5\n");
   EXPECT_EQ(Entry(startKey), "e2e4 2/4");

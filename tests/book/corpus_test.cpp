@@ -111,6 +111,8 @@ TEST_F(CorpusTest, RandomTextFromPiecesOfGamesIsSurvived) {
                                        "Kxe8#",
                                        "Qh4e1",
                                        "e.p.",
+                                       "exd6e.p.",
+                                       "ep",
                                        "1-0",
                                        "1/2-1/2",
                                        "*",

@@ -202,6 +202,29 @@ TEST_F(ReadPgnGamesTest, ReadsEnPassant) {
   EXPECT_EQ(Moves("e4 a6 e5 d5 exd6 cxd6"), "e2e4 a7a6 e4e5 d7d5 e5d6 c7d6");
 }
 
+TEST_F(ReadPgnGamesTest, TheNoteOfEnPassantIsNoMoveAndSpoilsNone) {
+  for (const char* capture : {"exd6 e.p.", "exd6e.p.", "exd6 e.p", "exd6e.p", "exd6 ep", "exd6ep",
+                              "exd6 e.p.!", "exd6!e.p.", "exd6e.p.$1", "exd6 e.p.$1", "exd6 e.p.+",
+                              "exd6e.p.+", "exd6+ e.p.", "exd6+e.p.", "exd6 e.p.#",
+                              "3. exd6 {takes} e.p. $10", "exd6e.p.(3. d4)", "3.exd6\re.p.\n"}) {
+    EXPECT_EQ(
+        Moves(std::string("[Result \"1-0\"]\n1. e4 a6 2. e5 d5 3. ") + capture + " cxd6 4. d4 Nf6"),
+        "e2e4 a7a6 e4e5 d7d5 e5d6 c7d6 d2d4 g8f6")
+        << capture;
+    EXPECT_EQ(games.at(0).weights, (std::vector<std::int32_t>{2, 0, 2, 0, 2, 0, 2, 0})) << capture;
+  }
+}
+
+TEST_F(ReadPgnGamesTest, TheNoteOfEnPassantDoesNotMakeAGame) {
+  EXPECT_EQ(Read("[Result \"1-0\"]\ne.p.\n[Event \"x\"]\ne4 ep e5").size(), 1U);
+  EXPECT_EQ(games[0].moves.size(), 2U);
+}
+
+TEST_F(ReadPgnGamesTest, TheNoteOfEnPassantDoesNotCountForThePlyLimit) {
+  EXPECT_EQ(Read("e4 a6 e5 d5 exd6 e.p. cxd6 d4", 6).at(0).moves.size(), 6U);
+  EXPECT_EQ(games[0].moves[5], Word("c7d6", black, pawn) | captureFlag);
+}
+
 TEST_F(ReadPgnGamesTest, EnPassantIsForgottenBetweenGames) {
   // The first game ends with a capture en passant pending on d6.
   EXPECT_EQ(Moves("[a]\ne4 a6 e5 d5\n[b]\nd4 d5 c4 dxc4"),
