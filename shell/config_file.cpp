@@ -1,7 +1,9 @@
 #include "shell/config_file.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <string_view>
 
 #include "shell/output.h"
 #include "shell/text.h"
@@ -10,9 +12,14 @@ namespace mirvo {
 
 namespace {
 
-/// Room for one token. The rest of a longer one is skipped: no key and no
-/// number that fits 32 bits is anywhere near that long.
-constexpr int tokenCapacity = 1024;
+/// Room for one token. The rest of a longer one is skipped, once the leading
+/// zeros of its value are out of the way: no key is that long, and a number
+/// that loses digits there is far beyond 32 bits.
+constexpr std::size_t tokenCapacity = 1024;
+
+/// Leading zeros that a long value keeps: enough to fill the name of a book,
+/// the one value that is text.
+constexpr std::size_t keptZeros = sizeof EngineConfig::BookName;
 
 struct NumberKey {
   const char* name;
@@ -78,6 +85,20 @@ void SkipByteOrderMark(std::FILE* file, char* token, std::size_t& length) {
   length = 0;
 }
 
+/// Makes room in a full token by dropping leading zeros of its value, all but a
+/// few. Returns the new length.
+std::size_t DropLeadingZeros(char* token, std::size_t length) {
+  const std::string_view text(token, length);
+  std::size_t begin = text.find('=');
+  if (begin == std::string_view::npos) return length;
+  ++begin;
+  if (begin < length && (text[begin] == '-' || text[begin] == '+')) ++begin;
+  const std::size_t end = std::min(text.find_first_not_of('0', begin), length);
+  if (end <= begin + keptZeros) return length;
+  std::memmove(token + begin + keptZeros, token + end, length - end);
+  return length - (end - begin - keptZeros);
+}
+
 /// Reads the next token behind the `length` characters that `token` holds
 /// already. False at the end of the file.
 bool ReadToken(std::FILE* file, char* token, std::size_t length) {
@@ -85,8 +106,13 @@ bool ReadToken(std::FILE* file, char* token, std::size_t length) {
   while (length == 0 && c != EOF && IsBlank(static_cast<char>(c))) {
     c = std::fgetc(file);
   }
+  bool full = false;
   for (; c != EOF && !IsBlank(static_cast<char>(c)); c = std::fgetc(file)) {
-    if (length + 1 < tokenCapacity) {
+    if (!full && length + 1 == tokenCapacity) {
+      length = DropLeadingZeros(token, length);
+      full = length + 1 == tokenCapacity;
+    }
+    if (!full) {
       token[length++] = static_cast<char>(c);
     }
   }

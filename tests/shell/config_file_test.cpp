@@ -173,6 +173,42 @@ TEST_F(ConfigFileTest, ReadsValuesLikeEveryNumber) {
   }
 }
 
+TEST_F(ConfigFileTest, ReadsANumberBehindAnyCountOfZeros) {
+  // A token keeps 1023 characters and a value 64 zeros when it is longer.
+  for (const std::size_t count : {1U, 63U, 64U, 65U, 1000U, 1008U, 1009U, 1010U, 1011U, 1012U,
+                                  1022U, 1023U, 1024U, 1970U, 1971U, 5000U, 1000000U}) {
+    const std::string zeros(count, '0');
+    Read("DepthSearch=" + zeros + "12345 FixedTimePerMove=-" + zeros + "17x9 Ponder=+" + zeros +
+         "8\nLoggingMode=" + zeros + "99999999999 StartIDDepth=" + zeros);
+    EXPECT_EQ(config->DepthSearch, 12345) << count;
+    EXPECT_EQ(config->FixedTimePerMove, -17) << count;
+    EXPECT_EQ(config->Ponder, 8) << count;
+    EXPECT_EQ(config->LoggingMode, 2147483647) << count;
+    EXPECT_EQ(config->StartIDDepth, 0) << count;
+    *config = EngineConfig{};
+  }
+}
+
+TEST_F(ConfigFileTest, ReadsANumberOfManyDigitsAsTooLarge) {
+  for (const std::size_t count : {10U, 1010U, 1011U, 1012U, 5000U}) {
+    Read("DepthSearch=" + std::string(count, '9') + "\nContempt=-" + std::string(2000, '0') +
+         std::string(count, '9'));
+    EXPECT_EQ(config->DepthSearch, 2147483647) << count;
+    EXPECT_EQ(config->Contempt, -2147483647 - 1) << count;
+  }
+}
+
+TEST_F(ConfigFileTest, KeepsTheZerosOfABookNameAndOfNoNumber) {
+  for (const std::size_t count : {3U, 62U, 63U, 64U, 1018U, 1019U, 5000U}) {
+    const std::string name = std::string(count, '0') + "7.bk";
+    Read("Book=" + name + " DepthSearch=0-0" + name + " Ponder==" + name);
+    EXPECT_EQ(config->BookName, name.substr(0, 63)) << count;
+    EXPECT_EQ(config->DepthSearch, 0) << count;
+    EXPECT_EQ(config->Ponder, 0) << count;
+    *config = EngineConfig{};
+  }
+}
+
 TEST_F(ConfigFileTest, StoresHashSizesAsGiven) {
   Read("TTHashSize=-5 EvalHashSize=0 PawnHashSize=100000\n");
   EXPECT_EQ(config->TTHashSize, -5);
