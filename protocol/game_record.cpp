@@ -30,11 +30,12 @@ bool NameIsFree(const char* path) {
 
 }  // namespace
 
-void ChooseGameFile(const char* base, const char* extension, char* path) {
+bool ChooseGameFile(const char* base, const char* extension, char* path) {
   for (int i = 0; i < maxGameFiles; ++i) {
     std::snprintf(path, gamePathCapacity, "%s%06i.%s", base, i, extension);
-    if (NameIsFree(path)) return;
+    if (NameIsFree(path)) return true;
   }
+  return false;
 }
 
 void BuildHeader(const GameTags& tags, char* text) {
@@ -46,18 +47,24 @@ void BuildHeader(const GameTags& tags, char* text) {
                 tags.whiteElo, tags.blackElo, tags.whiteType, tags.blackType);
 }
 
-void SaveGame(FinishedGame& record, std::int32_t loggingMode) {
-  if (loggingMode == 0 || record.tags == nullptr) return;
-  char path[gamePathCapacity];
-  ChooseGameFile("game", "pgn", path);
+void WriteGameFile(FinishedGame& record, const char* path, bool isNew) {
   record.file = std::fopen(path, "w");
   if (record.file == nullptr) return;
   char header[headerCapacity];
   BuildHeader(*record.tags, header);
   std::fprintf(record.file, "%s\n\n", header);
   std::fprintf(record.file, "%s\n\n\n", record.moveText == nullptr ? "" : record.moveText);
-  std::fclose(record.file);
+  const bool failed = std::ferror(record.file) != 0;
+  const bool isWhole = std::fclose(record.file) == 0 && !failed;
   record.file = nullptr;
+  if (isNew && !isWhole) std::remove(path);
+}
+
+void SaveGame(FinishedGame& record, std::int32_t loggingMode) {
+  if (loggingMode == 0 || record.tags == nullptr) return;
+  char path[gamePathCapacity];
+  const bool isNew = ChooseGameFile("game", "pgn", path);
+  WriteGameFile(record, path, isNew);
 }
 
 }  // namespace mirvo

@@ -49,11 +49,15 @@ void StartRecord(FinishedGame& record, const GameTags& tags);
 
 /// Writes the first free name of "base000000.extension", "base000001..." into
 /// `path` (gamePathCapacity bytes). A name is free when no such file exists;
-/// when all are taken it is the last one.
-void ChooseGameFile(const char* base, const char* extension, char* path);
+/// when all are taken it is the last one, and the answer is false.
+bool ChooseGameFile(const char* base, const char* extension, char* path);
 
 /// Writes the eleven tag lines into `text` (headerCapacity bytes).
 void BuildHeader(const GameTags& tags, char* text);
+
+/// Writes the game to `path`. A new file that cannot be written whole is removed
+/// again: left empty on a full disk, it would use up a number.
+void WriteGameFile(FinishedGame& record, const char* path, bool isNew);
 
 /// Saves the game in the working directory: nothing unless `loggingMode` is
 /// non-zero, and nothing when the file cannot be written.

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -12,6 +13,12 @@
 #include "protocol/xboard_game.h"
 #include "shell/config.h"
 #include "tests/protocol/xboard_test_kit.h"
+
+#ifdef __linux__
+#include <sys/resource.h>
+
+#include <csignal>
+#endif
 
 namespace mirvo {
 namespace {
@@ -149,8 +156,57 @@ TEST_F(GameFiles, AFileThatCannotBeWrittenIsSkipped) {
 TEST_F(GameFiles, WhenAllNamesAreTakenTheLastOneIsChosen) {
   std::ofstream("file") << "no folder";
   char path[gamePathCapacity];
-  ChooseGameFile("file/game", "pgn", path);
+  EXPECT_FALSE(ChooseGameFile("file/game", "pgn", path));
   EXPECT_STREQ(path, "file/game099999.pgn");
+}
+
+/// While it lives no byte can be added to any file, as on a full disk.
+class FullDisk {
+ public:
+  FullDisk() {
+    getrlimit(RLIMIT_FSIZE, &before);
+    signalBefore = std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit none{0, before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &none);
+  }
+  ~FullDisk() {
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, signalBefore);
+  }
+  FullDisk(const FullDisk&) = delete;
+  FullDisk& operator=(const FullDisk&) = delete;
+
+ private:
+  rlimit before{};
+  void (*signalBefore)(int) = SIG_DFL;
+};
+
+TEST_F(GameFiles, AFullDiskLeavesNoEmptyFileAndUsesNoNumberUp) {
+  std::ofstream("game000000.pgn") << "mine";
+  FinishedGame record;
+  const GameTags tags;
+  record.tags = &tags;
+  {
+    const FullDisk full;
+    SaveGame(record, 1);
+  }
+  EXPECT_EQ(record.file, nullptr);
+  EXPECT_EQ(FileCount(), 1U);
+  EXPECT_EQ(Read("game000000.pgn"), "mine");
+  SaveGame(record, 1);
+  EXPECT_TRUE(Read("game000001.pgn").starts_with("[Event"));
+}
+
+// When all names are taken the last file is written over: it was there before.
+TEST_F(GameFiles, AFullDiskRemovesNoFileThatWasThereBefore) {
+  std::ofstream("game099999.pgn") << "mine";
+  FinishedGame record;
+  const GameTags tags;
+  record.tags = &tags;
+  const FullDisk full;
+  WriteGameFile(record, "game099999.pgn", false);
+  EXPECT_EQ(record.file, nullptr);
+  EXPECT_TRUE(fs::exists("game099999.pgn"));
 }
 #endif
 
