@@ -46,6 +46,18 @@ class WorkingDirectory(fault_kit.FaultTest):
         self.quit()
 
 
+    def test_a_second_start_in_the_folder_empties_the_log_of_the_first(self):
+        self.start()
+        self.speak_uci()
+        self.assertIn("uciok", self.read(LOG))
+        subprocess.run([fault_kit.mirvo, "-quiet", "-perft", "1"], cwd=self.engine.folder.name,
+                       stdin=subprocess.DEVNULL, capture_output=True, check=True)
+        self.assertNotIn("uciok", self.read(LOG))
+        self.expect_a_game_move()
+        self.quit()
+        self.assertIn("bestmove", self.read(LOG))
+
+
 class FullDisk(fault_kit.FaultTest):
 
     def play_a_session(self):
