@@ -111,6 +111,10 @@ void Go(UciSession& session, const char* text) {
   SearchAndAnswer(session, record);
 }
 
+void EndSearchWithoutEnd(const UciSession& session) {
+  if (NeedsCommand(session)) searchFlags.StopSearch = 1;
+}
+
 void Stop(UciSession& session) {
   searchFlags.StopSearch = 1;
   if (session.answerOwed == 0) return;
