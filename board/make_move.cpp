@@ -485,11 +485,11 @@ extern const MovePlayer MovePlayers[nSides][8];
 // A move word that does not say what moves.
 void PlayUnknownKind(Board& board, Move move) {
   const int kind = PieceOn(board, FromSquare(move), board.sideToMove);
-  if (kind == noPiece) return PassTurn(board);
+  if (kind == noPiece) return PassTurnInGame(board);
   MovePlayers[board.sideToMove][kind](board, move);
 }
 
-void PlayNothing(Board& board, Move) { PassTurn(board); }
+void PlayNothing(Board& board, Move) { PassTurnInGame(board); }
 
 // By side to move and kind.
 const MovePlayer MovePlayers[nSides][8] = {
@@ -532,6 +532,11 @@ void PassTurn(Board& board) {
   board.sideToMove ^= 1;
   board.positionKey ^= SideKey();
   board.inCheckCache = -1;
+}
+
+void PassTurnInGame(Board& board) {
+  ForgetEnPassant(board);
+  PassTurn(board);
 }
 
 }  // namespace mirvo

@@ -32,8 +32,12 @@ bool EnPassantAvailable(const Board& board);
 void MakeNullMove(Board& board);
 void UnmakeNullMove(Board& board);
 
-/// Passes the turn on the game board, for a text move that moves nothing: the
-/// side and its key change and a stale check answer is dropped.
+/// Passes the turn: the side and its key change and a stale check answer is
+/// dropped, nothing else.
 void PassTurn(Board& board);
+
+/// Passes the turn in a game, for a text that names no move: as after any move
+/// but a double step, nothing can be taken en passant then.
+void PassTurnInGame(Board& board);
 
 }  // namespace mirvo

@@ -90,7 +90,7 @@ Move PlayCoordinateMove(const char* text, Board& board, int trackedSide) {
   const bool isMove = IsCoordinateMove(text);
   const Move read = isMove ? MoveFromCoordinates(text, board, board.sideToMove) : noMove;
   if (!isMove || MovingKind(read) == unknownKind) {
-    PassTurn(board);
+    PassTurnInGame(board);
     return noMove;
   }
   constexpr Move colourBit = Move{1} << moveColourShift;

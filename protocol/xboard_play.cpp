@@ -128,7 +128,7 @@ void DecidePonder(const XBoardGame& game, Move realMove) {
 /// Makes the opponent's move; a from-square without a piece passes the turn.
 void PlayTextMove(Move move) {
   if (move == noMove) {
-    PassTurn(gameBoard);
+    PassTurnInGame(gameBoard);
   } else {
     MakeMove(gameBoard, move);
   }

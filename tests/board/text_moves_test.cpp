@@ -42,6 +42,24 @@ TEST(TextMoves, ATokenThatIsNoMovePassesTheTurn) {
   }
 }
 
+// Two passes give the turn back, and not the chance to take the pawn.
+TEST(TextMoves, ATokenThatIsNoMoveEndsEnPassant) {
+  for (const char* token : {"0000", "(none)", "O-O", "e4e6", "d5d4"}) {
+    Board board = BoardFrom(startFen);
+    for (const char* move : {"e2e4", "a7a6", "e4e5", "d7d5"}) {
+      PlayCoordinateMove(move, board, board.sideToMove);
+    }
+    ASSERT_TRUE(EnPassantAvailable(board));
+    EXPECT_EQ(PlayCoordinateMove(token, board, white), noMove) << token;
+    EXPECT_FALSE(HasEnPassant(board)) << token;
+    ExpectConsistent(board);
+    PlayCoordinateMove("0000", board, black);
+    PlayCoordinateMove("e5d6", board, white);
+    EXPECT_EQ(test::PlacementOf(board), "rnbqkbnr/1pp1pppp/p2P4/3p4/8/8/PPPP1PPP/RNBQKBNR");
+    ExpectConsistent(board);
+  }
+}
+
 TEST(TextMoves, AFromSquareWithoutOwnPiecePassesTheTurn) {
   for (const char* token : {"e4e5", "e7e5", "e3e2"}) {
     Board board = BoardFrom(startFen);

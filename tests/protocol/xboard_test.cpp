@@ -137,6 +137,16 @@ TEST_F(XBoardCommands, ClocksAreReadInCentiseconds) {
   EXPECT_EQ(xboardGame.ownTime, 0);
 }
 
+// Under XBoard a move from a square that holds no such piece is the only text
+// that passes the turn; what is no move at all is an unknown command.
+TEST_F(XBoardCommands, ATextThatMovesNothingEndsEnPassant) {
+  Play({"new\n", "force\n", "e2e4\n", "a7a6\n", "e4e5\n", "d7d5\n", "e4e6\n"});
+  EXPECT_FALSE(HasEnPassant(gameBoard));
+  EXPECT_EQ(gameBoard.positionKey, ComputeKey(gameBoard));
+  Play({"d6d5\n", "e5d6\n"});
+  EXPECT_EQ(Position(), "rnbqkbnr/1pp1pppp/p2P4/3p4/8/8/PPPP1PPP/RNBQKBNR b KQkq -\n");
+}
+
 TEST_F(XBoardCommands, OnlyTheIncrementOfALevelIsUsed) {
   Play({"level 40 5 12\n"});
   EXPECT_EQ(xboardGame.ownIncrement, 12000);
