@@ -537,6 +537,31 @@ void PassTurn(Board& board) {
 void PassTurnInGame(Board& board) {
   ForgetEnPassant(board);
   PassTurn(board);
+  board.turnPassed = 1;
+}
+
+bool TakesEnPassantAfterSetUp(const Board& board, Move move) {
+  if (board.plyCount != 0 || board.turnPassed != 0 || HasEnPassant(board)) return false;
+  const int side = board.sideToMove;
+  const int from = FromSquare(move);
+  const int to = ToSquare(move);
+  const int fifthRank = side == white ? 4 : 3;
+  const int sixthRank = side == white ? 5 : 2;
+  const Bitboard beside = Bit(SquareAt(RankOf(from), FileOf(to)));
+  return MovingKind(move) == pawn && RankOf(from) == fifthRank && RankOf(to) == sixthRank &&
+         std::abs(FileOf(from) - FileOf(to)) == 1 && (board.occupied & Bit(to)) == 0 &&
+         (board.pieces[PieceIndex(side ^ 1, pawn)] & beside) != 0;
+}
+
+void MakeTextMove(Board& board, Move move) {
+  if (!TakesEnPassantAfterSetUp(board, move)) return MakeMove(board, move);
+  const int to = ToSquare(move);
+  board.epFile = static_cast<std::uint8_t>(FileOf(to));
+  board.epRank = static_cast<std::uint8_t>(RankOf(to));
+  board.epColour = board.sideToMove ^ 1;
+  board.positionKey ^= EnPassantKey(board.epFile);
+  MakeMove(board, move);
+  ForgetEnPassant(board);
 }
 
 }  // namespace mirvo

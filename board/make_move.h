@@ -40,4 +40,13 @@ void PassTurn(Board& board);
 /// but a double step, nothing can be taken en passant then.
 void PassTurnInGame(Board& board);
 
+/// Whether the first move of a game from a set-up position takes en passant.
+/// Set-up reads no en-passant square, so the move itself has to tell: a pawn
+/// goes from its fifth rank diagonally to an empty square and an enemy pawn
+/// stands beside it on the target's file.
+bool TakesEnPassantAfterSetUp(const Board& board, Move move);
+
+/// MakeMove for a move that arrived as text, with that capture.
+void MakeTextMove(Board& board, Move move);
+
 }  // namespace mirvo

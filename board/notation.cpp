@@ -95,7 +95,7 @@ Move PlayCoordinateMove(const char* text, Board& board, int trackedSide) {
   }
   constexpr Move colourBit = Move{1} << moveColourShift;
   const Move move = (read & ~colourBit) | (static_cast<Move>(trackedSide & 1) << moveColourShift);
-  MakeMove(board, move);
+  MakeTextMove(board, move);
   return move;
 }
 

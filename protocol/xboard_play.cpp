@@ -21,6 +21,7 @@ void PrintGameBoard() { PrintBoard(gameBoard, BoardLayout::wide, engineConfig.Qu
 /// The pawn beside the from-square is taken when its en-passant square is the
 /// target.
 bool TakesEnPassant(const Board& board, Move move) {
+  if (TakesEnPassantAfterSetUp(board, move)) return true;
   const int to = ToSquare(move);
   return MovingKind(move) == pawn && EnPassantAvailable(board) && RankOf(to) == board.epRank &&
          FileOf(to) == board.epFile && FileOf(FromSquare(move)) != FileOf(to);
@@ -130,7 +131,7 @@ void PlayTextMove(Move move) {
   if (move == noMove) {
     PassTurnInGame(gameBoard);
   } else {
-    MakeMove(gameBoard, move);
+    MakeTextMove(gameBoard, move);
   }
   PrintGameBoard();
   PrintPositionLine(gameBoard);
