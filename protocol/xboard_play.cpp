@@ -41,6 +41,7 @@ bool SetSearchLimits(const XBoardGame& game) {
   } else {
     engineConfig.InfiniteThinkingTime = 0;
     AllocateTime(engineConfig, game.movesToGo, game.ownTime, game.ownIncrement);
+    SetDeadline(engineConfig, {game.ownTime, game.ownTimeReceived});
   }
   return ponders;
 }
@@ -123,6 +124,7 @@ void DecidePonder(const XBoardGame& game, Move realMove) {
     MissPonder(realMove);
   } else {
     PonderHit(engineConfig, game.movesToGo, game.ownTime, game.ownIncrement);
+    SetDeadline(engineConfig, {game.ownTime, game.ownTimeReceived});
   }
 }
 

@@ -231,6 +231,31 @@ class UciProcess(unittest.TestCase):
         time.sleep(0.05)
         self.engine.quit()
 
+    def test_a_move_overhead_keeps_a_move_within_the_own_clock(self):
+        for settings, go, most in (
+                ("MoveOverhead=2900", "go wtime 3000 btime 90000 movestogo 1", 0.1),
+                ("MoveOverhead=5000", "go wtime 4000 btime 90000 movestogo 1", 0.001)):
+            engine = UciEngine("mirvo", MIRVO, "UseOpeningBook=0 " + settings)
+            self.addCleanup(engine.close)
+            engine.start([])
+            engine.send("position fen " + MIDDLE_GAME)
+            sent = time.monotonic()
+            engine.send(go)
+            elapsed = engine.wait_for("bestmove", 10)[0] - sent
+            self.assertLess(elapsed, most + WORST_LIMIT)
+
+    def test_a_move_overhead_keeps_a_hit_within_blacks_clock(self):
+        engine = UciEngine("mirvo", MIRVO, "UseOpeningBook=0 MoveOverhead=2900")
+        self.addCleanup(engine.close)
+        engine.start([])
+        engine.send("position startpos moves e2e4")
+        engine.send("go ponder wtime 99000 btime 3000")
+        engine.ready()
+        sent = time.monotonic()
+        engine.send("ponderhit")
+        elapsed = engine.wait_for("bestmove", 10)[0] - sent
+        self.assertLess(elapsed, 0.1 + WORST_LIMIT)
+
     def test_random_conversations_get_one_answer_a_go(self):
         choose = random.Random(2026)
         for _ in range(60):
