@@ -40,6 +40,7 @@ void ClearBoard(Board& board) {
   board.plyCount = 0;
   board.nullMoveMade = 0;
   board.irregular = 0;
+  board.turnPassed = 0;
   board.undoDepth = 0;
   board.inCheckCache = -1;
   RebuildOccupancy(board);
@@ -114,6 +115,7 @@ void CopyBoard(Board& destination, const Board& source) {
   destination.epColour = source.epColour;
   destination.nullMoveMade = source.nullMoveMade;
   destination.irregular = source.irregular;
+  destination.turnPassed = source.turnPassed;
   destination.undoDepth = source.undoDepth;
   destination.historyIndex = source.historyIndex;
   destination.inCheckCache = source.inCheckCache;

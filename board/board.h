@@ -78,6 +78,8 @@ struct Board : PositionState {
   /// 1 when two pieces may share a square (only text input can do that). The
   /// board then recomputes its derived sets instead of updating them.
   std::uint8_t irregular;
+  /// 1 once a text that names no move has passed the turn since set-up.
+  std::uint8_t turnPassed;
   std::int32_t inCheckCache;  // -1 unknown, 0 no, 1 yes, for the side to move
   std::int32_t plyCount;      // moves and null moves made since set-up
   std::int32_t undoDepth;     // undoStack entries in use

@@ -485,11 +485,11 @@ extern const MovePlayer MovePlayers[nSides][8];
 // A move word that does not say what moves.
 void PlayUnknownKind(Board& board, Move move) {
   const int kind = PieceOn(board, FromSquare(move), board.sideToMove);
-  if (kind == noPiece) return PassTurn(board);
+  if (kind == noPiece) return PassTurnInGame(board);
   MovePlayers[board.sideToMove][kind](board, move);
 }
 
-void PlayNothing(Board& board, Move) { PassTurn(board); }
+void PlayNothing(Board& board, Move) { PassTurnInGame(board); }
 
 // By side to move and kind.
 const MovePlayer MovePlayers[nSides][8] = {
@@ -532,6 +532,36 @@ void PassTurn(Board& board) {
   board.sideToMove ^= 1;
   board.positionKey ^= SideKey();
   board.inCheckCache = -1;
+}
+
+void PassTurnInGame(Board& board) {
+  ForgetEnPassant(board);
+  PassTurn(board);
+  board.turnPassed = 1;
+}
+
+bool TakesEnPassantAfterSetUp(const Board& board, Move move) {
+  if (board.plyCount != 0 || board.turnPassed != 0 || HasEnPassant(board)) return false;
+  const int side = board.sideToMove;
+  const int from = FromSquare(move);
+  const int to = ToSquare(move);
+  const int fifthRank = side == white ? 4 : 3;
+  const int sixthRank = side == white ? 5 : 2;
+  const Bitboard beside = Bit(SquareAt(RankOf(from), FileOf(to)));
+  return MovingKind(move) == pawn && RankOf(from) == fifthRank && RankOf(to) == sixthRank &&
+         std::abs(FileOf(from) - FileOf(to)) == 1 && (board.occupied & Bit(to)) == 0 &&
+         (board.pieces[PieceIndex(side ^ 1, pawn)] & beside) != 0;
+}
+
+void MakeTextMove(Board& board, Move move) {
+  if (!TakesEnPassantAfterSetUp(board, move)) return MakeMove(board, move);
+  const int to = ToSquare(move);
+  board.epFile = static_cast<std::uint8_t>(FileOf(to));
+  board.epRank = static_cast<std::uint8_t>(RankOf(to));
+  board.epColour = board.sideToMove ^ 1;
+  board.positionKey ^= EnPassantKey(board.epFile);
+  MakeMove(board, move);
+  ForgetEnPassant(board);
 }
 
 }  // namespace mirvo

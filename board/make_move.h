@@ -32,8 +32,21 @@ bool EnPassantAvailable(const Board& board);
 void MakeNullMove(Board& board);
 void UnmakeNullMove(Board& board);
 
-/// Passes the turn on the game board, for a text move that moves nothing: the
-/// side and its key change and a stale check answer is dropped.
+/// Passes the turn: the side and its key change and a stale check answer is
+/// dropped, nothing else.
 void PassTurn(Board& board);
+
+/// Passes the turn in a game, for a text that names no move: as after any move
+/// but a double step, nothing can be taken en passant then.
+void PassTurnInGame(Board& board);
+
+/// Whether the first move of a game from a set-up position takes en passant.
+/// Set-up reads no en-passant square, so the move itself has to tell: a pawn
+/// goes from its fifth rank diagonally to an empty square and an enemy pawn
+/// stands beside it on the target's file.
+bool TakesEnPassantAfterSetUp(const Board& board, Move move);
+
+/// MakeMove for a move that arrived as text, with that capture.
+void MakeTextMove(Board& board, Move move);
 
 }  // namespace mirvo

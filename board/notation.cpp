@@ -90,12 +90,12 @@ Move PlayCoordinateMove(const char* text, Board& board, int trackedSide) {
   const bool isMove = IsCoordinateMove(text);
   const Move read = isMove ? MoveFromCoordinates(text, board, board.sideToMove) : noMove;
   if (!isMove || MovingKind(read) == unknownKind) {
-    PassTurn(board);
+    PassTurnInGame(board);
     return noMove;
   }
   constexpr Move colourBit = Move{1} << moveColourShift;
   const Move move = (read & ~colourBit) | (static_cast<Move>(trackedSide & 1) << moveColourShift);
-  MakeMove(board, move);
+  MakeTextMove(board, move);
   return move;
 }
 

@@ -36,7 +36,7 @@ bool IsCoordinateMove(const char* text);
 /// Plays one coordinate token on a game board. The moving kind is that of the
 /// side to move's piece on the from-square; `trackedSide` only fills the colour
 /// bit. A token that is not a coordinate move, or has no such piece, passes the
-/// turn. Returns the word that was made, or noMove for a pass.
+/// turn and ends en passant. Returns the word that was made, or noMove for a pass.
 Move PlayCoordinateMove(const char* text, Board& board, int trackedSide);
 
 /// Writes "minutes:seconds" (not padded) of a time in ms into `text`.

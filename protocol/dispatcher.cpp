@@ -114,10 +114,7 @@ bool MustWait(const ProtocolMode& mode, HeldLines& held, const char* line) {
     return true;
   }
   if (mode.mode == uciProtocol) {
-    if (UciLineMustWait(line, held.hasGo)) {
-      held.hasGo = held.hasGo || UciLineSearches(line);
-      return true;
-    }
+    if (UciLineMustWait(line, held.hasGo)) return true;
     return held.hasSwitch && !UciLineIsUrgent(line);
   }
   // Behind a switch to the other protocol the lines are no longer XBoard's.

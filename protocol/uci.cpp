@@ -28,7 +28,7 @@ using Action = void (*)(UciSession& session, const char* rest);
 /// When a command acts that arrives during a search.
 enum class Timing {
   atOnce,     // needs neither board nor search
-  onSearch,   // at once, meant for the newest "go"
+  onSearch,   // at once, and for a "go" that waits too
   afterward,  // needs the board or a search of its own
 };
 
@@ -36,7 +36,14 @@ struct Command {
   const char* word;
   Timing timing;
   Action action;
+  void (*flag)() = nullptr;  // what it tells the running search, for onSearch
 };
+
+void FlagStop() { searchFlags.StopSearch = 1; }
+
+/// Of the hit only what a search reads: it is counted, reported and timed once,
+/// for the "go" that it follows.
+void FlagPonderHit() { searchFlags.pondering = 0; }
 
 /// The slots' own statistics go with their contents.
 void ClearTranspositionTable() {
@@ -91,9 +98,9 @@ constexpr Command commands[] = {
     {"isready", Timing::atOnce, ReportReady},
     {"position", Timing::afterward, Position},
     {"quit", Timing::atOnce, Quit},
-    {"stop", Timing::onSearch, StopSearching},
+    {"stop", Timing::onSearch, StopSearching, FlagStop},
     {"go", Timing::afterward, Go},
-    {"ponderhi", Timing::onSearch, HitPonderMove},
+    {"ponderhi", Timing::onSearch, HitPonderMove, FlagPonderHit},
     {"setoption name", Timing::afterward, SetOption},
     {"eval", Timing::afterward, EvaluateBoard},
 };
@@ -114,15 +121,18 @@ void HandleUciLine(std::uint8_t&, const char* line) {
   command->action(uciSession, *rest == 0 ? rest : rest + 1);
 }
 
-bool UciLineMustWait(const char* line, bool behindGo) {
+bool UciLineMustWait(const char* line, bool& hasGo) {
   const Command* command = FindCommand(line);
-  if (command == nullptr) return false;
-  return command->timing == Timing::afterward || (command->timing == Timing::onSearch && behindGo);
-}
-
-bool UciLineSearches(const char* line) {
-  const Command* command = FindCommand(line);
-  return command != nullptr && command->action == Go;
+  if (command == nullptr || command->timing == Timing::atOnce) return false;
+  if (command->timing == Timing::onSearch) {
+    if (hasGo) command->flag();
+    return hasGo;
+  }
+  if (command->action == Go) {
+    hasGo = true;
+    EndSearchWithoutEnd(uciSession);
+  }
+  return true;
 }
 
 bool UciLineIsUrgent(const char* line) {
@@ -130,11 +140,7 @@ bool UciLineIsUrgent(const char* line) {
          StartsWith(line, "quit");
 }
 
-void UciInputEnded() {
-  const bool ponders =
-      uciSession.answerRule == AnswerRule::onPonderEnd && searchFlags.pondering != 0;
-  if (ponders || uciSession.answerRule == AnswerRule::onCommand) searchFlags.StopSearch = 1;
-}
+void UciInputEnded() { EndSearchWithoutEnd(uciSession); }
 
 void UciLeave() { uciSession.answerOwed = 0; }
 

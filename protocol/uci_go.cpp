@@ -28,6 +28,8 @@ void ReadKeyword(const char* text, const char* keyword, std::int32_t& value) {
 }
 
 void ReadClocks(UciSession& session, const char* text) {
+  session.clockReceived[white] |= Occurs(text, "wtime");
+  session.clockReceived[black] |= Occurs(text, "btime");
   ReadKeyword(text, "wtime", session.whiteTime);
   ReadKeyword(text, "btime", session.blackTime);
   ReadKeyword(text, "winc", session.whiteIncrement);
@@ -39,6 +41,14 @@ void AllotTime(const UciSession& session) {
   const bool isWhite = session.UciSideToMove == white;
   AllocateTime(engineConfig, session.movesToGo, isWhite ? session.whiteTime : session.blackTime,
                isWhite ? session.whiteIncrement : session.blackIncrement);
+}
+
+/// The clock of the side to move on the board. It runs down whichever clock the
+/// time is allotted from.
+OwnClock ClockOfMover(const UciSession& session) {
+  const bool isWhite = gameBoard.sideToMove == white;
+  return {isWhite ? session.whiteTime : session.blackTime,
+          session.clockReceived[gameBoard.sideToMove]};
 }
 
 /// Whether the running "go" has nothing but a command to wait for.
@@ -108,7 +118,12 @@ void Go(UciSession& session, const char* text) {
   }
   searchFlags.StopSearch = 0;
   AllotTime(session);
+  SetDeadline(engineConfig, ClockOfMover(session));
   SearchAndAnswer(session, record);
+}
+
+void EndSearchWithoutEnd(const UciSession& session) {
+  if (NeedsCommand(session)) searchFlags.StopSearch = 1;
 }
 
 void Stop(UciSession& session) {
@@ -122,6 +137,7 @@ void Stop(UciSession& session) {
 
 void PonderHitCommand(UciSession& session) {
   PonderHit(engineConfig, session.movesToGo, session.whiteTime, session.whiteIncrement);
+  SetDeadline(engineConfig, ClockOfMover(session));
   if (session.answerOwed != 0) AnswerOwed(session);
 }
 

@@ -10,6 +10,9 @@ namespace mirvo {
 /// reply to a mate is to be pondered: that is declined in silence.
 void Go(UciSession& session, const char* text);
 
+/// Stops the running search if only a command could end it.
+void EndSearchWithoutEnd(const UciSession& session);
+
 /// "stop": ends the running search, or gives the answer that is owed.
 void Stop(UciSession& session);
 

@@ -25,6 +25,7 @@ struct UciSession {
   std::int32_t whiteIncrement = 0;
   std::int32_t blackIncrement = 0;
   std::int32_t movesToGo = 0;
+  bool clockReceived[nSides] = {false, false};  // a "go" has named this side's clock
   /// The last search ended on a mate score.
   std::uint8_t LastMoveFlagged = 0;
   /// A "go ponder" was declined; "stop" or "ponderhit" still gets an answer.

@@ -59,6 +59,7 @@ std::int32_t ClockMilliseconds(const char* rest) {
 
 void OwnTime(XBoardGame& game, const char* rest) {
   game.ownTime = ClockMilliseconds(rest);
+  game.ownTimeReceived = true;
   game.clockReceived = 1;
 }
 

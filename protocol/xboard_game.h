@@ -25,6 +25,7 @@ struct XBoardGame {
   // Kept between games. Times in ms.
   char opponentName[tagCapacity] = "";
   std::int32_t ownTime = 0;
+  bool ownTimeReceived = false;  // a "time" has arrived
   std::int32_t opponentTime = 0;
   std::int32_t ownIncrement = 0;
   std::int32_t opponentIncrement = 0;

@@ -21,6 +21,7 @@ void PrintGameBoard() { PrintBoard(gameBoard, BoardLayout::wide, engineConfig.Qu
 /// The pawn beside the from-square is taken when its en-passant square is the
 /// target.
 bool TakesEnPassant(const Board& board, Move move) {
+  if (TakesEnPassantAfterSetUp(board, move)) return true;
   const int to = ToSquare(move);
   return MovingKind(move) == pawn && EnPassantAvailable(board) && RankOf(to) == board.epRank &&
          FileOf(to) == board.epFile && FileOf(FromSquare(move)) != FileOf(to);
@@ -40,6 +41,7 @@ bool SetSearchLimits(const XBoardGame& game) {
   } else {
     engineConfig.InfiniteThinkingTime = 0;
     AllocateTime(engineConfig, game.movesToGo, game.ownTime, game.ownIncrement);
+    SetDeadline(engineConfig, {game.ownTime, game.ownTimeReceived});
   }
   return ponders;
 }
@@ -122,15 +124,16 @@ void DecidePonder(const XBoardGame& game, Move realMove) {
     MissPonder(realMove);
   } else {
     PonderHit(engineConfig, game.movesToGo, game.ownTime, game.ownIncrement);
+    SetDeadline(engineConfig, {game.ownTime, game.ownTimeReceived});
   }
 }
 
 /// Makes the opponent's move; a from-square without a piece passes the turn.
 void PlayTextMove(Move move) {
   if (move == noMove) {
-    PassTurn(gameBoard);
+    PassTurnInGame(gameBoard);
   } else {
-    MakeMove(gameBoard, move);
+    MakeTextMove(gameBoard, move);
   }
   PrintGameBoard();
   PrintPositionLine(gameBoard);

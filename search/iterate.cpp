@@ -142,19 +142,12 @@ Move LegalReply(Board& board, Move best, Move reply) {
 }
 
 SearchResult ChooseResult(Board& board, const Iteration& iteration) {
+  const PvLine& pv = iteration.pv;
   SearchResult result{noMove, noMove};
-  Move reply = noMove;
-  if (iteration.pv.length > 0) {
-    result.best = iteration.pv.moves[0];
-    if (iteration.pv.length > 1) {
-      reply = iteration.pv.moves[1];
-    } else if (previousPv.length > 1) {
-      reply = previousPv.moves[1];
-    }
-  } else {
-    result.best = FirstLegalMove(board);
-  }
-  result.ponder = LegalReply(board, result.best, reply);
+  result.best = pv.length > 0 ? pv.moves[0] : FirstLegalMove(board);
+  // A line too short to say, or none at all, leaves it to the search before.
+  const PvLine& telling = pv.length > 1 ? pv : previousPv;
+  if (telling.length > 1) result.ponder = LegalReply(board, result.best, telling.moves[1]);
   if (iteration.endedOnMate && result.best != noMove) result.best |= mateMark;
   return result;
 }

@@ -76,7 +76,7 @@ int CountLegalMoves(Board& board) {
 }
 
 bool IsLegalMove(Board& board, Move move) {
-  constexpr Move compared = fromToMask | promotionFlag | (Move{7} << movePromotionShift);
+  constexpr Move compared = sameMoveMask | promotionFlag | (Move{7} << movePromotionShift);
   bool found = false;
   ForEachLegalMove(board, [&found, move](Move legal) {
     found = ((legal ^ move) & compared) == 0;

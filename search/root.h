@@ -15,7 +15,7 @@ std::int32_t SearchRoot(SearchState& state, Board& board, const NodeInput& input
 /// Number of legal moves of the side to move.
 int CountLegalMoves(Board& board);
 
-/// Whether `move` (from, to, promotion) is legal on the board.
+/// Whether `move` (its piece, from, to, promotion) is legal on the board.
 bool IsLegalMove(Board& board, Move move);
 
 /// The first legal move in generator order (captures first), or noMove.

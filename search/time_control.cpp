@@ -43,8 +43,17 @@ void DoubleAllottedTime(EngineConfig& config) {
   config.FixedTimePerMove = MultiplySaturated(config.FixedTimePerMove, 2);
 }
 
+void SetDeadline(const EngineConfig& config, const OwnClock& clock) {
+  timeControl.deadline = noDeadline;
+  if (config.MoveOverhead <= 0 || !clock.received) return;
+  const std::int64_t time = std::int64_t{clock.timeLeft} - config.MoveOverhead;
+  timeControl.deadline = Saturate(std::max<std::int64_t>(time, 1));
+}
+
 bool TimeIsUp(const EngineConfig& config) {
-  return ElapsedSince(timeControl.startTime) > config.FixedTimePerMove;
+  const std::int32_t elapsed = ElapsedSince(timeControl.startTime);
+  const bool pastDeadline = timeControl.deadline != noDeadline && elapsed >= timeControl.deadline;
+  return elapsed > config.FixedTimePerMove || pastDeadline;
 }
 
 }  // namespace mirvo

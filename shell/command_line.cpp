@@ -8,6 +8,7 @@
 #include "board/perft.h"
 #include "book/book_builder.h"
 #include "book/opening_book.h"
+#include "shell/process.h"
 #include "shell/text.h"
 
 namespace mirvo {
@@ -136,25 +137,32 @@ void TakeDepth(EngineConfig& config, Arguments& arguments) {
   config.InfiniteThinkingTime = 1;
 }
 
+/// What an option makes of the run.
+enum class OptionUse {
+  setting,    // an engine for an interface, as without it
+  workBench,  // one task for whoever reads the output
+};
+
 struct CommandLineOption {
   const char* name;
   const char* alias;  // null when there is only one spelling
+  OptionUse use;
   void (*apply)(EngineConfig& config, Arguments& arguments);
 };
 
 constexpr CommandLineOption options[] = {
-    {"-perft", "--p", TakePerft},
-    {"-test", nullptr, TakeTest},
-    {"-analyze", "--a", TakeAnalyze},
-    {"-quiet", "--q", TakeQuiet},
-    {"-eval", nullptr, TakeEval},
-    {"-usebook", nullptr, TakeUseBook},
-    {"-createbook", nullptr, RunCreateBook},
-    {"-mergebooks", nullptr, RunMergeBooks},
-    {"-listmoves", nullptr, RunListMoves},
-    {"-bookstats", nullptr, RunBookStats},
-    {"-time", "--t", TakeTime},
-    {"-depth", "--d", TakeDepth},
+    {"-perft", "--p", OptionUse::workBench, TakePerft},
+    {"-test", nullptr, OptionUse::workBench, TakeTest},
+    {"-analyze", "--a", OptionUse::workBench, TakeAnalyze},
+    {"-quiet", "--q", OptionUse::setting, TakeQuiet},
+    {"-eval", nullptr, OptionUse::workBench, TakeEval},
+    {"-usebook", nullptr, OptionUse::setting, TakeUseBook},
+    {"-createbook", nullptr, OptionUse::workBench, RunCreateBook},
+    {"-mergebooks", nullptr, OptionUse::workBench, RunMergeBooks},
+    {"-listmoves", nullptr, OptionUse::workBench, RunListMoves},
+    {"-bookstats", nullptr, OptionUse::workBench, RunBookStats},
+    {"-time", "--t", OptionUse::setting, TakeTime},
+    {"-depth", "--d", OptionUse::setting, TakeDepth},
 };
 
 bool Names(const CommandLineOption& option, const char* word) {
@@ -173,6 +181,7 @@ void ParseCommandLine(EngineConfig& config, int argc, const char* const* argv) {
         std::find_if(std::begin(options), std::end(options),
                      [word](const CommandLineOption& candidate) { return Names(candidate, word); });
     if (option != std::end(options)) {
+      if (option->use == OptionUse::workBench) EndWithClosedPipe();
       option->apply(config, arguments);
     }
   }

@@ -50,6 +50,7 @@ struct EngineConfig {
   std::int32_t MaxNumExtPerDepth = 100;         // percent of the depth
   std::int32_t Ponder = 1;
   std::uint8_t ToolRunOnly = 0;
+  std::int32_t MoveOverhead = 0;  // ms of the own clock a move leaves; 0: not looked at
 };
 
 /// Owner: config.cpp. Writers: start-up, the front ends, time allocation.

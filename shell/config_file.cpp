@@ -42,6 +42,7 @@ constexpr NumberKey numberKeys[] = {
     {"Contempt", &EngineConfig::Contempt},
     {"MaxNumExtPerDepth", &EngineConfig::MaxNumExtPerDepth},
     {"Ponder", &EngineConfig::Ponder},
+    {"MoveOverhead", &EngineConfig::MoveOverhead},
 };
 
 /// The one key whose value is text.

@@ -5,4 +5,7 @@ namespace mirvo {
 // Writing to a closed pipe is an ordinary error here already.
 void PrepareProcess() {}
 
+// There is no such default here, and a tool writes on to its end.
+void EndWithClosedPipe() {}
+
 }  // namespace mirvo

@@ -47,6 +47,7 @@ class StartScript(unittest.TestCase):
         self.assertNotIn("not found", text)
         self.assertIn("\nfeature ", text)
         self.assertEqual(self.read("config.txt"), self.settings)
+        self.assertIn("MoveOverhead=50\n", self.settings)
         self.assertTrue(self.read("mirvo_0.2.7_d_log.txt").startswith("Welcome"))
 
     def test_keeps_the_users_settings_and_book(self):

@@ -3,6 +3,7 @@ nobody is left to answer, soon and by itself, and takes no processor time to
 wait for that."""
 
 import os
+import shlex
 import signal
 import subprocess
 import sys
@@ -10,6 +11,8 @@ import time
 
 import fault_kit
 from fault_kit import LOG, is_alive, processor_seconds, stat_fields, wait_until
+
+SOURCES = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..")
 
 # Plays an interface with both pipes open: says what is asked for, tells the
 # engine's number and waits to be killed.
@@ -139,6 +142,82 @@ class ClosedPipes(fault_kit.FaultTest):
         print("stop", file=engine.stdin, flush=True)
 
         self.assertTrue(wait_until(lambda: "bestmove" in self.read_log(log), 10))
+
+
+class UnreadRuns(fault_kit.FaultTest):
+    """A task whose output nobody reads any more ends; an engine, which hears
+    when its interface is gone, does not mind."""
+
+    GAMES = os.path.join(SOURCES, "data", "opening_lines.pgn")
+    SUITE = os.path.join(SOURCES, "data", "mirvo-suite.epd")
+    TASKS = [["-perft", "8"], ["-analyze", SUITE], ["-eval", "8/8/8/8/8/8/8/K6k", "w", "-"],
+             ["-test", "8/8/8/8/8/8/8/K6k", "w", "-"], ["-createbook", GAMES, "20", "1", "b.bk"],
+             ["-mergebooks", "a.bk", "b.bk", "c.bk"], ["-bookstats", "b.bk"],
+             ["-listmoves", "b.bk", "8/8/8/8/8/8/8/K6k", "w", "-"], ["-quiet", "--p", "8"]]
+
+    def begin(self, words, reader, **how):
+        """The program with these words, its output a pipe; its folder."""
+        folder = fault_kit.temporary_folder()
+        self.addCleanup(folder.cleanup)
+        program = subprocess.Popen([fault_kit.mirvo, *words], cwd=folder.name, stdout=reader,
+                                   stdin=subprocess.PIPE, text=True, **how)
+        self.addCleanup(self.forget, program)
+        return program, folder.name
+
+    @staticmethod
+    def forget(program):
+        if program.poll() is None:
+            program.kill()
+            program.wait()
+        for stream in (program.stdin, program.stdout):
+            if stream:
+                stream.close()
+
+    def begin_unread(self, words, **how):
+        read_end, write_end = os.pipe()
+        os.close(read_end)
+        try:
+            return self.begin(words, write_end, **how)
+        finally:
+            os.close(write_end)
+
+    def test_every_task_ends_by_the_signal(self):
+        for words in self.TASKS:
+            with self.subTest(words[0]):
+                program, _ = self.begin_unread(words)
+                self.assertEqual(program.wait(timeout=60 * fault_kit.patience), -signal.SIGPIPE)
+
+    def test_a_starter_that_ignores_the_signal_does_not_count(self):
+        # This interpreter ignores it, and so would its children.
+        for words in (["-perft", "8"], ["-analyze", self.SUITE]):
+            with self.subTest(words[0]):
+                program, _ = self.begin_unread(words, restore_signals=False)
+                self.assertEqual(program.wait(timeout=60 * fault_kit.patience), -signal.SIGPIPE)
+
+    def test_a_task_that_prints_nothing_for_hours_ends_too(self):
+        program, _ = self.begin(["-perft", "9"], subprocess.PIPE)
+        while "RNBQKBNR" not in program.stdout.readline():
+            pass
+        time.sleep(0.2)  # the rest of the board
+        program.stdout.close()
+        self.assertEqual(program.wait(timeout=30 * fault_kit.patience), -signal.SIGPIPE)
+        program.stdout = None
+
+    def test_a_reader_of_one_line_ends_a_count(self):
+        line = f"{shlex.quote(fault_kit.mirvo)} -perft 8 | head -1"
+        with fault_kit.temporary_folder() as folder:
+            done = subprocess.run(["sh", "-c", line], cwd=folder, timeout=60 * fault_kit.patience,
+                                  stdout=subprocess.PIPE, text=True, check=True)
+        self.assertTrue(done.stdout.startswith("Welcome to Mirvo"))
+        self.assertEqual(done.stdout.count("\n"), 1)
+
+    def test_an_engine_that_nobody_ever_read_does_what_it_is_told(self):
+        for words in ([], ["-quiet", "-depth", "3", "-usebook", "none"]):
+            program, folder = self.begin_unread(words)
+            program.communicate("uci\nisready\nquit\n", timeout=60 * fault_kit.patience)
+            self.assertEqual(program.returncode, 0)
+            with open(os.path.join(folder, LOG), encoding="ascii") as log:
+                self.assertIn("readyok", log.read())
 
 
 class MissingStreams(fault_kit.FaultTest):

@@ -56,7 +56,11 @@ def complain(package, names, read, wanted, root):
         print(f"{package.name} lacks {name}")
     for name in libraries:
         print(f"{package.name} holds {name}")
-    return len(missing) + len(libraries)
+    unsafe = [name for name in names
+              if name.endswith("/config.txt") and b"MoveOverhead=50" not in read(name)]
+    for name in unsafe:
+        print(f"{package.name} lets moves overdraw the clock: {name}")
+    return len(missing) + len(libraries) + len(unsafe)
 
 
 def complain_of_tar(package, archive, root):

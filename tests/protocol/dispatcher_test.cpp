@@ -1,5 +1,8 @@
 #include "protocol/dispatcher.h"
 
+#include <sstream>
+#include <string>
+
 #include "protocol/held_lines.h"
 #include "tests/protocol/uci_test_kit.h"
 
@@ -97,6 +100,157 @@ TEST_F(Polling, UnknownLinesAreIgnored) {
   EXPECT_EQ(PlayUci("go\n"), std::string(noTime) + "bestmove e2e4 \n");
 }
 
+/// A search that only a command can end, and a "go" that arrives during it.
+struct HeldGoCase {
+  const char* name;
+  const char* running;
+  const char* held;
+};
+
+class HeldGo : public UciTest, public ::testing::WithParamInterface<HeldGoCase> {
+ protected:
+  /// Plays both with `behind` arriving behind the held "go"; the second search
+  /// hears `later`. Every line printed but the clock's and the hits'.
+  std::string Answers(const std::string& behind, const std::string& later = "") {
+    const HeldGoCase& go = GetParam();
+    script = {{{std::string(go.held) + "\n" + behind, inputEnds}, "e2e4"},
+              {{"", later, "", ""}, "e7e5"}};
+    const std::string printed = PlayUci(std::string(go.running) + "\n");
+    // A search that nothing ended would have met the end of input.
+    EXPECT_FALSE(fakeInput.ended);
+    EXPECT_EQ(searches.size(), 2U);
+    std::string kept;
+    std::istringstream lines(printed);
+    for (std::string line; std::getline(lines, line);) {
+      if (line.find("Allowing") == std::string::npos && line.find("onder") == std::string::npos &&
+          line.find("PONDER") == std::string::npos) {
+        kept += line + "|";
+      }
+    }
+    return kept;
+  }
+
+  static constexpr char both[] = "bestmove e2e4 |bestmove e7e5 |";
+};
+
+TEST_P(HeldGo, EndsTheSearchThatOnlyACommandEndsAndRuns) { EXPECT_EQ(Answers("", "stop\n"), both); }
+
+TEST_P(HeldGo, AStopBehindItEndsBoth) {
+  EXPECT_EQ(Answers("stop\n"), both);
+  EXPECT_TRUE(fakeInput.pauses.empty());
+}
+
+TEST_P(HeldGo, APonderhitBehindItIsCountedOnceAndNobodyIsLeftWaiting) {
+  EXPECT_EQ(Answers("ponderhit\n", "stop\n"), both);
+  EXPECT_EQ(ponderStats.hits, 1U);
+}
+
+// Under "go infinite" the answer waits for a stop, whoever else was hit.
+TEST_P(HeldGo, APonderhitBehindItAloneReleasesAllButAnalysis) {
+  if (std::string(GetParam().held) == "go infinite") return;
+  EXPECT_EQ(Answers("ponderhit\n"), both);
+  EXPECT_TRUE(fakeInput.pauses.empty());
+}
+
+TEST_P(HeldGo, BothWordsBehindItInEitherOrder) {
+  EXPECT_EQ(Answers("ponderhit\nstop\n"), both);
+  EXPECT_EQ(ponderStats.hits, 1U);
+  SetUp();
+  searches.clear();
+  EXPECT_EQ(Answers("stop\nponderhit\n"), both);
+}
+
+TEST_P(HeldGo, IsreadyBehindItIsAnsweredInTheRunningSearch) {
+  EXPECT_EQ(Answers("isready\nstop\nisready\n"), std::string("readyok|readyok|") + both);
+}
+
+TEST_P(HeldGo, TheEndOfInputBehindItLeavesOneAnswerEach) {
+  script = {{{std::string(GetParam().held) + "\n", inputEnds}, "e2e4"}, {{inputEnds, ""}, "e7e5"}};
+  const std::string printed = PlayUci(std::string(GetParam().running) + "\n");
+  EXPECT_NE(printed.find("bestmove e2e4 \n"), std::string::npos);
+  EXPECT_NE(printed.find("bestmove e7e5 \n"), std::string::npos);
+  EXPECT_EQ(searches.size(), 2U);
+}
+
+TEST_P(HeldGo, QuitBehindItEndsTheProcess) {
+  script = {{{std::string(GetParam().held) + "\nquit\n"}, "e2e4"}};
+  EXPECT_EXIT(PlayUci(std::string(GetParam().running) + "\n"), ::testing::ExitedWithCode(0), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, HeldGo,
+    ::testing::Values(HeldGoCase{"InfiniteBehindInfinite", "go infinite", "go infinite"},
+                      HeldGoCase{"PonderBehindInfinite", "go infinite", "go ponder"},
+                      HeldGoCase{"ClockBehindInfinite", "go infinite", "go wtime 1000 btime 1000"},
+                      HeldGoCase{"DepthBehindInfinite", "go infinite", "go depth 3"},
+                      HeldGoCase{"InfiniteBehindPonder", "go ponder", "go infinite"},
+                      HeldGoCase{"PonderBehindPonder", "go ponder", "go ponder"},
+                      HeldGoCase{"ClockBehindPonder", "go ponder", "go wtime 1000 btime 1000"},
+                      HeldGoCase{"DepthBehindPonder", "go ponder", "go depth 3"}),
+    [](const ::testing::TestParamInfo<HeldGoCase>& testCase) { return testCase.param.name; });
+
+TEST_F(Polling, AHeldGoWaitsForASearchThatEndsByItself) {
+  for (const char* running : {"go\n", "go depth 9\n", "go wtime 9000 btime 9000\n"}) {
+    SetUp();
+    script = {{{"go infinite\n", inputEnds}, "e2e4"}, {{""}, "e7e5"}};
+    PlayUci(running);
+    EXPECT_TRUE(fakeInput.ended) << running;  // the running search went on to its last poll
+  }
+}
+
+TEST_F(Polling, AHeldGoWaitsForAPonderSearchThatWasHit) {
+  script = {{{"ponderhit\ngo depth 3\n", inputEnds}, "e2e4"}, {{""}, "e7e5"}};
+  PlayUci("go ponder\n");
+  EXPECT_TRUE(fakeInput.ended);
+}
+
+// The hit is for the search that ponders: a running clock is not started again.
+TEST_F(Polling, APonderhitBehindAHeldGoLeavesTheRunningClock) {
+  script = {{{"go ponder\nponderhit\n", ""}, "e2e4"}, {{"", ""}, "e7e5"}};
+  const std::string printed = PlayUci("go wtime 1000 btime 1000\n");
+  const std::size_t answered = printed.find("bestmove e2e4");
+  EXPECT_LT(answered, printed.find("PONDER HIT. CONTINUING\n"));
+  EXPECT_EQ(ponderStats.hits, 1U);
+}
+
+TEST_F(Polling, SeveralHeldGosGetOneAnswerEachAndOneStopIsEnough) {
+  script = {{{"go infinite\ngo ponder\ngo infinite\n", "stop\n"}, "e2e4"},
+            {{"stop\n", inputEnds}, "e7e5"},
+            {{"", inputEnds}, "g1f3"},
+            {{"", inputEnds}, "g8f6"}};
+  const std::string printed = PlayUci("go infinite\n");
+  for (const char* move : {"e2e4", "e7e5", "g1f3", "g8f6"}) {
+    EXPECT_NE(printed.find(std::string("bestmove ") + move), std::string::npos) << move;
+  }
+  EXPECT_FALSE(fakeInput.ended);
+  EXPECT_EQ(searches.size(), 4U);
+}
+
+TEST_F(Polling, AWithheldAnswerIsReleasedByAGo) {
+  for (const char* running : {"go infinite\n", "go ponder\n"}) {
+    SetUp();
+    script = {{{}, "e2e4"}, {{}, "e7e5"}};
+    fakeInput.afterPause = {"isready\n", "position startpos moves e2e4\ngo depth 3\n"};
+    EXPECT_EQ(PlayUci(running),
+              std::string(noTime) + "readyok\nbestmove e2e4 \n" + noTime + "bestmove e7e5 \n");
+    EXPECT_FALSE(fakeInput.ended);
+  }
+}
+
+// The search before ended on a mate, so the held "go ponder" is declined; the
+// word behind it still gets its answer.
+TEST_F(Polling, AStopOrPonderhitBehindADeclinedPonderIsAnswered) {
+  for (const char* release : {"stop\n", "ponderhit\n"}) {
+    SetUp();
+    script = {{{std::string("go ponder\n") + release, ""}, "e2e4", "", mateMark}, {{}, "e7e5"}};
+    const std::string printed = PlayUci("go infinite\n");
+    EXPECT_NE(printed.find("bestmove e2e4 \n"), std::string::npos) << release;
+    EXPECT_NE(printed.find("bestmove e7e5 \n"), std::string::npos) << release;
+    EXPECT_EQ(searches.size(), 2U);
+    searches.clear();
+  }
+}
+
 struct HeldCase {
   const char* name;
   const char* line;
@@ -132,12 +286,12 @@ TEST_F(Polling, HeldLinesAreHandledInOrderAfterTheSearch) {
   EXPECT_EQ(searches[2].depth, 3);
 }
 
-TEST_F(Polling, AStopBehindAHeldGoIsMeantForThatGo) {
-  script = {{{"go infinite\nstop\nisready\n", ""}, "e2e4"}, {{"", ""}, "e7e5"}};
+TEST_F(Polling, AStopBehindAHeldGoStopsBothSearches) {
+  script = {{{"go infinite\nstop\nisready\n", inputEnds}, "e2e4"}, {{"", inputEnds}, "e7e5"}};
   EXPECT_EQ(PlayUci("go\n"),
             std::string(noTime) + "readyok\nbestmove e2e4 \n" + noTime + "bestmove e7e5 \n");
-  // The first search was not stopped; the second one at its first poll.
-  EXPECT_EQ(searchFlags.StopSearch, 1);
+  // Each at the poll that met the word, before the end of input was looked at.
+  EXPECT_FALSE(fakeInput.ended);
   EXPECT_TRUE(fakeInput.pauses.empty());
 }
 

@@ -236,6 +236,70 @@ TEST_F(UciGo, AnyLineThatBeginsWithPonderhiIsAHit) {
   EXPECT_EQ(PlayUci("ponderh\n"), "");
 }
 
+// ---- The own clock ----
+
+class OwnClockOfUci : public UciTest {
+ protected:
+  void SetUp() override {
+    UciTest::SetUp();
+    engineConfig.MoveOverhead = 50;
+    script = {{{}, "e2e4"}, {{}, "e7e5"}, {{}, "g1f3"}};
+  }
+};
+
+TEST_F(OwnClockOfUci, IsNotLookedAtUnlessTheSettingsSaySo) {
+  engineConfig.MoveOverhead = 0;
+  PlayUci("go wtime 1000 btime 1000 movestogo 1\n");
+  EXPECT_EQ(searches[0].deadline, noDeadline);
+}
+
+TEST_F(OwnClockOfUci, IsThatOfTheSideToMove) {
+  const std::string printed = PlayUci(
+      "go wtime 2000 btime 3000 movestogo 1\n"
+      "position startpos moves e2e4\ngo wtime 2000 btime 3000 movestogo 1\n");
+  EXPECT_EQ(searches[0].deadline, 1950);
+  EXPECT_EQ(searches[1].deadline, 2950);
+  // The allotment and its line stay.
+  EXPECT_EQ(searches[0].FixedTimePerMove, 2000);
+  EXPECT_NE(printed.find("Allowing 2000 ms for move (1, 2000, 0)\n"), std::string::npos);
+}
+
+// The time is allotted from White's clock there; it is Black's that runs down.
+TEST_F(OwnClockOfUci, IsBlacksAfterAFenWithBlackToMove) {
+  script = {{{}, "e8d8"}};
+  PlayUci("position fen 4k3/8/8/8/8/8/8/4K2R b K - 0 1\ngo wtime 60000 btime 1000\n");
+  EXPECT_EQ(searches[0].FixedTimePerMove, 2400);
+  EXPECT_EQ(searches[0].deadline, 950);
+}
+
+TEST_F(OwnClockOfUci, IsTheMoversAfterAPonderHitToo) {
+  script = {{{"ponderhit\n"}, "e7e5"}};
+  PlayUci("position startpos moves e2e4\ngo ponder wtime 60000 btime 400 winc 100 binc 100\n");
+  EXPECT_EQ(engineConfig.FixedTimePerMove, 2400);
+  EXPECT_EQ(timeControl.deadline, 350);
+}
+
+TEST_F(OwnClockOfUci, IsTheOneLastReceived) {
+  PlayUci("go wtime 2000 btime 3000\nposition startpos\ngo\nposition startpos\ngo wtime 900\n");
+  EXPECT_EQ(searches[1].deadline, 1950);
+  EXPECT_EQ(searches[2].deadline, 850);
+}
+
+TEST_F(OwnClockOfUci, IsUnknownBeforeItIsReceived) {
+  PlayUci("go\nposition startpos\ngo btime 3000\nposition startpos\ngo wtime 0\n");
+  EXPECT_EQ(searches[0].deadline, noDeadline);
+  EXPECT_EQ(searches[1].deadline, noDeadline);
+  EXPECT_EQ(searches[2].deadline, 1);  // an empty clock is one
+}
+
+TEST_F(OwnClockOfUci, BoundsNoSearchWithoutTime) {
+  script = {{{"stop\n"}, "e2e4"}, {{}, "e7e5"}};
+  PlayUci("go infinite wtime 1000 btime 1000\ngo depth 3\n");
+  // The search looks at no clock while this is set.
+  EXPECT_EQ(searches[0].InfiniteThinkingTime, 1);
+  EXPECT_EQ(searches[1].InfiniteThinkingTime, 1);
+}
+
 // ---- Declined pondering ----
 
 class DeclinedPonder : public UciTest {

@@ -166,6 +166,57 @@ class UciProcess(unittest.TestCase):
         self.assertEqual(answers[1:], ["bestmove a1a8 ", "bestmove 0000 "])
         self.engine.ready()
 
+    def held_go(self, running, held, word, pause):
+        """A "go" behind a search that only a command ends, and a word behind
+        that: one answer each, and nothing is left running."""
+        self.engine.send("ucinewgame")
+        self.engine.send("position fen " + MIDDLE_GAME)
+        self.engine.send("go " + running)
+        time.sleep(pause)
+        self.engine.send("go " + held)
+        if pause:  # the word meets the second search, else perhaps the first
+            self.engine.wait_for("bestmove", 10)
+        self.engine.send("isready")
+        self.engine.send(word)
+        if held == "infinite" and word == "ponderhit":
+            self.engine.send("stop")
+        for _ in range(1 if pause else 2):
+            self.engine.wait_for("bestmove", 10)
+        self.engine.ready()  # fails on a third one
+
+    def test_a_go_ends_a_search_that_only_a_command_ends(self):
+        for running in ("infinite", "ponder wtime 900 btime 900"):
+            for held in ("infinite", "ponder wtime 900 btime 900", "wtime 900 btime 900",
+                         "depth 3"):
+                for word in ("stop", "ponderhit"):
+                    for pause in (0, 0.03):
+                        with self.subTest(f"{running}, {held}, {word}, {pause}"):
+                            self.held_go(running, held, word, pause)
+
+    def test_one_stop_ends_every_search_that_waits(self):
+        for kind in ("infinite", "ponder", "infinite", "depth 40", "wtime 9000000", "infinite"):
+            self.engine.send("go " + kind)
+        self.engine.send("stop")
+        for _ in range(6):
+            self.engine.wait_for("bestmove", 10)
+        self.engine.ready()
+
+    def test_a_go_releases_a_withheld_answer(self):
+        for running in ("infinite", "ponder"):
+            self.engine.send("position fen " + MATE_IN_ONE)
+            self.engine.send("go " + running)
+            self.silent("bestmove", 0.1)
+            self.engine.send("position startpos")
+            self.assertEqual(self.answer("go depth 3"), "bestmove a1a8 ")
+            self.engine.wait_for("bestmove", 10)
+            self.engine.ready()
+
+    def test_quit_behind_a_held_go_ends_with_status_0(self):
+        for line in ("go infinite", "go ponder", "stop"):
+            self.engine.send("go infinite")
+            self.engine.send(line)
+        self.engine.quit()
+
     def test_half_a_line_does_not_freeze_the_search(self):
         self.engine.send("position fen " + MIDDLE_GAME)
         self.engine.send("go wtime 12000 btime 12000")  # 400 ms
@@ -179,6 +230,31 @@ class UciProcess(unittest.TestCase):
         self.engine.send("go infinite")
         time.sleep(0.05)
         self.engine.quit()
+
+    def test_a_move_overhead_keeps_a_move_within_the_own_clock(self):
+        for settings, go, most in (
+                ("MoveOverhead=2900", "go wtime 3000 btime 90000 movestogo 1", 0.1),
+                ("MoveOverhead=5000", "go wtime 4000 btime 90000 movestogo 1", 0.001)):
+            engine = UciEngine("mirvo", MIRVO, "UseOpeningBook=0 " + settings)
+            self.addCleanup(engine.close)
+            engine.start([])
+            engine.send("position fen " + MIDDLE_GAME)
+            sent = time.monotonic()
+            engine.send(go)
+            elapsed = engine.wait_for("bestmove", 10)[0] - sent
+            self.assertLess(elapsed, most + WORST_LIMIT)
+
+    def test_a_move_overhead_keeps_a_hit_within_blacks_clock(self):
+        engine = UciEngine("mirvo", MIRVO, "UseOpeningBook=0 MoveOverhead=2900")
+        self.addCleanup(engine.close)
+        engine.start([])
+        engine.send("position startpos moves e2e4")
+        engine.send("go ponder wtime 99000 btime 3000")
+        engine.ready()
+        sent = time.monotonic()
+        engine.send("ponderhit")
+        elapsed = engine.wait_for("bestmove", 10)[0] - sent
+        self.assertLess(elapsed, 0.1 + WORST_LIMIT)
 
     def test_random_conversations_get_one_answer_a_go(self):
         choose = random.Random(2026)
@@ -246,6 +322,14 @@ class EndOfInput(unittest.TestCase):
             time.sleep(0.05)
             engine.process.stdin.close()
             engine.wait_for("bestmove", 5)
+
+    def test_every_go_that_waits_is_answered(self):
+        engine = self.start()
+        for kind in ("infinite", "ponder", "infinite", "depth 3"):
+            engine.send("go " + kind)
+        engine.process.stdin.close()
+        for _ in range(4):
+            engine.wait_for("bestmove", 10)
 
     def test_idle_the_process_stays_without_using_the_processor(self):
         engine = self.start()

@@ -55,11 +55,18 @@ TEST_F(UciCommands, UnknownLinesAreIgnored) {
   EXPECT_EQ(PlayUci("debug on\nregister later\nsetoption Ponder\nponderx\n%s%n\n"), "");
 }
 
-TEST_F(UciCommands, OnlyGoSearches) {
-  EXPECT_TRUE(UciLineSearches("go depth 3\n"));
-  for (const char* line : {"isready\n", "position startpos\n", "nonsense\n", "\n"}) {
-    EXPECT_FALSE(UciLineSearches(line)) << line;
+TEST_F(UciCommands, OnlyAGoChangesWhatStopAndPonderhitAreFor) {
+  bool hasGo = false;
+  for (const char* line : {"isready\n", "position startpos\n", "nonsense\n", "\n", "stop\n"}) {
+    UciLineMustWait(line, hasGo);
+    EXPECT_FALSE(hasGo) << line;
   }
+  EXPECT_FALSE(UciLineMustWait("stop\n", hasGo));
+  EXPECT_TRUE(UciLineMustWait("go depth 3\n", hasGo));
+  EXPECT_TRUE(hasGo);
+  EXPECT_TRUE(UciLineMustWait("stop\n", hasGo));
+  EXPECT_TRUE(UciLineMustWait("ponderhit\n", hasGo));
+  EXPECT_FALSE(UciLineMustWait("isready\n", hasGo));
 }
 
 TEST_F(UciCommands, QuitEndsTheProcessWithStatus0) {

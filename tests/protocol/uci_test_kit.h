@@ -20,6 +20,7 @@
 #include "protocol/xboard_ponder.h"
 #include "search/pondering.h"
 #include "search/search_flags.h"
+#include "search/time_control.h"
 #include "shell/config.h"
 #include "tests/protocol/fake_input.h"
 
@@ -39,6 +40,7 @@ struct SearchSeen {
   std::int32_t FixedTimePerMove;
   bool pondering;
   bool stoppedAtStart;
+  std::int32_t deadline;
 };
 
 class UciTest : public ::testing::Test {
@@ -62,6 +64,8 @@ class UciTest : public ::testing::Test {
     engineConfig.DepthSearch = 40;
     engineConfig.InfiniteThinkingTime = 0;
     engineConfig.FixedTimePerMove = noFixedTime;
+    engineConfig.MoveOverhead = 0;
+    timeControl = TimeControl{};
     BeginFromStart(gameBoard);
   }
 
@@ -107,7 +111,7 @@ class UciTest : public ::testing::Test {
   SearchResult NextSearch(SearchRecord& record) {
     searches.push_back({record.maxDepth, engineConfig.InfiniteThinkingTime,
                         engineConfig.FixedTimePerMove, searchFlags.pondering != 0,
-                        searchFlags.StopSearch != 0});
+                        searchFlags.StopSearch != 0, timeControl.deadline});
     if (script.empty()) return {noMove, noMove};
     const ScriptedSearch search = script.front();
     script.pop_front();

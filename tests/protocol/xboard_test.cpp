@@ -137,6 +137,27 @@ TEST_F(XBoardCommands, ClocksAreReadInCentiseconds) {
   EXPECT_EQ(xboardGame.ownTime, 0);
 }
 
+// Under XBoard a move from a square that holds no such piece is the only text
+// that passes the turn; what is no move at all is an unknown command.
+TEST_F(XBoardCommands, ATextThatMovesNothingEndsEnPassant) {
+  Play({"new\n", "force\n", "e2e4\n", "a7a6\n", "e4e5\n", "d7d5\n", "e4e6\n"});
+  EXPECT_FALSE(HasEnPassant(gameBoard));
+  EXPECT_EQ(gameBoard.positionKey, ComputeKey(gameBoard));
+  Play({"d6d5\n", "e5d6\n"});
+  EXPECT_EQ(Position(), "rnbqkbnr/1pp1pppp/p2P4/3p4/8/8/PPPP1PPP/RNBQKBNR b KQkq -\n");
+}
+
+TEST_F(XBoardCommands, TheFirstMoveAfterSetboardMayTakeEnPassant) {
+  Play({"new\n", "force\n", "setboard 4k3/8/8/3pP3/8/8/8/4K3 w - d6 0 3\n", "e5d6\n"});
+  EXPECT_EQ(Position(), "4k3/8/3P4/8/8/8/8/4K3 b - -\n");
+  EXPECT_EQ(gameBoard.positionKey, ComputeKey(gameBoard));
+  const Move made = gameBoard.undoStack[gameBoard.undoDepth - 1].move;
+  EXPECT_TRUE(IsCapture(made));
+  EXPECT_EQ(CapturedKind(made), pawn);
+  Play({"setboard 4k3/8/8/3pP3/8/8/8/4K3 w - d6 0 3\n", "e1e2\n", "e8e7\n", "e5d6\n"});
+  EXPECT_EQ(Position(), "8/4k3/3P4/3p4/8/8/4K3/8 b - -\n");
+}
+
 TEST_F(XBoardCommands, OnlyTheIncrementOfALevelIsUsed) {
   Play({"level 40 5 12\n"});
   EXPECT_EQ(xboardGame.ownIncrement, 12000);

@@ -338,6 +338,27 @@ TEST_F(Thinking, ALineOfOneMoveTakesTheExpectedReplyOfThePreviousLine) {
   EXPECT_EQ(Run("startpos", 1).ponder, noMove);
 }
 
+// A line of another position may name the right squares and the wrong piece.
+TEST_F(Thinking, AnExpectedReplyOfAnotherPieceIsNotTold) {
+  previousPv.length = 2;
+  previousPv.moves[1] = BuildMove(52, 36, black, queen);  // a queen from e7 to e5
+  EXPECT_EQ(Run("startpos", 1).ponder, noMove);
+  previousPv.moves[1] = BuildMove(52, 36, white, pawn);
+  EXPECT_EQ(Run("startpos", 1).ponder, noMove);
+}
+
+TEST_F(Thinking, StoppedBeforeAnyLineThePreviousLineTellsTheReply) {
+  searchHooks.pollInput = [] { searchFlags.StopSearch = 1; };
+  previousPv.length = 2;
+  previousPv.moves[1] = BuildMove(52, 36, black, pawn);  // e7e5
+  const SearchResult result = Run("startpos", 40);
+  EXPECT_EQ(CountLines("seldepth"), 0);
+  EXPECT_EQ(test::MoveText(result.ponder), "e7e5");
+  EXPECT_EQ(searchFlags.ponderMove, result.ponder);
+  previousPv.moves[1] = BuildMove(52, 28, black, pawn);  // e7e4 cannot be played
+  EXPECT_EQ(Run("startpos", 40).ponder, noMove);
+}
+
 TEST_F(Thinking, WhatWasCountedBeforeTheSearchIsNotReported) {
   for (HashTable* table : {&EvalHashTable, &PawnHashTable, &TranspositionTable}) {
     table->hits = table->conflicts = table->misses = 5;

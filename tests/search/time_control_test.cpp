@@ -108,6 +108,65 @@ TEST_F(Clock, AClockStepBackwardsDoesNotEndTheSearch) {
   EXPECT_FALSE(TimeIsUp(engineConfig));
 }
 
+struct DeadlineCase {
+  const char* name;
+  std::int32_t overhead;
+  OwnClock clock;
+  std::int32_t deadline;
+};
+
+class Deadline : public testing::TestWithParam<DeadlineCase> {};
+
+TEST_P(Deadline, IsTheOwnClockLessTheOverhead) {
+  engineConfig.MoveOverhead = GetParam().overhead;
+  timeControl.deadline = 4711;
+  SetDeadline(engineConfig, GetParam().clock);
+  EXPECT_EQ(timeControl.deadline, GetParam().deadline);
+  engineConfig.MoveOverhead = 0;
+  timeControl.deadline = noDeadline;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, Deadline,
+    testing::Values(DeadlineCase{"Usual", 50, {2000, true}, 1950},
+                    DeadlineCase{"JustLeft", 50, {52, true}, 2},
+                    DeadlineCase{"TheLastMillisecond", 50, {51, true}, 1},
+                    DeadlineCase{"AsMuchAsTheOverhead", 50, {50, true}, 1},
+                    DeadlineCase{"Less", 50, {10, true}, 1},
+                    DeadlineCase{"NothingLeft", 50, {0, true}, 1},
+                    DeadlineCase{"Overdrawn", 50, {-3000, true}, 1},
+                    DeadlineCase{"OverdrawnByAll", highest, {lowest, true}, 1},
+                    DeadlineCase{"EveryMillisecond", 1, {highest, true}, highest - 1},
+                    DeadlineCase{"NoClock", 50, {0, false}, noDeadline},
+                    DeadlineCase{"Off", 0, {2000, true}, noDeadline},
+                    DeadlineCase{"BelowZeroIsOff", -50, {2000, true}, noDeadline}),
+    [](const auto& named) { return named.param.name; });
+
+TEST_F(Clock, TheTimeIsUpWhenTheDeadlineIsReached) {
+  timeControl = {5000, 100};
+  engineConfig.FixedTimePerMove = 2000;
+  fakeTicks = 5099;
+  EXPECT_FALSE(TimeIsUp(engineConfig));
+  fakeTicks = 5100;
+  EXPECT_TRUE(TimeIsUp(engineConfig));
+  // The allotted time ends the search before it as ever.
+  engineConfig.FixedTimePerMove = 50;
+  fakeTicks = 5051;
+  EXPECT_TRUE(TimeIsUp(engineConfig));
+  timeControl = TimeControl{};
+}
+
+// The deadline is a whole clock: what a first move may take twice is not.
+TEST_F(Clock, DoublingTheAllotmentLeavesTheDeadline) {
+  timeControl = {5000, 100};
+  engineConfig.FixedTimePerMove = 80;
+  DoubleAllottedTime(engineConfig);
+  EXPECT_EQ(timeControl.deadline, 100);
+  fakeTicks = 5100;
+  EXPECT_TRUE(TimeIsUp(engineConfig));
+  timeControl = TimeControl{};
+}
+
 TEST_F(Clock, APonderHitTurnsTheSearchIntoATimedOne) {
   fakeTicks = 7777;
   searchFlags.pondering = 1;

@@ -86,6 +86,7 @@ TEST_F(ConfigFileTest, SetsEveryNumberByItsKey) {
       {"Contempt", &EngineConfig::Contempt},
       {"MaxNumExtPerDepth", &EngineConfig::MaxNumExtPerDepth},
       {"Ponder", &EngineConfig::Ponder},
+      {"MoveOverhead", &EngineConfig::MoveOverhead},
   };
   for (const auto& setting : cases) {
     const auto fresh = std::make_unique<EngineConfig>();
@@ -291,6 +292,7 @@ TEST_F(ConfigFileTest, PrintsTheReport) {
   CopyText(config->BookName, sizeof config->BookName, "my%sbook.bk");
   config->MaxNumExtPerDepth = 8;
   config->Ponder = 9;
+  config->MoveOverhead = 10;  // not told
   CaptureStdout();
   PrintConfig(*config);
   EXPECT_EQ(GetCapturedStdout(),

@@ -36,6 +36,7 @@ TEST(EngineConfig, StartsWithItsDefaults) {
   EXPECT_EQ(config->MaxNumExtPerDepth, 100);
   EXPECT_EQ(config->Ponder, 1);
   EXPECT_EQ(config->ToolRunOnly, 0);
+  EXPECT_EQ(config->MoveOverhead, 0);
 }
 
 TEST(EngineConfig, HoldsTheInitialPosition) {

@@ -23,6 +23,49 @@ TEST(PrepareProcess, MakesAClosedPipeAnOrdinaryWriteError) {
   signal(SIGPIPE, before);
 }
 
+// In processes of their own, which the signal and its timer are left to.
+TEST(EndWithClosedPipe, LetsAWriteEndTheProcess) {
+  EXPECT_EXIT(
+      {
+        PrepareProcess();
+        EndWithClosedPipe();
+        int ends[2];
+        if (pipe(ends) != 0) _exit(1);
+        close(ends[0]);
+        const bool written = write(ends[1], "x", 1) == 1;
+        _exit(written ? 2 : 3);
+      },
+      ::testing::KilledBySignal(SIGPIPE), "");
+}
+
+TEST(EndWithClosedPipe, EndsAProcessThatPrintsNothing) {
+  EXPECT_EXIT(
+      {
+        int ends[2];
+        if (pipe(ends) != 0) _exit(1);
+        dup2(ends[1], STDOUT_FILENO);
+        EndWithClosedPipe();
+        close(ends[0]);
+        alarm(0);  // the first look is forced below, not waited for
+        raise(SIGALRM);
+        _exit(0);
+      },
+      ::testing::KilledBySignal(SIGPIPE), "");
+}
+
+TEST(EndWithClosedPipe, LeavesAProcessAloneThatIsRead) {
+  EXPECT_EXIT(
+      {
+        int ends[2];
+        if (pipe(ends) != 0) _exit(1);
+        dup2(ends[1], STDOUT_FILENO);
+        EndWithClosedPipe();
+        raise(SIGALRM);
+        _exit(0);
+      },
+      ::testing::ExitedWithCode(0), "");
+}
+
 // In a process of its own, which the limit is left to.
 TEST(PrepareProcess, MakesAFileAtItsLargestSizeAnOrdinaryWriteError) {
   EXPECT_EXIT(

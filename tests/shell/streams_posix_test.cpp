@@ -4,10 +4,13 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <initializer_list>
 #include <string>
+#include <vector>
 
 #include "book/opening_book.h"
 #include "search/hash_table.h"
+#include "shell/config.h"
 #include "shell/startup.h"
 #include "shell/streams.h"
 #include "tests/shell/temporary_folder.h"
@@ -55,15 +58,30 @@ TEST(StartUpStreams, LetNoTextWaitInABuffer) {
   ReleaseStarted();
 }
 
-TEST(StartUpStreams, AClosedPipeDoesNotEndTheProcess) {
+// What the start with these words leaves a closed pipe to do.
+void (*ActionAfterStart(std::initializer_list<const char*> options))(int) {
   const TemporaryFolder folder;
   void (*const before)(int) = signal(SIGPIPE, SIG_DFL);
-  const char* const words[] = {"mirvo", "-test"};
+  std::vector<const char*> words{"mirvo"};
+  words.insert(words.end(), options);
   testing::internal::CaptureStdout();
-  StartUp(2, words);
+  StartUp(static_cast<int>(words.size()), words.data());
   testing::internal::GetCapturedStdout();
-  EXPECT_EQ(signal(SIGPIPE, before), SIG_IGN);
   ReleaseStarted();
+  engineConfig = EngineConfig();
+  return signal(SIGPIPE, before);
+}
+
+TEST(StartUpStreams, AClosedPipeDoesNotEndAnEngine) {
+  EXPECT_EQ(ActionAfterStart({}), SIG_IGN);
+  EXPECT_EQ(ActionAfterStart({"-quiet", "-time", "3", "-depth", "5", "-usebook", "b.bk"}), SIG_IGN);
+}
+
+TEST(StartUpStreams, AClosedPipeEndsATask) {
+  for (const char* option : {"-perft", "--p", "-test", "-analyze", "--a", "-eval", "-createbook",
+                             "-mergebooks", "-listmoves", "-bookstats"}) {
+    EXPECT_EQ(ActionAfterStart({"-quiet", option}), SIG_DFL) << option;
+  }
 }
 
 // Each in a process of its own, which loses its streams.

@@ -59,7 +59,8 @@ bool SameSettings(const EngineConfig& a, const EngineConfig& b) {
          a.UseMP == b.UseMP && a.NumberThreads == b.NumberThreads &&
          a.StartIDDepth == b.StartIDDepth && a.LoggingMode == b.LoggingMode &&
          std::strcmp(a.BookName, b.BookName) == 0 && a.Contempt == b.Contempt &&
-         a.MaxNumExtPerDepth == b.MaxNumExtPerDepth && a.Ponder == b.Ponder;
+         a.MoveOverhead == b.MoveOverhead && a.MaxNumExtPerDepth == b.MaxNumExtPerDepth &&
+         a.Ponder == b.Ponder;
 }
 
 std::vector<std::string> LinesOf(std::string_view input) {
