@@ -7,6 +7,7 @@
 
 #include "board/attacks.h"
 #include "board/bb_move_generator.h"
+#include "board/legal_moves.h"
 #include "board/make_move.h"
 #include "eval/evaluate.h"
 #include "search/hash_table.h"
@@ -22,13 +23,6 @@ namespace mirvo {
 namespace {
 
 constexpr std::int32_t deltaMargin = 100;
-
-bool IsLegal(Board& board, Move move) {
-  MakeMove(board, move);
-  const bool legal = !MoverLeftInCheck(board);
-  UnmakeMove(board);
-  return legal;
-}
 
 // Gives every move its score, captures as if none lost; quiet moves, searched
 // only in check, take their history. Writes each capture's victim into its word.

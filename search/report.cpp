@@ -3,10 +3,10 @@
 #include <cstdio>
 #include <cstring>
 
+#include "board/legal_moves.h"
 #include "board/notation.h"
 #include "board/san.h"
 #include "protocol/protocol_mode.h"
-#include "search/root.h"
 #include "search/search_flags.h"
 #include "search/search_stats.h"
 #include "search/time_control.h"

@@ -1,8 +1,8 @@
 #include "search/root.h"
 
 #include "board/attacks.h"
-#include "board/bb_move_generator.h"
 #include "board/keys.h"
+#include "board/legal_moves.h"
 #include "board/make_move.h"
 #include "search/hash_table.h"
 #include "search/interruption.h"
@@ -20,20 +20,6 @@ namespace {
 
 constexpr int firstReducedMove = 6;  // picker's running number, from 0
 constexpr int minReducedDepth = 3;
-
-/// Calls `visit(move)` for each legal move in generator order until it answers
-/// true.
-template <typename Visitor>
-void ForEachLegalMove(Board& board, Visitor visit) {
-  BBMoveGenerator2 generator(board, board.sideToMove);
-  generator.GenerateAll();
-  for (int i = 0; i < generator.count; ++i) {
-    MakeMove(board, generator.moves[i]);
-    const bool legal = !MoverLeftInCheck(board);
-    UnmakeMove(board);
-    if (legal && visit(generator.moves[i])) return;
-  }
-}
 
 std::int32_t ExtensionLimit(std::int32_t depth) {
   const float limit =
@@ -65,34 +51,6 @@ Move FindRootMoveByDeepening(SearchState& state, Board& board, const NodeInput& 
 }
 
 }  // namespace
-
-int CountLegalMoves(Board& board) {
-  int count = 0;
-  ForEachLegalMove(board, [&count](Move) {
-    ++count;
-    return false;
-  });
-  return count;
-}
-
-bool IsLegalMove(Board& board, Move move) {
-  constexpr Move compared = fromToMask | promotionFlag | (Move{7} << movePromotionShift);
-  bool found = false;
-  ForEachLegalMove(board, [&found, move](Move legal) {
-    found = ((legal ^ move) & compared) == 0;
-    return found;
-  });
-  return found;
-}
-
-Move FirstLegalMove(Board& board) {
-  Move first = noMove;
-  ForEachLegalMove(board, [&first](Move legal) {
-    first = legal;
-    return true;
-  });
-  return first;
-}
 
 std::int32_t SearchRoot(SearchState& state, Board& board, const NodeInput& input, PvLine* pv) {
   std::int32_t alpha = input.alpha;
