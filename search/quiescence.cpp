@@ -10,12 +10,12 @@
 #include "board/legal_moves.h"
 #include "board/make_move.h"
 #include "eval/evaluate.h"
+#include "search/check_info.h"
 #include "search/hash_table.h"
 #include "search/interruption.h"
-#include "search/king_sight.h"
-#include "search/move_keys.h"
+#include "search/key_after.h"
 #include "search/move_order.h"
-#include "search/next_key.h"
+#include "search/scored_move_list.h"
 #include "search/search_stats.h"
 #include "search/static_exchange.h"
 
@@ -26,8 +26,8 @@ constexpr std::int32_t deltaMargin = 100;
 
 // Gives every move its score, captures as if none lost; quiet moves, searched
 // only in check, take their history. Writes each capture's victim into its word.
-void ScoreMoves(const Board& board, BBMoveGenerator2& generator, MoveKeys& list) {
-  MoveKeys::Filler keys(list);
+void ScoreMoves(const Board& board, BBMoveGenerator2& generator, ScoredMoveList& list) {
+  ScoredMoveList::Filler keys(list);
   for (int i = 0; i < generator.count; ++i) {
     Move& move = generator.moves[i];
     if (!IsCapture(move)) {
@@ -54,7 +54,7 @@ Bitboard PiecesWorth(const Board& board, std::int32_t needed) {
 // Puts the captures whose victim is worth less than `needed`, which is more than
 // a pawn, behind the others: the search would leave them out anyway. How many
 // there are.
-int PutHopelessLast(const Board& board, std::int32_t needed, BBMoveGenerator2& generator) {
+int PutDeltaPrunedLast(const Board& board, std::int32_t needed, BBMoveGenerator2& generator) {
   const Bitboard wanted = PiecesWorth(board, needed);
   int nKept = 0;
   for (int i = 0; i < generator.count; ++i) {
@@ -79,12 +79,12 @@ bool AnyLegalCapture(Board& board, const Move* captures, int count) {
 }
 
 // Drops what is illegal for sure: in check most moves are.
-void DropIllegal(const KingSight& sight, BBMoveGenerator2& generator) {
+void DropIllegal(const CheckInfo& checkInfo, BBMoveGenerator2& generator) {
   int nKept = 0;
   for (int i = 0; i < generator.count; ++i) {
     const Move move = generator.moves[i];
     generator.moves[nKept] = move;
-    nKept += sight.Foresee(move) != Foresight::illegal ? 1 : 0;
+    nKept += checkInfo.LegalityOf(move) != Legality::illegal ? 1 : 0;
   }
   generator.count = nKept;
 }
@@ -122,46 +122,47 @@ std::int32_t Quiesce(SearchState& state, Board& board, std::int32_t alpha, std::
   if (generator.count == 0) return best;
   const bool mayLeaveOut = !inCheck && !isPv;
   const std::int32_t needed = alpha - margin;
-  int nHopeless = 0;
+  int nDeltaPruned = 0;
   if (mayLeaveOut && needed > exchangeValue[pawn] && board.irregular == 0 &&
       !MayPromote(board, side)) {
-    nHopeless = PutHopelessLast(board, needed, generator);
-    generator.count -= nHopeless;
-    if (generator.count == 0) return AnyLegalCapture(board, generator.moves, nHopeless) ? best : 0;
+    nDeltaPruned = PutDeltaPrunedLast(board, needed, generator);
+    generator.count -= nDeltaPruned;
+    if (generator.count == 0)
+      return AnyLegalCapture(board, generator.moves, nDeltaPruned) ? best : 0;
   }
-  const KingSight sight(board, inCheck);
-  if (inCheck) DropIllegal(sight, generator);
+  const CheckInfo checkInfo(board, inCheck);
+  if (inCheck) DropIllegal(checkInfo, generator);
   bool anyLegal = false;
-  MoveKeys keys;
+  ScoredMoveList keys;
   ScoreMoves(board, generator, keys);
 
   // 3. Best first. Whether a capture loses is found out when its turn comes, and
   // a move that is left out is made only when its legality is needed and cannot
   // be told otherwise.
-  int awaited = -1;  // place of the move whose child's slot is being loaded already
+  int prefetched = -1;  // place of the move whose child's slot is being loaded already
   std::int32_t orderScore = 0;
-  for (int index = 0; (index = keys.TakeBest(-MoveKeys::maxScore, orderScore)) >= 0;) {
+  for (int index = 0; (index = keys.TakeBest(-ScoredMoveList::maxScore, orderScore)) >= 0;) {
     const Move move = generator.moves[index];
-    const Foresight foresight = sight.Foresee(move);
-    if (foresight == Foresight::illegal) continue;
-    const bool foreseen = foresight == Foresight::legal;
+    const Legality legality = checkInfo.LegalityOf(move);
+    if (legality == Legality::illegal) continue;
+    const bool knownLegal = legality == Legality::legal;
     if (mayLeaveOut && !IsPromotion(move)) {
       if (margin + exchangeValue[CapturedKind(move)] < alpha || ExchangeLoss(board, move) < 0) {
-        anyLegal = anyLegal || foreseen || IsLegal(board, move);
+        anyLegal = anyLegal || knownLegal || IsLegal(board, move);
         continue;
       }
     } else if (orderScore >= 0 && IsCapture(move)) {
       if (const std::int32_t loss = ExchangeLoss(board, move); loss < 0) {
-        keys.Return(index, loss);
+        keys.PutBack(index, loss);
         continue;
       }
     }
-    if (index != awaited) HashPrefetch(EvalHashTable, NextKey(board, move));
-    awaited = anyLegal ? keys.PeekBest(0) : -1;
-    if (awaited >= 0) HashPrefetch(EvalHashTable, NextKey(board, generator.moves[awaited]));
+    if (index != prefetched) HashPrefetch(EvalHashTable, KeyAfter(board, move));
+    prefetched = anyLegal ? keys.PeekBest(0) : -1;
+    if (prefetched >= 0) HashPrefetch(EvalHashTable, KeyAfter(board, generator.moves[prefetched]));
     MakeMove(board, move);
-    if (foreseen) {
-      board.inCheckCache = sight.GivesCheck(move) ? 1 : 0;
+    if (knownLegal) {
+      board.inCheckCache = checkInfo.GivesCheck(move) ? 1 : 0;
     } else if (MoverLeftInCheck(board)) {
       UnmakeMove(board);
       continue;
@@ -183,7 +184,8 @@ std::int32_t Quiesce(SearchState& state, Board& board, std::int32_t alpha, std::
   }
 
   // 4. Moves were there but none was legal: mate, or 0 when not in check.
-  if (anyLegal || AnyLegalCapture(board, generator.moves + generator.count, nHopeless)) return best;
+  if (anyLegal || AnyLegalCapture(board, generator.moves + generator.count, nDeltaPruned))
+    return best;
   return inCheck ? qply - mateScore : 0;
 }
 

@@ -119,14 +119,14 @@ std::int32_t SearchRoot(SearchState& state, Board& board, const NodeInput& input
       if (firstSearched) {
         score = SearchChild(state, board, alpha, beta, childDepth, isCapture, &childPv);
       } else {
-        bool promising = true;
+        bool failedHigh = true;
         if (number >= firstReducedMove && depth >= minReducedDepth && extension == 0 &&
             !(isCapture && orderScore >= 0) && !givesCheck) {
           const std::int32_t reduced = depth - Reduction(true, depth, number) - 1;
           score = SearchChild(state, board, alpha, alpha + 1, reduced, isCapture, nullptr);
-          promising = score > alpha;
+          failedHigh = score > alpha;
         }
-        if (promising && !Stopped(state)) {
+        if (failedHigh && !Stopped(state)) {
           score = SearchChild(state, board, alpha, alpha + 1, childDepth, isCapture, nullptr);
           if (score > alpha && !Stopped(state)) {
             score = SearchChild(state, board, alpha, beta, childDepth, isCapture, &childPv);

@@ -6,12 +6,12 @@
 #include "board/bits.h"
 #include "board/keys.h"
 #include "board/make_move.h"
+#include "search/check_info.h"
 #include "search/hash_table.h"
 #include "search/interruption.h"
-#include "search/king_sight.h"
+#include "search/key_after.h"
 #include "search/move_order.h"
 #include "search/move_picker.h"
-#include "search/next_key.h"
 #include "search/quiescence.h"
 #include "search/reductions.h"
 #include "search/search_stats.h"
@@ -81,7 +81,7 @@ bool HasPieces(const Board& board, int side) {
 
 // The table that a node of this depth asks first. Each load of a slot that
 // nobody asks for holds up the processor as much as one that somebody does.
-const HashTable& TableAskedAt(std::int32_t depth) {
+const HashTable& FirstProbedTable(std::int32_t depth) {
   return depth > 0 ? TranspositionTable : EvalHashTable;
 }
 
@@ -187,7 +187,7 @@ std::int32_t Search(SearchState& state, Board& board, const NodeInput& input, Pv
   if (!isPv && !hint.nullForbidden && depth > nullReduction + 1 && !inCheck &&
       HasPieces(board, side)) {
     const std::int32_t nullDepth = depth - nullReduction - 1;
-    HashPrefetch(TableAskedAt(nullDepth), key ^ SideKey());
+    HashPrefetch(FirstProbedTable(nullDepth), key ^ SideKey());
     MakeNullMove(board);
     const std::int32_t score = SearchChild(state, board, beta - 1, beta, nullDepth, false, nullptr);
     UnmakeNullMove(board);
@@ -208,10 +208,10 @@ std::int32_t Search(SearchState& state, Board& board, const NodeInput& input, Pv
   }
 
   // 9. The moves. The one to begin with is known long before it is made.
-  Move awaited = hashMove;  // whose child's slot is being loaded already
-  if (hashMove != noMove) HashPrefetch(TableAskedAt(depth - 1), NextKey(board, hashMove));
+  Move prefetched = hashMove;  // whose child's slot is being loaded already
+  if (hashMove != noMove) HashPrefetch(FirstProbedTable(depth - 1), KeyAfter(board, hashMove));
   MovePicker picker(board, hashMove, depth, state.iterationDepth);
-  const KingSight sight(board, inCheck);
+  const CheckInfo checkInfo(board, inCheck);
   const std::int32_t originalAlpha = alpha;
   std::int32_t best = -infiniteScore;
   Move bestMove = noMove;
@@ -231,10 +231,10 @@ std::int32_t Search(SearchState& state, Board& board, const NodeInput& input, Pv
     }
     const bool isCapture = IsCapture(move);
     const int extension = AllowedExtension(state, WantsExtension(move));
-    const Foresight foresight = sight.Foresee(move);
-    if (foresight == Foresight::illegal) continue;
-    const bool foreseen = foresight == Foresight::legal;
-    bool givesCheck = foreseen && sight.GivesCheck(move);
+    const Legality legality = checkInfo.LegalityOf(move);
+    if (legality == Legality::illegal) continue;
+    const bool knownLegal = legality == Legality::legal;
+    bool givesCheck = knownLegal && checkInfo.GivesCheck(move);
 
     // 9a. Futility pruning. It needs no making of a move that is legal for sure.
     const auto isFutile = [&] {
@@ -244,7 +244,7 @@ std::int32_t Search(SearchState& state, Board& board, const NodeInput& input, Pv
       return extension == 0 && !givesCheck && kind != pawn && kind != king && nMoves != 0 &&
              ((move ^ hashMove) & fromToMask) != 0;
     };
-    if (foreseen && isFutile()) {
+    if (knownLegal && isFutile()) {
       anyLegal = true;
       CountNode(state);
       continue;
@@ -252,18 +252,18 @@ std::int32_t Search(SearchState& state, Board& board, const NodeInput& input, Pv
     // A load takes longer than making a move: where many moves are searched
     // for a short time each, the next one's is started as well.
     const std::int32_t childDepth = depth + extension - 1;
-    const HashTable& childTable = TableAskedAt(childDepth);
-    if (move != awaited) HashPrefetch(childTable, NextKey(board, move));
-    awaited = nMoves > 0 && childDepth < 3 ? picker.Peek() : noMove;
-    if (awaited != noMove) HashPrefetch(childTable, NextKey(board, awaited));
+    const HashTable& childTable = FirstProbedTable(childDepth);
+    if (move != prefetched) HashPrefetch(childTable, KeyAfter(board, move));
+    prefetched = nMoves > 0 && childDepth < 3 ? picker.Peek() : noMove;
+    if (prefetched != noMove) HashPrefetch(childTable, KeyAfter(board, prefetched));
     MakeMove(board, move);
-    if (!foreseen && MoverLeftInCheck(board)) {
+    if (!knownLegal && MoverLeftInCheck(board)) {
       UnmakeMove(board);
       continue;
     }
     anyLegal = true;
     CountNode(state);
-    if (foreseen) {
+    if (knownLegal) {
       board.inCheckCache = givesCheck ? 1 : 0;
     } else {
       givesCheck = InCheck(board, board.sideToMove);
@@ -281,16 +281,16 @@ std::int32_t Search(SearchState& state, Board& board, const NodeInput& input, Pv
     if (nMoves == 1) {
       score = SearchChild(state, board, alpha, beta, childDepth, isCapture, childPvOrNone);
     } else {
-      const bool reduce = depth >= 3 && nMoves >= (isPv ? 6 : 4) && picker.Stage() >= stageUnused &&
+      const bool reduce = depth >= 3 && nMoves >= (isPv ? 6 : 4) && picker.AtLateMoves() &&
                           extension == 0 && !(isCapture && orderScore >= 0) && !givesCheck;
-      bool promising = true;
+      bool failedHigh = true;
       if (reduce) {
         const std::int32_t reduced = depth - Reduction(isPv, depth, nMoves) - 1;
         if (reduced <= 0) HashPrefetch(EvalHashTable, board.positionKey);
         score = SearchChild(state, board, alpha, alpha + 1, reduced, isCapture, nullptr);
-        promising = score > alpha;
+        failedHigh = score > alpha;
       }
-      if (promising && !Stopped(state)) {
+      if (failedHigh && !Stopped(state)) {
         score = SearchChild(state, board, alpha, alpha + 1, childDepth, isCapture, nullptr);
         if (isPv && score > alpha && !Stopped(state)) {
           score = SearchChild(state, board, alpha, beta, childDepth, isCapture, childPvOrNone);
