@@ -11,34 +11,37 @@
 #include "board/make_move.h"
 #include "eval/evaluate.h"
 #include "search/check_info.h"
+#include "search/child_prefetch.h"
 #include "search/hash_table.h"
 #include "search/interruption.h"
-#include "search/key_after.h"
 #include "search/move_order.h"
 #include "search/scored_move_list.h"
 #include "search/search_stats.h"
 #include "search/static_exchange.h"
+#include "search/try_move.h"
 
 namespace mirvo {
 namespace {
 
-constexpr std::int32_t deltaMargin = 100;
+constexpr std::int32_t deltaMargin = 100;  // centipawns
+constexpr std::int32_t anyScore = -ScoredMoveList::maxScore;
 
-// Gives every move its score, captures as if none lost; quiet moves, searched
-// only in check, take their history. Writes each capture's victim into its word.
+// Scores every move: captures as if none lost material, quiet moves, which are
+// searched only in check, by their history. Writes the victim of each capture
+// into its word.
 void ScoreMoves(const Board& board, BBMoveGenerator2& generator, ScoredMoveList& list) {
-  ScoredMoveList::Filler keys(list);
+  ScoredMoveList::Filler scores(list);
   for (int i = 0; i < generator.count; ++i) {
     Move& move = generator.moves[i];
     if (!IsCapture(move)) {
-      keys.Add(HistoryTable[board.sideToMove][FromSquare(move)][ToSquare(move)]);
+      scores.Add(HistoryTable[board.sideToMove][FromSquare(move)][ToSquare(move)]);
       continue;
     }
     const int victim = CaptureVictim(board, move);
     move = WithCaptured(move, victim);
-    keys.Add(CaptureScore(move, victim));
+    scores.Add(CaptureScore(move, victim));
   }
-  keys.Close();
+  scores.Close();
 }
 
 // Enemy pieces that are worth `needed` or more.
@@ -51,9 +54,9 @@ Bitboard PiecesWorth(const Board& board, std::int32_t needed) {
   return set;
 }
 
-// Puts the captures whose victim is worth less than `needed`, which is more than
-// a pawn, behind the others: the search would leave them out anyway. How many
-// there are.
+// Delta pruning ahead of the scoring: puts the captures whose victim is worth
+// less than `needed`, which is more than a pawn, behind the others. Returns how
+// many there are.
 int PutDeltaPrunedLast(const Board& board, std::int32_t needed, BBMoveGenerator2& generator) {
   const Bitboard wanted = PiecesWorth(board, needed);
   int nKept = 0;
@@ -65,20 +68,21 @@ int PutDeltaPrunedLast(const Board& board, std::int32_t needed, BBMoveGenerator2
   return generator.count - nKept;
 }
 
-// Whether one of the captures is legal, out of check. One by another piece than
-// the king that stands on no line with its king is.
+// Whether one of the captures is legal. The side must not be in check: then a
+// capture on an occupied square is, unless the king makes it or a piece that may
+// stand on a pin line.
 bool AnyLegalCapture(Board& board, const Move* captures, int count) {
   const int kingSquare = KingSquare(board, board.sideToMove);
-  const Bitboard lines = RookLines(kingSquare) | BishopLines(kingSquare);
+  const Bitboard pinLines = RookLines(kingSquare) | BishopLines(kingSquare);
   for (const Move move : std::span(captures, static_cast<std::size_t>(count))) {
-    const bool free = MovingKind(move) != king && (lines & Bit(FromSquare(move))) == 0 &&
-                      (board.occupied & Bit(ToSquare(move))) != 0;
-    if (free || IsLegal(board, move)) return true;
+    const bool knownLegal = MovingKind(move) != king && (pinLines & Bit(FromSquare(move))) == 0 &&
+                            (board.occupied & Bit(ToSquare(move))) != 0;
+    if (knownLegal || IsLegal(board, move)) return true;
   }
   return false;
 }
 
-// Drops what is illegal for sure: in check most moves are.
+// Drops the moves known to be illegal: in check most are.
 void DropIllegal(const CheckInfo& checkInfo, BBMoveGenerator2& generator) {
   int nKept = 0;
   for (int i = 0; i < generator.count; ++i) {
@@ -90,7 +94,7 @@ void DropIllegal(const CheckInfo& checkInfo, BBMoveGenerator2& generator) {
 }
 
 // Whether the side has a pawn one step from promotion. Promotions are never
-// left out.
+// pruned.
 bool MayPromote(const Board& board, int side) {
   constexpr Bitboard seventh[nSides] = {0x00FF000000000000ULL, 0x000000000000FF00ULL};
   return (board.pieces[PieceIndex(side, pawn)] & seventh[side]) != 0;
@@ -120,53 +124,50 @@ std::int32_t Quiesce(SearchState& state, Board& board, std::int32_t alpha, std::
   generator.GenerateCaptures();
   if (inCheck) generator.GenerateNonCaptures();
   if (generator.count == 0) return best;
-  const bool mayLeaveOut = !inCheck && !isPv;
+  const bool mayPrune = !inCheck && !isPv;
   const std::int32_t needed = alpha - margin;
   int nDeltaPruned = 0;
-  if (mayLeaveOut && needed > exchangeValue[pawn] && board.irregular == 0 &&
+  if (mayPrune && needed > exchangeValue[pawn] && board.irregular == 0 &&
       !MayPromote(board, side)) {
     nDeltaPruned = PutDeltaPrunedLast(board, needed, generator);
     generator.count -= nDeltaPruned;
-    if (generator.count == 0)
+    if (generator.count == 0) {
       return AnyLegalCapture(board, generator.moves, nDeltaPruned) ? best : 0;
+    }
   }
   const CheckInfo checkInfo(board, inCheck);
   if (inCheck) DropIllegal(checkInfo, generator);
-  bool anyLegal = false;
-  ScoredMoveList keys;
-  ScoreMoves(board, generator, keys);
+  ScoredMoveList list;
+  ScoreMoves(board, generator, list);
 
-  // 3. Best first. Whether a capture loses is found out when its turn comes, and
-  // a move that is left out is made only when its legality is needed and cannot
-  // be told otherwise.
-  int prefetched = -1;  // place of the move whose child's slot is being loaded already
+  // 3. Best first.
+  ChildPrefetch prefetch(board);
+  bool anyLegal = false;
   std::int32_t orderScore = 0;
-  for (int index = 0; (index = keys.TakeBest(-ScoredMoveList::maxScore, orderScore)) >= 0;) {
+  for (int index = 0; (index = list.TakeBest(anyScore, orderScore)) >= 0;) {
     const Move move = generator.moves[index];
-    const Legality legality = checkInfo.LegalityOf(move);
-    if (legality == Legality::illegal) continue;
-    const bool knownLegal = legality == Legality::legal;
-    if (mayLeaveOut && !IsPromotion(move)) {
+
+    // 3a. Prune. Moves that lose material count only as legal ones; where they
+    // are not pruned, they come after the others.
+    if (mayPrune && !IsPromotion(move)) {
       if (margin + exchangeValue[CapturedKind(move)] < alpha || ExchangeLoss(board, move) < 0) {
-        anyLegal = anyLegal || knownLegal || IsLegal(board, move);
+        anyLegal = anyLegal || TryMove(board, checkInfo, move).legal;
         continue;
       }
     } else if (orderScore >= 0 && IsCapture(move)) {
       if (const std::int32_t loss = ExchangeLoss(board, move); loss < 0) {
-        keys.PutBack(index, loss);
+        list.PutBack(index, loss);
         continue;
       }
     }
-    if (index != prefetched) HashPrefetch(EvalHashTable, KeyAfter(board, move));
-    prefetched = anyLegal ? keys.PeekBest(0) : -1;
-    if (prefetched >= 0) HashPrefetch(EvalHashTable, KeyAfter(board, generator.moves[prefetched]));
-    MakeMove(board, move);
-    if (knownLegal) {
-      board.inCheckCache = checkInfo.GivesCheck(move) ? 1 : 0;
-    } else if (MoverLeftInCheck(board)) {
-      UnmakeMove(board);
-      continue;
-    }
+
+    // 3b. Try, make, search, unmake.
+    const MoveStatus status = TryMove(board, checkInfo, move);
+    if (!status.legal) continue;
+    prefetch.Start(move, 0);
+    const int next = anyLegal ? list.PeekBest(0) : -1;
+    prefetch.Start(next >= 0 ? generator.moves[next] : noMove, 0);
+    MakeTriedMove(board, move, status.givesCheck);
     anyLegal = true;
     ++state.nodeCount;
     ++searchStats.nQSNodes;
@@ -176,6 +177,8 @@ std::int32_t Quiesce(SearchState& state, Board& board, std::int32_t alpha, std::
     UnmakeMove(board);
     if (state.abandonQuiescence != 0) [[unlikely]]
       return best;
+
+    // 3c. Judge.
     if (score > best) {
       if (score >= beta) return score;
       best = score;
@@ -184,8 +187,9 @@ std::int32_t Quiesce(SearchState& state, Board& board, std::int32_t alpha, std::
   }
 
   // 4. Moves were there but none was legal: mate, or 0 when not in check.
-  if (anyLegal || AnyLegalCapture(board, generator.moves + generator.count, nDeltaPruned))
+  if (anyLegal || AnyLegalCapture(board, generator.moves + generator.count, nDeltaPruned)) {
     return best;
+  }
   return inCheck ? qply - mateScore : 0;
 }
 

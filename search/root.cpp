@@ -12,6 +12,7 @@
 #include "search/report.h"
 #include "search/search.h"
 #include "search/search_hooks.h"
+#include "search/search_move.h"
 #include "search/search_stats.h"
 #include "shell/config.h"
 
@@ -30,23 +31,14 @@ std::int32_t ExtensionLimit(std::int32_t depth) {
   return static_cast<std::int32_t>(limit);
 }
 
-// A shallower search of the root finds a first move when the table has none.
+// A search of the root with one ply less finds a first move when the table has
+// none. It sets the extension limit for its own depth.
 Move FindRootMoveByDeepening(SearchState& state, Board& board, const NodeInput& node) {
   const std::int32_t outerLimit = state.extensionLimit;
-  NodeInput inner = node;
-  inner.depth = node.depth - 1;
-  const std::int32_t score = SearchRoot(state, board, inner, nullptr);
-  if (score <= node.alpha && !Stopped(state)) {
-    inner.alpha = -infiniteScore;
-    SearchRoot(state, board, inner, nullptr);
-  }
+  NodeInput shallow = node;
+  shallow.depth = node.depth - 1;
+  const Move move = FindMoveByDeepening(state, board, shallow, node.depth - 2, &SearchRoot);
   state.extensionLimit = outerLimit;
-  Move move = noMove;
-  if (!Stopped(state)) {
-    std::int32_t ignored = 0;
-    HashProbe(TranspositionTable, board.positionKey, move, ignored, node.alpha, node.beta,
-              node.depth - 2);
-  }
   return move;
 }
 
@@ -113,26 +105,17 @@ std::int32_t SearchRoot(SearchState& state, Board& board, const NodeInput& input
     std::int32_t score = 0;
     const bool repeats = !isCapture && IsRepetition(board);
     if (!repeats) {
-      const int extension = AllowedExtension(state, WantsExtension(move));
-      const std::int32_t childDepth = depth + extension - 1;
-      state.extensions += extension;
-      if (firstSearched) {
-        score = SearchChild(state, board, alpha, beta, childDepth, isCapture, &childPv);
-      } else {
-        bool failedHigh = true;
-        if (number >= firstReducedMove && depth >= minReducedDepth && extension == 0 &&
-            !(isCapture && orderScore >= 0) && !givesCheck) {
-          const std::int32_t reduced = depth - Reduction(true, depth, number) - 1;
-          score = SearchChild(state, board, alpha, alpha + 1, reduced, isCapture, nullptr);
-          failedHigh = score > alpha;
-        }
-        if (failedHigh && !Stopped(state)) {
-          score = SearchChild(state, board, alpha, alpha + 1, childDepth, isCapture, nullptr);
-          if (score > alpha && !Stopped(state)) {
-            score = SearchChild(state, board, alpha, beta, childDepth, isCapture, &childPv);
-          }
-        }
+      const int extension = CountExtension(searchStats, state, move);
+      const Candidate candidate{move, orderScore, extension, isCapture, givesCheck};
+      MoveSearch search{alpha, beta, depth + extension - 1};
+      search.isFirst = firstSearched;
+      search.isPv = true;
+      search.isCapture = isCapture;
+      if (number >= firstReducedMove && depth >= minReducedDepth && MayReduce(candidate)) {
+        search.reduction = Reduction(true, depth, number);
       }
+      state.extensions += extension;
+      score = SearchMove(state, board, search, &childPv);
       state.extensions -= extension;
       firstSearched = false;
     } else {

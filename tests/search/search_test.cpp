@@ -229,24 +229,27 @@ TEST_F(MainSearch, AStopFromAPollUnwindsWithoutATrace) {
   EXPECT_EQ(board.positionKey, ComputeKey(board));
 }
 
-TEST_F(MainSearch, PromotionsAndSeventhRankPawnsAskForAnExtension) {
-  searchStats = SearchStats{};
-  EXPECT_TRUE(WantsExtension(BuildMove(52, 60, white, pawn) | PromotionBits(queen)));
-  EXPECT_TRUE(WantsExtension(BuildMove(44, 52, white, pawn)));
-  EXPECT_TRUE(WantsExtension(BuildMove(20, 12, black, pawn)));
-  EXPECT_FALSE(WantsExtension(BuildMove(12, 20, white, pawn)));
-  EXPECT_FALSE(WantsExtension(BuildMove(44, 52, white, rook)));
-  EXPECT_EQ(searchStats.nPromExt, 3);
-  EXPECT_EQ(searchStats.nExt, 3);
+TEST(ExtendedKind, ArePromotionsAndPawnsOneStepFromIt) {
+  EXPECT_TRUE(IsExtendedKind(BuildMove(52, 60, white, pawn) | PromotionBits(queen)));
+  EXPECT_TRUE(IsExtendedKind(BuildMove(44, 52, white, pawn)));
+  EXPECT_TRUE(IsExtendedKind(BuildMove(20, 12, black, pawn)));
+  EXPECT_FALSE(IsExtendedKind(BuildMove(12, 20, white, pawn)));
+  EXPECT_FALSE(IsExtendedKind(BuildMove(44, 52, white, rook)));
 }
 
 TEST_F(MainSearch, TheExtensionLimitIsNeverReached) {
+  const Move pawnToSeventh = BuildMove(44, 52, white, pawn);
+  const Move rookMove = BuildMove(44, 52, white, rook);
+  SearchStats stats;
   state.extensionLimit = 2;
   state.extensions = 0;
-  EXPECT_EQ(AllowedExtension(state, true), 1);
-  EXPECT_EQ(AllowedExtension(state, false), 0);
+  EXPECT_EQ(CountExtension(stats, state, pawnToSeventh), 1);
+  EXPECT_EQ(CountExtension(stats, state, rookMove), 0);
   state.extensions = 1;
-  EXPECT_EQ(AllowedExtension(state, true), 0);
+  EXPECT_EQ(CountExtension(stats, state, pawnToSeventh), 0);
+  // Counted are the moves of the kind, granted or not.
+  EXPECT_EQ(stats.nPromExt, 2);
+  EXPECT_EQ(stats.nExt, 2);
 }
 
 // White is hopelessly behind: its one capture wins too little, its king steps
