@@ -39,7 +39,7 @@ constexpr std::int32_t firstReducedPvMove = 6;
 // captures and evasions that the quiescence search can make.
 constexpr std::int32_t quiescenceRoom = 126;
 
-/// What the transposition table knows about a node.
+// What the transposition table tells a node.
 struct TableHint {
   Move move = noMove;
   bool nullForbidden = false;
@@ -48,24 +48,16 @@ struct TableHint {
 };
 
 TableHint ProbeTable(std::uint64_t key, std::int32_t alpha, std::int32_t beta, std::int32_t depth) {
-  HashTable& table = TranspositionTable;
-  const std::uint32_t index = HashLocate(table, key);
+  const HashFinding found = HashLookUp(TranspositionTable, key, alpha, beta, depth);
   TableHint hint;
-  if (!HashHolds(table, index, key)) {
-    ++table.conflicts;
-    return hint;
-  }
-  const HashEntry& slot = table.entries[index];
-  hint.move = slot.move;
-  if (slot.depth < depth) {
-    ++table.misses;
-    return hint;
-  }
-  hint.cutoff = slot.bound == exactBound || (slot.bound == upperBound && slot.score <= alpha) ||
-                (slot.bound == lowerBound && slot.score >= beta);
-  hint.score = slot.score;
-  hint.nullForbidden = slot.score < beta && (slot.bound == upperBound || slot.bound == exactBound);
-  ++(hint.cutoff ? table.hits : table.misses);
+  if (found.slot == nullptr) return hint;
+  hint.move = found.slot->move;
+  if (!found.deepEnough) return hint;
+  const std::int32_t bound = found.slot->bound;
+  hint.cutoff = found.decides;
+  hint.score = found.slot->score;
+  // A score that is known to stay below beta will not reach it by passing either.
+  hint.nullForbidden = hint.score < beta && (bound == upperBound || bound == exactBound);
   return hint;
 }
 
@@ -99,7 +91,7 @@ void CountNode(SearchState& state) {
   ++searchStats.nNodes;
 }
 
-/// A node as its moves find it.
+// A node as its moves find it.
 struct Node {
   std::int32_t alpha;
   std::int32_t beta;
