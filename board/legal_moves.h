@@ -12,8 +12,7 @@ namespace mirvo {
 /// Whether `move`, which the generator offers on the board, is legal.
 bool IsLegal(Board& board, Move move);
 
-/// Whether `move` (from, to, promotion) is a legal move of the side to move,
-/// whatever its word says besides.
+/// Whether `move` (from, to, promotion) is a legal move of the side to move.
 bool IsLegalMove(Board& board, Move move);
 
 /// The first legal move in generator order (captures first), or noMove.

@@ -175,7 +175,7 @@ std::int32_t Quiesce(SearchState& state, Board& board, std::int32_t alpha, std::
       PollOverdue(state);
     const std::int32_t score = -Quiesce(state, board, -beta, -alpha, qply + 1);
     UnmakeMove(board);
-    if (state.abandonQuiescence != 0) [[unlikely]]
+    if (state.stopCause == StopCause::abandonedExchange) [[unlikely]]
       return best;
 
     // 3c. Judge.

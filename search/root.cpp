@@ -11,7 +11,6 @@
 #include "search/reductions.h"
 #include "search/report.h"
 #include "search/search.h"
-#include "search/search_hooks.h"
 #include "search/search_move.h"
 #include "search/search_stats.h"
 #include "shell/config.h"
@@ -76,11 +75,9 @@ std::int32_t SearchRoot(SearchState& state, Board& board, const NodeInput& input
   std::int32_t orderScore = 0;
   for (int number = 0; picker.Next(move, orderScore); ++number) {
     // 2a. Input, progress, legality.
-    if (searchFlags.NoInputPolling == 0 && searchHooks.pollInput != nullptr) {
-      searchHooks.pollInput();
-    }
-    if (searchFlags.StopSearch != 0) return Quiesce(state, board, alpha, beta, 0);
-    ReportRootMove(board, move, number);
+    PollForInput(state);
+    if (StopCommanded(state)) return Quiesce(state, board, alpha, beta, 0);
+    ReportRootMove(state.reportStyle, board, move, number);
     MakeMove(board, move);
     if (MoverLeftInCheck(board)) {
       UnmakeMove(board);

@@ -303,7 +303,7 @@ std::int32_t Search(SearchState& state, Board& board, const NodeInput& input, Pv
   // 1. Clock and input.
   if (OutOfTime(state)) return Quiesce(state, board, alpha, beta, 0);
   PollWhenDue(state);
-  if (searchFlags.StopSearch != 0) return Quiesce(state, board, alpha, beta, 0);
+  if (StopCommanded(state)) return Quiesce(state, board, alpha, beta, 0);
 
   // 2. A position seen once before is a draw; a capture cannot lead to one.
   if (!input.afterCapture && IsRepetition(board)) return 0;

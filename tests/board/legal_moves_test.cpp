@@ -90,7 +90,6 @@ TEST(LegalMoves, AMoveWordIsLegalBySquaresAndPromotion) {
   EXPECT_FALSE(IsLegalMove(board, word("a7", "a8")));
   EXPECT_FALSE(IsLegalMove(board, word("a7", "a8") | PromotionBits(king)));
   EXPECT_FALSE(IsLegalMove(board, word("a7", "b8") | PromotionBits(queen)));
-  EXPECT_TRUE(IsLegalMove(board, word("e1", "e2")));  // the king's, whatever the kind says
   EXPECT_FALSE(IsLegalMove(board, noMove));
 }
 

@@ -293,6 +293,22 @@ TEST_F(Thinking, AHeldSearchPollsNeitherWithoutAHookNorWhenToldNotTo) {
   SetTickSource(nullptr);
 }
 
+TEST_F(Thinking, RunsWithoutInputReportForTheConsole) {
+  engineConfig.DepthSearch = 7;
+  EXPECT_EQ(PrepareSearch(board).limits.depth, 7);
+  EXPECT_EQ(PrepareSearch(board).limits.reportStyle, ReportStyle::protocol);
+  searchFlags.NoInputPolling = 1;
+  EXPECT_EQ(PrepareSearch(board).limits.reportStyle, ReportStyle::console);
+}
+
+TEST_F(Thinking, AStopGivenBeforeTheSearchEndsItAtOnce) {
+  searchHooks.pollInput = [] { ++nPolls; };
+  searchFlags.StopSearch = 1;
+  const SearchResult result = Run("startpos", 5);
+  EXPECT_EQ(result.best, FirstLegalMove(board));
+  EXPECT_EQ(nPolls, 0);
+}
+
 TEST_F(Thinking, PonderingWithoutAnyMoveStillPolls) {
   searchFlags.pondering = 1;
   searchHooks.pollInput = [] {

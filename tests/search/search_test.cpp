@@ -6,6 +6,7 @@
 #include "board/keys.h"
 #include "board/notation.h"
 #include "search/hash_table.h"
+#include "search/interruption.h"
 #include "search/move_order.h"
 #include "search/quiescence.h"
 #include "search/search_flags.h"
@@ -188,10 +189,10 @@ TEST_F(MainSearch, TheClockIsReadOnceIn1024Entries) {
   fakeTicks = 1000;
   state.clockPolls = 1024;
   Run(middleGame, 0, 1, 0);
-  EXPECT_EQ(state.stopFlag, 0);
+  EXPECT_FALSE(Stopped(state));
   state.clockPolls = 1025;
   Run(middleGame, 0, 1, 0);
-  EXPECT_EQ(state.stopFlag, 1);
+  EXPECT_EQ(state.stopCause, StopCause::time);
 }
 
 TEST_F(MainSearch, ThinkingWithoutLimitNeverLooksAtTheClock) {
@@ -199,7 +200,7 @@ TEST_F(MainSearch, ThinkingWithoutLimitNeverLooksAtTheClock) {
   fakeTicks = 1000000;
   state.clockPolls = 5000;
   Run(middleGame, 0, 1, 3);
-  EXPECT_EQ(state.stopFlag, 0);
+  EXPECT_FALSE(Stopped(state));
 }
 
 TEST_F(MainSearch, InputIsPolledEvery8192Moves) {
@@ -223,6 +224,7 @@ TEST_F(MainSearch, AStopFromAPollUnwindsWithoutATrace) {
   PvLine pv{};
   Run(middleGame, -open, open, 30, &pv);
   EXPECT_EQ(nPolls, 2);
+  EXPECT_EQ(state.stopCause, StopCause::command);
   EXPECT_LT(state.nodeCount, 3U * 8192U);
   EXPECT_EQ(board.undoDepth, 0);
   EXPECT_EQ(state.extensions, 0);
