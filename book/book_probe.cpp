@@ -1,10 +1,9 @@
 // Choosing a move from the book for a position, and the book's summary.
 #include <cstdint>
 
-#include "board/attacks.h"
 #include "board/bb_move_generator.h"
 #include "board/keys.h"
-#include "board/make_move.h"
+#include "board/legal_moves.h"
 #include "board/notation.h"
 #include "book/opening_book.h"
 #include "shell/output.h"
@@ -19,13 +18,6 @@ struct AcceptedMoves {
   int count = 0;
   std::int64_t total = 0;
 };
-
-bool IsLegal(Board& board, Move move) {
-  MakeMove(board, move);
-  const bool legal = !MoverLeftInCheck(board);
-  UnmakeMove(board);
-  return legal;
-}
 
 // The first legal generated move between the squares of `bookMove`, or noMove.
 // Of several promotions that is the queen's.

@@ -113,7 +113,7 @@ void Go(UciSession& session, const char* text) {
 
   SearchRecord record = PrepareSearch(gameBoard);
   if (Occurs(text, "depth")) {
-    ReadKeyword(text, "depth", record.maxDepth);
+    ReadKeyword(text, "depth", record.limits.depth);
     engineConfig.InfiniteThinkingTime = 1;
   }
   searchFlags.StopSearch = 0;

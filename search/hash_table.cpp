@@ -105,29 +105,11 @@ void HashResetSearch(HashTable& table) {
 
 bool HashProbe(HashTable& table, std::uint64_t key, Move& move, std::int32_t& score,
                std::int32_t alpha, std::int32_t beta, std::int32_t depth) {
-  const std::uint32_t index = HashLocate(table, key);
-  if (!HashHolds(table, index, key)) {
-    ++table.conflicts;
-    return false;
-  }
-  const HashEntry& slot = table.entries[index];
-  if (slot.depth >= depth) {
-    if (slot.bound == exactBound) {
-      ++table.hits;
-      score = slot.score;
-      return true;
-    }
-    if ((slot.bound == upperBound && slot.score <= alpha) ||
-        (slot.bound == lowerBound && slot.score >= beta)) {
-      ++table.hits;
-      score = slot.score;
-      move = slot.move;
-      return true;
-    }
-  }
-  ++table.misses;
-  move = slot.move;
-  return false;
+  const HashFinding found = HashLookUp(table, key, alpha, beta, depth);
+  if (found.slot == nullptr) return false;
+  if (found.decides) score = found.slot->score;
+  if (!found.decides || found.slot->bound != exactBound) move = found.slot->move;
+  return found.decides;
 }
 
 void HashStore(HashTable& table, std::uint64_t key, Move move, std::int32_t score, HashBound bound,

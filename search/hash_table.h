@@ -118,9 +118,36 @@ inline void HashPrefetch(const HashTable& table, std::uint64_t key) {
   __builtin_prefetch(&table.entries[index]);
 }
 
-/// Looks `key` up for a search of `depth` with the window (alpha, beta). True
-/// with a score when the slot decides; the move output is written on every hit
-/// but an exact one and on every miss of the same key.
+/// What a table knows of a position for a search of some depth and window.
+struct HashFinding {
+  const HashEntry* slot = nullptr;  // holds the position; null when none does
+  bool deepEnough = false;          // its result is of at least that depth
+  bool decides = false;             // and its score is exact or a bound beyond the window
+};
+
+/// Looks `key` up for a search of `depth` with the window (alpha, beta) and counts
+/// the probe: a conflict without a slot, a hit when it decides, else a miss.
+inline HashFinding HashLookUp(HashTable& table, std::uint64_t key, std::int32_t alpha,
+                              std::int32_t beta, std::int32_t depth) {
+  const std::uint32_t index = HashLocate(table, key);
+  if (!HashHolds(table, index, key)) {
+    ++table.conflicts;
+    return {};
+  }
+  const HashEntry& slot = table.entries[index];
+  if (slot.depth < depth) {
+    ++table.misses;
+    return {&slot, false, false};
+  }
+  const bool decides = slot.bound == exactBound ||
+                       (slot.bound == upperBound && slot.score <= alpha) ||
+                       (slot.bound == lowerBound && slot.score >= beta);
+  ++(decides ? table.hits : table.misses);
+  return {&slot, true, decides};
+}
+
+/// The same as a yes or no: true with the slot's score when it decides. The move
+/// is written whenever the slot holds the position, unless an exact score decides.
 bool HashProbe(HashTable& table, std::uint64_t key, Move& move, std::int32_t& score,
                std::int32_t alpha, std::int32_t beta, std::int32_t depth);
 

@@ -14,19 +14,24 @@ constexpr std::uint32_t inputInterval = 8192;  // counted moves between input po
 // remembered and counts as due once it is reached or passed.
 void Poll(SearchState& state) {
   state.nextInputPoll = (state.nodeCount / inputInterval + 1) * inputInterval;
-  if (searchFlags.NoInputPolling == 0 && searchHooks.pollInput != nullptr) searchHooks.pollInput();
+  PollForInput(state);
 }
 
 bool ReadClock(SearchState& state) {
-  if (TimeIsUp(engineConfig)) state.stopFlag = 1;
-  return state.stopFlag != 0;
+  if (TimeIsUp(engineConfig) && !Stopped(state)) state.stopCause = StopCause::time;
+  return Stopped(state);
 }
 
 }  // namespace
 
+void PollForInput(SearchState& state) {
+  if (searchFlags.NoInputPolling == 0 && searchHooks.pollInput != nullptr) searchHooks.pollInput();
+  StopCommanded(state);
+}
+
 bool OutOfTime(SearchState& state) {
   if (engineConfig.InfiniteThinkingTime != 0) return false;
-  if (state.stopFlag != 0) return true;
+  if (Stopped(state)) return true;
   if (state.clockPolls > clockInterval) {
     state.clockPolls = 0;
     if (ReadClock(state)) return true;
@@ -42,7 +47,7 @@ void PollWhenDue(SearchState& state) {
 void PollOverdue(SearchState& state) {
   Poll(state);
   if (engineConfig.InfiniteThinkingTime == 0) ReadClock(state);
-  if (Stopped(state)) state.abandonQuiescence = 1;
+  if (Stopped(state)) state.stopCause = StopCause::abandonedExchange;
 }
 
 }  // namespace mirvo

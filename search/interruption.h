@@ -10,28 +10,38 @@
 namespace mirvo {
 
 /// Moves that the quiescence search may count beyond a due input poll before
-/// it polls itself. Games never get there; boards full of queens do.
+/// it polls itself. Games never come to that; boards full of queens do.
 inline constexpr std::uint32_t quiescencePatience = 2048;
 
-/// The search must unwind: its time is up or a front end asked it to stop.
-/// Nothing returned from then on may change a line, a table or a best move.
-inline bool Stopped(const SearchState& state) {
-  return state.stopFlag != 0 || searchFlags.StopSearch != 0;
+/// Whether the search must unwind. Nothing returned from then on may change a
+/// line, a table or a best move.
+inline bool Stopped(const SearchState& state) { return state.stopCause != StopCause::none; }
+
+/// Whether a front end asked the search to stop, which is then noted as the cause
+/// if there was none. Called after every poll: front ends run in no other place.
+inline bool StopCommanded(SearchState& state) {
+  if (searchFlags.StopSearch == 0) return false;
+  if (!Stopped(state)) state.stopCause = StopCause::command;
+  return true;
 }
 
+/// Lets the front ends handle waiting input, where there are any and polling is
+/// not switched off, and takes over a stop.
+void PollForInput(SearchState& state);
+
 /// For each node entry of the main search: looks at the clock once in 1024
-/// entries. True, with the stop flag set, when the time is up.
+/// entries, unless the search has no time limit. True when the search is stopped.
 bool OutOfTime(SearchState& state);
 
 /// For each node entry of the main search: lets the front ends handle waiting
 /// input once in 8192 counted moves.
 void PollWhenDue(SearchState& state);
 
-/// Looks at clock and input from within an endless exchange and notes in the
-/// state that the quiescence search is to be abandoned when either says stop.
+/// Looks at clock and input from within an endless exchange; if either says stop,
+/// the quiescence search is abandoned as well.
 void PollOverdue(SearchState& state);
 
-/// Whether PollOverdue is called for.
+/// Whether it is time for PollOverdue.
 inline bool IsPollOverdue(const SearchState& state) {
   return state.nodeCount >= state.nextInputPoll + quiescencePatience;
 }

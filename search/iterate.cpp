@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "board/legal_moves.h"
 #include "board/make_move.h"
 #include "book/opening_book.h"
 #include "search/game_counters.h"
@@ -11,7 +12,6 @@
 #include "search/report.h"
 #include "search/root.h"
 #include "search/search_flags.h"
-#include "search/search_hooks.h"
 #include "search/search_stats.h"
 #include "search/time_control.h"
 #include "shell/clock.h"
@@ -24,7 +24,7 @@ namespace {
 // recursion within the stack and squared depths within 32 bits.
 constexpr std::int32_t maxIterationDepth = 400;
 
-constexpr std::uint32_t holdSleep = 20;  // ms between rounds of a held search
+constexpr std::uint32_t ponderWaitSleep = 20;  // ms between two polls of a ponder wait
 
 /// What the iterations of one search remember.
 struct Iteration {
@@ -34,7 +34,7 @@ struct Iteration {
   std::int32_t completedDepth = 0;  // of the newest completed iteration
   std::int32_t reportedScore = 0;
   PvLine reportedPv{};
-  bool holding = false;  // repeating a depth while pondering
+  bool ponderWait = false;  // finished, repeating the last depth until the ponder time ends
   bool endedOnMate = false;
 };
 
@@ -46,7 +46,7 @@ bool SameLine(const PvLine& a, const PvLine& b) {
 void Report(const SearchRecord& record, Iteration& iteration, std::int32_t score) {
   const bool changed =
       score != iteration.reportedScore || !SameLine(iteration.pv, iteration.reportedPv);
-  if (iteration.holding && !changed) return;
+  if (iteration.ponderWait && !changed) return;
   ReportIteration(record, iteration.pv, score);
   iteration.reportedScore = score;
   iteration.reportedPv = iteration.pv;
@@ -67,17 +67,15 @@ void SavePreviousPv(const PvLine& pv) {
   previousPv.length = std::max(previousPv.length, pv.length);
 }
 
-// While pondering a finished search has nothing better to do than to wait for
-// the opponent's move: one poll and a short sleep a round.
-void Hold(Iteration& iteration) {
-  iteration.holding = true;
-  if (searchHooks.pollInput != nullptr && searchFlags.NoInputPolling == 0) {
-    searchHooks.pollInput();
-  }
-  if (searchFlags.pondering != 0 && searchFlags.StopSearch == 0) SleepMilliseconds(holdSleep);
-}
+bool IsPondering(const SearchState& state) { return searchFlags.pondering != 0 && !Stopped(state); }
 
-bool IsPondering() { return searchFlags.pondering != 0 && searchFlags.StopSearch == 0; }
+// One round of the wait for the opponent's move by a search that has finished
+// while pondering: a poll and a short sleep.
+void WaitWhilePondering(SearchState& state, Iteration& iteration) {
+  iteration.ponderWait = true;
+  PollForInput(state);
+  if (IsPondering(state)) SleepMilliseconds(ponderWaitSleep);
+}
 
 // A setting of any size gives bounds whose difference and negation still fit
 // in 32 bits.
@@ -88,7 +86,7 @@ std::int32_t WindowBound(std::int32_t score, std::int64_t distance) {
 
 void Deepen(SearchRecord& record, Iteration& iteration) {
   SearchState& state = record.state;
-  const std::int32_t lastDepth = std::min(record.maxDepth, maxIterationDepth);
+  const std::int32_t lastDepth = std::min(record.limits.depth, maxIterationDepth);
   std::int32_t depth = std::max(engineConfig.StartIDDepth, 0);
   std::int32_t alpha = -infiniteScore;
   std::int32_t beta = infiniteScore;
@@ -106,9 +104,9 @@ void Deepen(SearchRecord& record, Iteration& iteration) {
     // A mate ends the search, but not the opponent's time to think.
     if (score >= mateThreshold || score <= -mateThreshold) {
       Report(record, iteration, score);
-      if (IsPondering()) Hold(iteration);
-      if (!IsPondering()) {
-        iteration.endedOnMate = searchFlags.StopSearch == 0;
+      if (IsPondering(state)) WaitWhilePondering(state, iteration);
+      if (!IsPondering(state)) {
+        iteration.endedOnMate = !Stopped(state);
         return;
       }
       continue;
@@ -125,9 +123,9 @@ void Deepen(SearchRecord& record, Iteration& iteration) {
     alpha = WindowBound(score, -std::int64_t{engineConfig.AspirationWindow});
     beta = WindowBound(score, engineConfig.AspirationWindow);
     ++depth;
-    if (depth > lastDepth && IsPondering()) {
-      Hold(iteration);
-      if (IsPondering()) depth = lastDepth;
+    if (depth > lastDepth && IsPondering(state)) {
+      WaitWhilePondering(state, iteration);
+      if (IsPondering(state)) depth = lastDepth;
     }
   }
 }
@@ -155,7 +153,9 @@ SearchResult ChooseResult(Board& board, const Iteration& iteration) {
 SearchResult Iterate(SearchRecord& record) {
   timeControl.startTime = TickCount();
   record.state = SearchState{};
-  ResetHashCounters();  // an evaluation asked for between searches counts too
+  record.state.reportStyle = record.limits.reportStyle;
+  StopCommanded(record.state);  // a stop may have come before the search
+  ResetHashCounters();          // an evaluation asked for between searches counts too
   Iteration iteration;
   Deepen(record, iteration);
   CopyBoard(*record.board, *record.gameBoard);
@@ -184,7 +184,9 @@ SearchRecord PrepareSearch(Board& gameBoard) {
   SearchRecord record{};
   record.gameBoard = &gameBoard;
   record.board = &BoardPool[0];
-  record.maxDepth = engineConfig.DepthSearch;
+  record.limits.depth = engineConfig.DepthSearch;
+  // Runs that read no input are those of test suites.
+  if (searchFlags.NoInputPolling != 0) record.limits.reportStyle = ReportStyle::console;
   return record;
 }
 

@@ -11,8 +11,9 @@ namespace mirvo {
 /// while it runs, prints the iteration reports and the hash report.
 SearchResult Think(SearchRecord& record);
 
-/// Prepares a record for a search of `gameBoard` on search slot 0 with the
-/// configured depth.
+/// Prepares a record for a search of `gameBoard` on search slot 0 with the limits
+/// of the settings, to be changed before Think. Reports are for the console in
+/// runs without input polling.
 SearchRecord PrepareSearch(Board& gameBoard);
 
 }  // namespace mirvo

@@ -11,7 +11,7 @@ constexpr PickerStage stageList[] = {stageHashMove,    stageScoreCaptures, stage
                                      stageScoreQuiets, stageQuiets,        stageBadCaptures,
                                      stageEnd};
 
-constexpr std::int32_t anyScore = -MoveKeys::maxScore;
+constexpr std::int32_t anyScore = -ScoredMoveList::maxScore;
 
 }  // namespace
 
@@ -52,15 +52,15 @@ bool MovePicker::Next(Move& move, std::int32_t& score) {
   }
 }
 
-// Only a move that the generator offers here is played; the word played is the
-// table's, with its promotion piece.
+// The hash move is played only if the generator offers it here. The word played
+// is the table's, which names the promotion piece.
 bool MovePicker::TakeHashMove(Move& move, std::int32_t& score) {
   if (hashMove_ == noMove) return false;
   GenerateCapturesOnce();
-  bool found = Generated(hashMove_, 0);
+  bool found = IsGenerated(hashMove_, 0);
   if (!found) {
     GenerateQuietsOnce();
-    found = Generated(hashMove_, captureCount_);
+    found = IsGenerated(hashMove_, captureCount_);
   }
   move = hashMove_;
   score = hashMoveScore;
@@ -68,7 +68,7 @@ bool MovePicker::TakeHashMove(Move& move, std::int32_t& score) {
   return found;
 }
 
-bool MovePicker::Generated(Move wanted, int first) const {
+bool MovePicker::IsGenerated(Move wanted, int first) const {
   for (int i = first; i < generator_.count; ++i) {
     if (SameMove(generator_.moves[i], wanted)) return true;
   }
@@ -90,7 +90,7 @@ void MovePicker::GenerateQuietsOnce() {
 
 void MovePicker::ScoreCaptures() {
   GenerateCapturesOnce();
-  MoveKeys::Filler keys(captureKeys_);
+  ScoredMoveList::Filler keys(scoredCaptures_);
   for (int i = 0; i < captureCount_; ++i) {
     const int victim = CaptureVictim(board_, generator_.moves[i]);
     const Move move = WithCaptured(generator_.moves[i], victim) | captureFlag;
@@ -109,7 +109,7 @@ void MovePicker::ScoreQuiets() {
   const bool hasPvMove = pvIndex >= 0 && pvIndex < previousPv.length;
   const Move pvMove = hasPvMove ? Identity(previousPv.moves[pvIndex]) : noMove;
   const auto& history = HistoryTable[board_.sideToMove];
-  MoveKeys::Filler keys(quietKeys_);
+  ScoredMoveList::Filler keys(scoredQuiets_);
   for (int i = captureCount_; i < generator_.count; ++i) {
     const Move move = generator_.moves[i];
     std::int32_t score = history[FromSquare(move)][ToSquare(move)];
@@ -126,32 +126,33 @@ void MovePicker::ScoreQuiets() {
 
 Move MovePicker::Peek() const {
   if (*stage_ == stageQuiets) {
-    const int place = quietKeys_.PeekBest(anyScore);
-    return place < 0 ? noMove : generator_.moves[captureCount_ + place];
+    const int index = scoredQuiets_.PeekBest(anyScore);
+    return index < 0 ? noMove : generator_.moves[captureCount_ + index];
   }
   if (*stage_ != stageGoodCaptures && *stage_ != stageBadCaptures) return noMove;
-  const int place = captureKeys_.PeekBest(*stage_ == stageGoodCaptures ? 0 : anyScore);
-  return place < 0 ? noMove : generator_.moves[place];
+  const int index = scoredCaptures_.PeekBest(*stage_ == stageGoodCaptures ? 0 : anyScore);
+  return index < 0 ? noMove : generator_.moves[index];
 }
 
-// Whether a capture loses is found out when its turn comes: after a cut-off
-// nobody needs to know. The good ones are all taken before the first of the bad
-// ones, so none of those is in doubt any more.
-bool MovePicker::TakeCapture(std::int32_t floor, Move& move, std::int32_t& score) {
+// Captures are scored as if none lost material. The exchange is evaluated when a
+// capture's turn comes, since after a cut-off it would be wasted; a capture that
+// loses goes back with its loss for a score. Once the good captures are through,
+// every capture left is known to lose.
+bool MovePicker::TakeCapture(std::int32_t minimum, Move& move, std::int32_t& score) {
   for (;;) {
-    const int place = captureKeys_.TakeBest(floor, score);
-    if (place < 0) return false;
-    move = generator_.moves[place];
+    const int index = scoredCaptures_.TakeBest(minimum, score);
+    if (index < 0) return false;
+    move = generator_.moves[index];
     const std::int32_t loss = score >= 0 ? ExchangeLoss(board_, move) : 0;
     if (loss == 0) return true;
-    captureKeys_.Return(place, loss);
+    scoredCaptures_.PutBack(index, loss);
   }
 }
 
 bool MovePicker::TakeQuiet(Move& move, std::int32_t& score) {
-  const int place = quietKeys_.TakeBest(anyScore, score);
-  if (place < 0) return false;
-  move = generator_.moves[captureCount_ + place];
+  const int index = scoredQuiets_.TakeBest(anyScore, score);
+  if (index < 0) return false;
+  move = generator_.moves[captureCount_ + index];
   return true;
 }
 

@@ -1,5 +1,5 @@
-// The staged move picker: hands one move at a time to the main and root
-// search, best first, and generates no more than it has to.
+// The staged move picker: gives the main and the root search one move at a
+// time, best first, and generates no more than it has to.
 #pragma once
 
 #include <cstdint>
@@ -7,16 +7,16 @@
 #include "board/bb_move_generator.h"
 #include "board/board.h"
 #include "board/move.h"
-#include "search/move_keys.h"
+#include "search/scored_move_list.h"
 
 namespace mirvo {
 
+/// Stages in the order in which a node goes through them.
 enum PickerStage : std::uint8_t {
   stageHashMove = 0,
   stageScoreCaptures = 2,
   stageGoodCaptures = 3,
   stageScoreQuiets = 4,
-  stageUnused = 5,
   stageQuiets = 7,
   stageBadCaptures = 8,
   stageEnd = 9,
@@ -37,22 +37,25 @@ class MovePicker {
   /// hash move may come a second time from a later stage.
   bool Next(Move& move, std::int32_t& score);
 
-  /// The move that Next will give if the newest one's stage has another, or
-  /// noMove. Nothing is generated or scored for the answer, so it may be a
-  /// capture of which Next finds out first that it loses.
+  /// A guess at the move that Next gives next: the best move left in the stage
+  /// of the newest one, or noMove when that stage has no other. Costs nothing;
+  /// wrong for a capture that turns out to lose material.
   Move Peek() const;
 
   /// Stage that the newest move came from.
   PickerStage Stage() const { return *stage_; }
 
+  /// Whether the newest move is a late one: quiet, or a capture that loses.
+  bool AtLateMoves() const { return *stage_ >= stageQuiets; }
+
  private:
   bool TakeHashMove(Move& move, std::int32_t& score);
-  bool Generated(Move wanted, int first) const;
+  bool IsGenerated(Move wanted, int first) const;
   void GenerateCapturesOnce();
   void GenerateQuietsOnce();
   void ScoreCaptures();
   void ScoreQuiets();
-  bool TakeCapture(std::int32_t floor, Move& move, std::int32_t& score);
+  bool TakeCapture(std::int32_t minimum, Move& move, std::int32_t& score);
   bool TakeQuiet(Move& move, std::int32_t& score);
 
   const PickerStage* stage_;
@@ -64,8 +67,8 @@ class MovePicker {
   bool quietsGenerated_ = false;
   std::int32_t captureCount_ = 0;
   BBMoveGenerator2 generator_;
-  MoveKeys captureKeys_;  // of the generator's first captureCount_ moves
-  MoveKeys quietKeys_;    // of those behind them
+  ScoredMoveList scoredCaptures_;  // of the generator's first captureCount_ moves
+  ScoredMoveList scoredQuiets_;    // of those behind them
 };
 
 }  // namespace mirvo

@@ -7,44 +7,41 @@
 
 #include "board/attacks.h"
 #include "board/bb_move_generator.h"
+#include "board/legal_moves.h"
 #include "board/make_move.h"
 #include "eval/evaluate.h"
+#include "search/check_info.h"
+#include "search/child_prefetch.h"
 #include "search/hash_table.h"
 #include "search/interruption.h"
-#include "search/king_sight.h"
-#include "search/move_keys.h"
 #include "search/move_order.h"
-#include "search/next_key.h"
+#include "search/scored_move_list.h"
 #include "search/search_stats.h"
 #include "search/static_exchange.h"
+#include "search/try_move.h"
 
 namespace mirvo {
 namespace {
 
-constexpr std::int32_t deltaMargin = 100;
+constexpr std::int32_t deltaMargin = 100;  // centipawns
+constexpr std::int32_t anyScore = -ScoredMoveList::maxScore;
 
-bool IsLegal(Board& board, Move move) {
-  MakeMove(board, move);
-  const bool legal = !MoverLeftInCheck(board);
-  UnmakeMove(board);
-  return legal;
-}
-
-// Gives every move its score, captures as if none lost; quiet moves, searched
-// only in check, take their history. Writes each capture's victim into its word.
-void ScoreMoves(const Board& board, BBMoveGenerator2& generator, MoveKeys& list) {
-  MoveKeys::Filler keys(list);
+// Scores every move: captures as if none lost material, quiet moves, which are
+// searched only in check, by their history. Writes the victim of each capture
+// into its word.
+void ScoreMoves(const Board& board, BBMoveGenerator2& generator, ScoredMoveList& list) {
+  ScoredMoveList::Filler scores(list);
   for (int i = 0; i < generator.count; ++i) {
     Move& move = generator.moves[i];
     if (!IsCapture(move)) {
-      keys.Add(HistoryTable[board.sideToMove][FromSquare(move)][ToSquare(move)]);
+      scores.Add(HistoryTable[board.sideToMove][FromSquare(move)][ToSquare(move)]);
       continue;
     }
     const int victim = CaptureVictim(board, move);
     move = WithCaptured(move, victim);
-    keys.Add(CaptureScore(move, victim));
+    scores.Add(CaptureScore(move, victim));
   }
-  keys.Close();
+  scores.Close();
 }
 
 // Enemy pieces that are worth `needed` or more.
@@ -57,10 +54,10 @@ Bitboard PiecesWorth(const Board& board, std::int32_t needed) {
   return set;
 }
 
-// Puts the captures whose victim is worth less than `needed`, which is more than
-// a pawn, behind the others: the search would leave them out anyway. How many
-// there are.
-int PutHopelessLast(const Board& board, std::int32_t needed, BBMoveGenerator2& generator) {
+// Delta pruning ahead of the scoring: puts the captures whose victim is worth
+// less than `needed`, which is more than a pawn, behind the others. Returns how
+// many there are.
+int PutDeltaPrunedLast(const Board& board, std::int32_t needed, BBMoveGenerator2& generator) {
   const Bitboard wanted = PiecesWorth(board, needed);
   int nKept = 0;
   for (int i = 0; i < generator.count; ++i) {
@@ -71,32 +68,33 @@ int PutHopelessLast(const Board& board, std::int32_t needed, BBMoveGenerator2& g
   return generator.count - nKept;
 }
 
-// Whether one of the captures is legal, out of check. One by another piece than
-// the king that stands on no line with its king is.
+// Whether one of the captures is legal. The side must not be in check: then a
+// capture on an occupied square is, unless the king makes it or a piece that may
+// stand on a pin line.
 bool AnyLegalCapture(Board& board, const Move* captures, int count) {
   const int kingSquare = KingSquare(board, board.sideToMove);
-  const Bitboard lines = RookLines(kingSquare) | BishopLines(kingSquare);
+  const Bitboard pinLines = RookLines(kingSquare) | BishopLines(kingSquare);
   for (const Move move : std::span(captures, static_cast<std::size_t>(count))) {
-    const bool free = MovingKind(move) != king && (lines & Bit(FromSquare(move))) == 0 &&
-                      (board.occupied & Bit(ToSquare(move))) != 0;
-    if (free || IsLegal(board, move)) return true;
+    const bool knownLegal = MovingKind(move) != king && (pinLines & Bit(FromSquare(move))) == 0 &&
+                            (board.occupied & Bit(ToSquare(move))) != 0;
+    if (knownLegal || IsLegal(board, move)) return true;
   }
   return false;
 }
 
-// Drops what is illegal for sure: in check most moves are.
-void DropIllegal(const KingSight& sight, BBMoveGenerator2& generator) {
+// Drops the moves known to be illegal: in check most are.
+void DropIllegal(const CheckInfo& checkInfo, BBMoveGenerator2& generator) {
   int nKept = 0;
   for (int i = 0; i < generator.count; ++i) {
     const Move move = generator.moves[i];
     generator.moves[nKept] = move;
-    nKept += sight.Foresee(move) != Foresight::illegal ? 1 : 0;
+    nKept += checkInfo.LegalityOf(move) != Legality::illegal ? 1 : 0;
   }
   generator.count = nKept;
 }
 
 // Whether the side has a pawn one step from promotion. Promotions are never
-// left out.
+// pruned.
 bool MayPromote(const Board& board, int side) {
   constexpr Bitboard seventh[nSides] = {0x00FF000000000000ULL, 0x000000000000FF00ULL};
   return (board.pieces[PieceIndex(side, pawn)] & seventh[side]) != 0;
@@ -126,52 +124,50 @@ std::int32_t Quiesce(SearchState& state, Board& board, std::int32_t alpha, std::
   generator.GenerateCaptures();
   if (inCheck) generator.GenerateNonCaptures();
   if (generator.count == 0) return best;
-  const bool mayLeaveOut = !inCheck && !isPv;
+  const bool mayPrune = !inCheck && !isPv;
   const std::int32_t needed = alpha - margin;
-  int nHopeless = 0;
-  if (mayLeaveOut && needed > exchangeValue[pawn] && board.irregular == 0 &&
+  int nDeltaPruned = 0;
+  if (mayPrune && needed > exchangeValue[pawn] && board.irregular == 0 &&
       !MayPromote(board, side)) {
-    nHopeless = PutHopelessLast(board, needed, generator);
-    generator.count -= nHopeless;
-    if (generator.count == 0) return AnyLegalCapture(board, generator.moves, nHopeless) ? best : 0;
+    nDeltaPruned = PutDeltaPrunedLast(board, needed, generator);
+    generator.count -= nDeltaPruned;
+    if (generator.count == 0) {
+      return AnyLegalCapture(board, generator.moves, nDeltaPruned) ? best : 0;
+    }
   }
-  const KingSight sight(board, inCheck);
-  if (inCheck) DropIllegal(sight, generator);
-  bool anyLegal = false;
-  MoveKeys keys;
-  ScoreMoves(board, generator, keys);
+  const CheckInfo checkInfo(board, inCheck);
+  if (inCheck) DropIllegal(checkInfo, generator);
+  ScoredMoveList list;
+  ScoreMoves(board, generator, list);
 
-  // 3. Best first. Whether a capture loses is found out when its turn comes, and
-  // a move that is left out is made only when its legality is needed and cannot
-  // be told otherwise.
-  int awaited = -1;  // place of the move whose child's slot is being loaded already
+  // 3. Best first.
+  ChildPrefetch prefetch(board);
+  bool anyLegal = false;
   std::int32_t orderScore = 0;
-  for (int index = 0; (index = keys.TakeBest(-MoveKeys::maxScore, orderScore)) >= 0;) {
+  for (int index = 0; (index = list.TakeBest(anyScore, orderScore)) >= 0;) {
     const Move move = generator.moves[index];
-    const Foresight foresight = sight.Foresee(move);
-    if (foresight == Foresight::illegal) continue;
-    const bool foreseen = foresight == Foresight::legal;
-    if (mayLeaveOut && !IsPromotion(move)) {
+
+    // 3a. Prune. Moves that lose material count only as legal ones; where they
+    // are not pruned, they come after the others.
+    if (mayPrune && !IsPromotion(move)) {
       if (margin + exchangeValue[CapturedKind(move)] < alpha || ExchangeLoss(board, move) < 0) {
-        anyLegal = anyLegal || foreseen || IsLegal(board, move);
+        anyLegal = anyLegal || TryMove(board, checkInfo, move).legal;
         continue;
       }
     } else if (orderScore >= 0 && IsCapture(move)) {
       if (const std::int32_t loss = ExchangeLoss(board, move); loss < 0) {
-        keys.Return(index, loss);
+        list.PutBack(index, loss);
         continue;
       }
     }
-    if (index != awaited) HashPrefetch(EvalHashTable, NextKey(board, move));
-    awaited = anyLegal ? keys.PeekBest(0) : -1;
-    if (awaited >= 0) HashPrefetch(EvalHashTable, NextKey(board, generator.moves[awaited]));
-    MakeMove(board, move);
-    if (foreseen) {
-      board.inCheckCache = sight.GivesCheck(move) ? 1 : 0;
-    } else if (MoverLeftInCheck(board)) {
-      UnmakeMove(board);
-      continue;
-    }
+
+    // 3b. Try, make, search, unmake.
+    const MoveStatus status = TryMove(board, checkInfo, move);
+    if (!status.legal) continue;
+    prefetch.Start(move, 0);
+    const int next = anyLegal ? list.PeekBest(0) : -1;
+    prefetch.Start(next >= 0 ? generator.moves[next] : noMove, 0);
+    MakeTriedMove(board, move, status.givesCheck);
     anyLegal = true;
     ++state.nodeCount;
     ++searchStats.nQSNodes;
@@ -179,8 +175,10 @@ std::int32_t Quiesce(SearchState& state, Board& board, std::int32_t alpha, std::
       PollOverdue(state);
     const std::int32_t score = -Quiesce(state, board, -beta, -alpha, qply + 1);
     UnmakeMove(board);
-    if (state.abandonQuiescence != 0) [[unlikely]]
+    if (state.stopCause == StopCause::abandonedExchange) [[unlikely]]
       return best;
+
+    // 3c. Judge.
     if (score > best) {
       if (score >= beta) return score;
       best = score;
@@ -189,7 +187,9 @@ std::int32_t Quiesce(SearchState& state, Board& board, std::int32_t alpha, std::
   }
 
   // 4. Moves were there but none was legal: mate, or 0 when not in check.
-  if (anyLegal || AnyLegalCapture(board, generator.moves + generator.count, nHopeless)) return best;
+  if (anyLegal || AnyLegalCapture(board, generator.moves + generator.count, nDeltaPruned)) {
+    return best;
+  }
   return inCheck ? qply - mateScore : 0;
 }
 

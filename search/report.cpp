@@ -3,10 +3,10 @@
 #include <cstdio>
 #include <cstring>
 
+#include "board/legal_moves.h"
 #include "board/notation.h"
 #include "board/san.h"
 #include "protocol/protocol_mode.h"
-#include "search/root.h"
 #include "search/search_flags.h"
 #include "search/search_stats.h"
 #include "search/time_control.h"
@@ -131,7 +131,7 @@ void ReportIteration(const SearchRecord& record, const PvLine& pv, std::int32_t 
   std::int32_t elapsed = ElapsedSince(timeControl.startTime);
   if (elapsed < 0) elapsed = 0;
   const bool quiet = engineConfig.Quiet != 0;
-  if (searchFlags.NoInputPolling != 0) {
+  if (record.limits.reportStyle == ReportStyle::console) {
     if (!quiet) ReportForConsole(record, pv, score, elapsed);
   } else if (protocolMode.mode == xboardProtocol) {
     ReportForXBoard(record, pv, score, elapsed);
@@ -140,16 +140,16 @@ void ReportIteration(const SearchRecord& record, const PvLine& pv, std::int32_t 
   }
 }
 
-void ReportRootMove(Board& board, Move move, int number) {
+void ReportRootMove(ReportStyle style, Board& board, Move move, int number) {
   if (engineConfig.Quiet != 0) return;
-  const bool testSuite = searchFlags.NoInputPolling != 0;
-  if (!testSuite && protocolMode.mode != uciProtocol) return;
+  const bool forConsole = style == ReportStyle::console;
+  if (!forConsole && protocolMode.mode != uciProtocol) return;
   const std::uint32_t now = TickCount();
   if (now - lastRootMoveLine <= rootMoveInterval) return;
   lastRootMoveLine = now;
   char text[moveTextCapacity];
-  FormatMove(move, testSuite, text);
-  if (testSuite) {
+  FormatMove(move, forConsole, text);
+  if (forConsole) {
     Output(output, "Pondering: %s (%d/%d)\n", text, number, CountLegalMoves(board));
   } else {
     Output(output, "info currmove %s currmovenumber %d\n", text, number);

@@ -9,7 +9,8 @@
 
 namespace mirvo {
 
-/// UCI, XBoard or console line, by protocol mode and the no-polling flag.
+/// Console line if the record asks for that style; else the line of the protocol
+/// in use, UCI's if there is none.
 /// `score` is in centipawns, in the view of the side to move at the root.
 void ReportIteration(const SearchRecord& record, const PvLine& pv, std::int32_t score);
 
@@ -17,8 +18,9 @@ void ReportIteration(const SearchRecord& record, const PvLine& pv, std::int32_t 
 /// parentheses first while pondering.
 void PrintPV(const PvLine& pv, bool san);
 
-/// Prints the root move about to be searched, at most once a second. `number`
-/// counts from 0; the board is the root position.
-void ReportRootMove(Board& board, Move move, int number);
+/// Prints the root move about to be searched, at most once a second: under UCI
+/// and in console style only. `number` counts from 0; the board is the root
+/// position.
+void ReportRootMove(ReportStyle style, Board& board, Move move, int number);
 
 }  // namespace mirvo

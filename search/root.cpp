@@ -1,8 +1,8 @@
 #include "search/root.h"
 
 #include "board/attacks.h"
-#include "board/bb_move_generator.h"
 #include "board/keys.h"
+#include "board/legal_moves.h"
 #include "board/make_move.h"
 #include "search/hash_table.h"
 #include "search/interruption.h"
@@ -11,7 +11,7 @@
 #include "search/reductions.h"
 #include "search/report.h"
 #include "search/search.h"
-#include "search/search_hooks.h"
+#include "search/search_move.h"
 #include "search/search_stats.h"
 #include "shell/config.h"
 
@@ -20,20 +20,6 @@ namespace {
 
 constexpr int firstReducedMove = 6;  // picker's running number, from 0
 constexpr int minReducedDepth = 3;
-
-/// Calls `visit(move)` for each legal move in generator order until it answers
-/// true.
-template <typename Visitor>
-void ForEachLegalMove(Board& board, Visitor visit) {
-  BBMoveGenerator2 generator(board, board.sideToMove);
-  generator.GenerateAll();
-  for (int i = 0; i < generator.count; ++i) {
-    MakeMove(board, generator.moves[i]);
-    const bool legal = !MoverLeftInCheck(board);
-    UnmakeMove(board);
-    if (legal && visit(generator.moves[i])) return;
-  }
-}
 
 std::int32_t ExtensionLimit(std::int32_t depth) {
   const float limit =
@@ -44,55 +30,18 @@ std::int32_t ExtensionLimit(std::int32_t depth) {
   return static_cast<std::int32_t>(limit);
 }
 
-// A shallower search of the root finds a first move when the table has none.
+// A search of the root with one ply less finds a first move when the table has
+// none. It sets the extension limit for its own depth.
 Move FindRootMoveByDeepening(SearchState& state, Board& board, const NodeInput& node) {
   const std::int32_t outerLimit = state.extensionLimit;
-  NodeInput inner = node;
-  inner.depth = node.depth - 1;
-  const std::int32_t score = SearchRoot(state, board, inner, nullptr);
-  if (score <= node.alpha && !Stopped(state)) {
-    inner.alpha = -infiniteScore;
-    SearchRoot(state, board, inner, nullptr);
-  }
+  NodeInput shallow = node;
+  shallow.depth = node.depth - 1;
+  const Move move = FindMoveByDeepening(state, board, shallow, node.depth - 2, &SearchRoot);
   state.extensionLimit = outerLimit;
-  Move move = noMove;
-  if (!Stopped(state)) {
-    std::int32_t ignored = 0;
-    HashProbe(TranspositionTable, board.positionKey, move, ignored, node.alpha, node.beta,
-              node.depth - 2);
-  }
   return move;
 }
 
 }  // namespace
-
-int CountLegalMoves(Board& board) {
-  int count = 0;
-  ForEachLegalMove(board, [&count](Move) {
-    ++count;
-    return false;
-  });
-  return count;
-}
-
-bool IsLegalMove(Board& board, Move move) {
-  constexpr Move compared = sameMoveMask | promotionFlag | (Move{7} << movePromotionShift);
-  bool found = false;
-  ForEachLegalMove(board, [&found, move](Move legal) {
-    found = ((legal ^ move) & compared) == 0;
-    return found;
-  });
-  return found;
-}
-
-Move FirstLegalMove(Board& board) {
-  Move first = noMove;
-  ForEachLegalMove(board, [&first](Move legal) {
-    first = legal;
-    return true;
-  });
-  return first;
-}
 
 std::int32_t SearchRoot(SearchState& state, Board& board, const NodeInput& input, PvLine* pv) {
   std::int32_t alpha = input.alpha;
@@ -126,11 +75,9 @@ std::int32_t SearchRoot(SearchState& state, Board& board, const NodeInput& input
   std::int32_t orderScore = 0;
   for (int number = 0; picker.Next(move, orderScore); ++number) {
     // 2a. Input, progress, legality.
-    if (searchFlags.NoInputPolling == 0 && searchHooks.pollInput != nullptr) {
-      searchHooks.pollInput();
-    }
-    if (searchFlags.StopSearch != 0) return Quiesce(state, board, alpha, beta, 0);
-    ReportRootMove(board, move, number);
+    PollForInput(state);
+    if (StopCommanded(state)) return Quiesce(state, board, alpha, beta, 0);
+    ReportRootMove(state.reportStyle, board, move, number);
     MakeMove(board, move);
     if (MoverLeftInCheck(board)) {
       UnmakeMove(board);
@@ -155,26 +102,17 @@ std::int32_t SearchRoot(SearchState& state, Board& board, const NodeInput& input
     std::int32_t score = 0;
     const bool repeats = !isCapture && IsRepetition(board);
     if (!repeats) {
-      const int extension = AllowedExtension(state, WantsExtension(move));
-      const std::int32_t childDepth = depth + extension - 1;
-      state.extensions += extension;
-      if (firstSearched) {
-        score = SearchChild(state, board, alpha, beta, childDepth, isCapture, &childPv);
-      } else {
-        bool promising = true;
-        if (number >= firstReducedMove && depth >= minReducedDepth && extension == 0 &&
-            !(isCapture && orderScore >= 0) && !givesCheck) {
-          const std::int32_t reduced = depth - Reduction(true, depth, number) - 1;
-          score = SearchChild(state, board, alpha, alpha + 1, reduced, isCapture, nullptr);
-          promising = score > alpha;
-        }
-        if (promising && !Stopped(state)) {
-          score = SearchChild(state, board, alpha, alpha + 1, childDepth, isCapture, nullptr);
-          if (score > alpha && !Stopped(state)) {
-            score = SearchChild(state, board, alpha, beta, childDepth, isCapture, &childPv);
-          }
-        }
+      const int extension = CountExtension(searchStats, state, move);
+      const Candidate candidate{move, orderScore, extension, isCapture, givesCheck};
+      MoveSearch search{alpha, beta, depth + extension - 1};
+      search.isFirst = firstSearched;
+      search.isPv = true;
+      search.isCapture = isCapture;
+      if (number >= firstReducedMove && depth >= minReducedDepth && MayReduce(candidate)) {
+        search.reduction = Reduction(true, depth, number);
       }
+      state.extensions += extension;
+      score = SearchMove(state, board, search, &childPv);
       state.extensions -= extension;
       firstSearched = false;
     } else {

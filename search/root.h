@@ -12,13 +12,4 @@ namespace mirvo {
 /// does. A mate in one scores mateScore, being mated -mateScore.
 std::int32_t SearchRoot(SearchState& state, Board& board, const NodeInput& input, PvLine* pv);
 
-/// Number of legal moves of the side to move.
-int CountLegalMoves(Board& board);
-
-/// Whether `move` (its piece, from, to, promotion) is legal on the board.
-bool IsLegalMove(Board& board, Move move);
-
-/// The first legal move in generator order (captures first), or noMove.
-Move FirstLegalMove(Board& board);
-
 }  // namespace mirvo

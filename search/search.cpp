@@ -6,15 +6,18 @@
 #include "board/bits.h"
 #include "board/keys.h"
 #include "board/make_move.h"
+#include "search/check_info.h"
+#include "search/child_prefetch.h"
 #include "search/hash_table.h"
 #include "search/interruption.h"
-#include "search/king_sight.h"
 #include "search/move_order.h"
 #include "search/move_picker.h"
-#include "search/next_key.h"
 #include "search/quiescence.h"
 #include "search/reductions.h"
+#include "search/search_move.h"
 #include "search/search_stats.h"
+#include "search/static_exchange.h"
+#include "search/try_move.h"
 
 namespace mirvo {
 namespace {
@@ -22,11 +25,21 @@ namespace {
 constexpr std::int32_t pruningMargin = 400;  // centipawns, razoring and futility
 constexpr std::int32_t captureMargin = 100;  // centipawns, futility of captures
 
+// Children of at most this depth are searched in so short a time that the slot
+// of the move after the next one is prefetched as well.
+constexpr std::int32_t shallowDepth = 2;
+
+// Late-move reductions: the least depth of a node, and the number of its first
+// move that may be reduced.
+constexpr std::int32_t minReducedDepth = 3;
+constexpr std::int32_t firstReducedMove = 4;
+constexpr std::int32_t firstReducedPvMove = 6;
+
 // Undo records that stay free below the main search: the longest run of
 // captures and evasions that the quiescence search can make.
 constexpr std::int32_t quiescenceRoom = 126;
 
-/// What the transposition table knows about a node.
+// What the transposition table tells a node.
 struct TableHint {
   Move move = noMove;
   bool nullForbidden = false;
@@ -35,43 +48,37 @@ struct TableHint {
 };
 
 TableHint ProbeTable(std::uint64_t key, std::int32_t alpha, std::int32_t beta, std::int32_t depth) {
-  HashTable& table = TranspositionTable;
-  const std::uint32_t index = HashLocate(table, key);
+  const HashFinding found = HashLookUp(TranspositionTable, key, alpha, beta, depth);
   TableHint hint;
-  if (!HashHolds(table, index, key)) {
-    ++table.conflicts;
-    return hint;
-  }
-  const HashEntry& slot = table.entries[index];
-  hint.move = slot.move;
-  if (slot.depth < depth) {
-    ++table.misses;
-    return hint;
-  }
-  hint.cutoff = slot.bound == exactBound || (slot.bound == upperBound && slot.score <= alpha) ||
-                (slot.bound == lowerBound && slot.score >= beta);
-  hint.score = slot.score;
-  hint.nullForbidden = slot.score < beta && (slot.bound == upperBound || slot.bound == exactBound);
-  ++(hint.cutoff ? table.hits : table.misses);
+  if (found.slot == nullptr) return hint;
+  hint.move = found.slot->move;
+  if (!found.deepEnough) return hint;
+  const std::int32_t bound = found.slot->bound;
+  hint.cutoff = found.decides;
+  hint.score = found.slot->score;
+  // A score that is known to stay below beta will not reach it by passing either.
+  hint.nullForbidden = hint.score < beta && (bound == upperBound || bound == exactBound);
   return hint;
 }
 
-// Value of a side's pieces without pawns, by count only: knights gain and
-// rooks lose with the side's own pawns.
-std::int32_t PieceMaterial(const std::uint64_t* own, std::int32_t nPawns) {
-  return PopCount(own[knight]) * (400 + (nPawns - 5) * 100 / 16) +
-         PopCount(own[rook]) * (600 + (5 - nPawns) * 100 / 8) + PopCount(own[queen]) * 1100 +
-         PopCount(own[bishop]) * 400;
+// Value of a side's material in centipawns. Knights gain and rooks lose with the
+// number of the side's own pawns.
+std::int32_t Material(const std::uint64_t* own) {
+  constexpr int usualPawns = 5;
+  constexpr std::int32_t pawnValue = exchangeValue[pawn];
+  const std::int32_t nPawns = PopCount(own[pawn]);
+  const std::int32_t knightValue = exchangeValue[knight] + (nPawns - usualPawns) * pawnValue / 16;
+  const std::int32_t rookValue = exchangeValue[rook] + (usualPawns - nPawns) * pawnValue / 8;
+  return nPawns * pawnValue + PopCount(own[knight]) * knightValue +
+         PopCount(own[bishop]) * exchangeValue[bishop] + PopCount(own[rook]) * rookValue +
+         PopCount(own[queen]) * exchangeValue[queen];
 }
 
-// Own minus enemy material in centipawns.
-MIRVO_COUNTS_BITS std::int32_t MaterialEstimate(const Board& board) {
+// Own minus enemy material.
+MIRVO_COUNTS_BITS std::int32_t MaterialBalance(const Board& board) {
   const std::uint64_t* own = board.pieces + board.sideToMove * nKinds;
   const std::uint64_t* enemy = board.pieces + (board.sideToMove ^ 1) * nKinds;
-  const std::int32_t ownPawns = PopCount(own[pawn]);
-  const std::int32_t enemyPawns = PopCount(enemy[pawn]);
-  return PieceMaterial(own, ownPawns) - PieceMaterial(enemy, enemyPawns) +
-         100 * (ownPawns - enemyPawns);
+  return Material(own) - Material(enemy);
 }
 
 bool HasPieces(const Board& board, int side) {
@@ -79,34 +86,62 @@ bool HasPieces(const Board& board, int side) {
   return (own[knight] | own[bishop] | own[rook] | own[queen]) != 0;
 }
 
-// The table that a node of this depth asks first. Each load of a slot that
-// nobody asks for holds up the processor as much as one that somebody does.
-const HashTable& TableAskedAt(std::int32_t depth) {
-  return depth > 0 ? TranspositionTable : EvalHashTable;
-}
-
 void CountNode(SearchState& state) {
   ++state.nodeCount;
   ++searchStats.nNodes;
 }
 
-// Without a hash move a shallower search of the same node finds one to begin
-// with.
-Move FindMoveByDeepening(SearchState& state, Board& board, const NodeInput& node) {
-  NodeInput inner = node;
-  inner.depth = node.depth / 2;
-  const std::int32_t score = Search(state, board, inner, nullptr);
-  if (score <= node.alpha && !Stopped(state)) {
-    inner.alpha = -infiniteScore;
-    Search(state, board, inner, nullptr);
+// A node as its moves find it.
+struct Node {
+  std::int32_t alpha;
+  std::int32_t beta;
+  std::int32_t depth;
+  Move excluded;
+  std::uint64_t key;
+  Move hashMove;
+  bool nullForbidden;
+  bool isPv;
+  bool inCheck;
+  bool futile = false;        // moves that cannot lift the score to alpha are pruned
+  std::int32_t material = 0;  // own minus enemy; only at depths that prune by it
+};
+
+// Razoring: far behind just above the horizon, captures decide. Whether they do,
+// with the score.
+bool Razor(SearchState& state, Board& board, const Node& node, std::int32_t& score) {
+  if (node.depth != 2 || node.hashMove != noMove || node.inCheck ||
+      node.material + pruningMargin >= node.alpha) {
+    return false;
   }
-  Move move = noMove;
-  if (!Stopped(state)) {
-    std::int32_t ignored = 0;
-    HashProbe(TranspositionTable, board.positionKey, move, ignored, node.alpha, node.beta,
-              node.depth);
+  // The window is the negated one although no move was made, on purpose.
+  score = Quiesce(state, board, -node.alpha - 1, -node.alpha, 0);
+  return score < node.alpha;
+}
+
+// Null move: the score is at or above beta even after passing. True when that is
+// so or the search was stopped.
+bool PruneByNullMove(SearchState& state, Board& board, const Node& node, std::int32_t& score) {
+  const std::int32_t nullDepth = node.depth - (node.depth > 5 ? 3 : 2) - 1;
+  if (node.isPv || node.nullForbidden || nullDepth <= 0 || node.inCheck ||
+      !HasPieces(board, board.sideToMove)) {
+    return false;
   }
-  return move;
+  HashPrefetch(FirstProbedTable(nullDepth), node.key ^ SideKey());
+  MakeNullMove(board);
+  score = SearchChild(state, board, node.beta - 1, node.beta, nullDepth, false, nullptr);
+  UnmakeNullMove(board);
+  if (Stopped(state)) return true;
+  if (score < node.beta) return false;
+  HashStore(TranspositionTable, node.key, noMove, score, lowerBound, node.depth);
+  return true;
+}
+
+// Futility: whether a move of a node far behind cannot lift its score to alpha.
+bool IsFutile(const Node& node, const Candidate& candidate, std::int32_t alpha, bool isFirst) {
+  if (candidate.isCapture) return candidate.orderScore + node.material + captureMargin < alpha;
+  const int kind = MovingKind(candidate.move);
+  return candidate.extension == 0 && !candidate.givesCheck && kind != pawn && kind != king &&
+         !isFirst && ((candidate.move ^ node.hashMove) & fromToMask) != 0;
 }
 
 }  // namespace
@@ -117,18 +152,33 @@ std::int32_t SearchChild(SearchState& state, Board& board, std::int32_t alpha, s
   return -Search(state, board, NodeInput{-beta, -alpha, depth, noMove, afterCapture}, childPv);
 }
 
-bool WantsExtension(Move move) {
+bool IsExtendedKind(Move move) {
   const int rank = RankOf(ToSquare(move));
-  const bool wanted = IsPromotion(move) || (MovingKind(move) == pawn && (rank == 1 || rank == 6));
-  if (wanted) {
-    ++searchStats.nPromExt;
-    ++searchStats.nExt;
-  }
-  return wanted;
+  return IsPromotion(move) || (MovingKind(move) == pawn && (rank == 1 || rank == 6));
 }
 
-int AllowedExtension(const SearchState& state, bool wanted) {
-  return wanted && state.extensions + 1 < state.extensionLimit ? 1 : 0;
+int CountExtension(SearchStats& stats, const SearchState& state, Move move) {
+  if (!IsExtendedKind(move)) return 0;
+  ++stats.nPromExt;
+  ++stats.nExt;
+  return state.extensions + 1 < state.extensionLimit ? 1 : 0;
+}
+
+Move FindMoveByDeepening(SearchState& state, Board& board, const NodeInput& shallow,
+                         std::int32_t probeDepth, NodeSearch* search) {
+  const std::int32_t score = search(state, board, shallow, nullptr);
+  if (score <= shallow.alpha && !Stopped(state)) {
+    NodeInput open = shallow;
+    open.alpha = -infiniteScore;
+    search(state, board, open, nullptr);
+  }
+  Move move = noMove;
+  if (!Stopped(state)) {
+    std::int32_t ignored = 0;
+    HashProbe(TranspositionTable, board.positionKey, move, ignored, shallow.alpha, shallow.beta,
+              probeDepth);
+  }
+  return move;
 }
 
 void WritePv(PvLine& pv, Move move, const PvLine& child) {
@@ -145,74 +195,18 @@ void RewardQuietCutoff(const SearchState& state, const Board& board, Move move, 
   AddHistoryMalus(tried, nTried, move, depth, board.sideToMove);
 }
 
-std::int32_t Search(SearchState& state, Board& board, const NodeInput& input, PvLine* pv) {
-  std::int32_t alpha = input.alpha;
-  const std::int32_t beta = input.beta;
-  const std::int32_t depth = input.depth;
+namespace {
 
-  // 1. Clock and input.
-  if (OutOfTime(state)) return Quiesce(state, board, alpha, beta, 0);
-  PollWhenDue(state);
-  if (searchFlags.StopSearch != 0) return Quiesce(state, board, alpha, beta, 0);
-
-  // 2. A position seen once before is a draw; a capture cannot lead to one.
-  if (!input.afterCapture && IsRepetition(board)) return 0;
-
-  // 3. Horizon.
-  if (depth <= 0 || board.undoDepth >= undoCapacity - quiescenceRoom) {
-    return Quiesce(state, board, alpha, beta, 0);
-  }
-
-  // 4. Transposition table.
-  const int side = board.sideToMove;
-  const bool isPv = beta - alpha > 1;
-  const std::uint64_t key = board.positionKey;
-  const TableHint hint = ProbeTable(key, alpha, beta, depth);
-  if (hint.cutoff && !isPv) return hint.score;
-  Move hashMove = hint.move;
-
-  const bool inCheck = InCheck(board, side);
-
-  // 5. Razoring: far behind just above the horizon, captures decide. The
-  // window is the negated one although no move was made, on purpose.
-  std::int32_t material = 0;
-  if (depth <= 2) material = MaterialEstimate(board);
-  if (depth == 2 && hashMove == noMove && !inCheck && material + pruningMargin < alpha) {
-    const std::int32_t score = Quiesce(state, board, -alpha - 1, -alpha, 0);
-    if (score < alpha) return score;
-  }
-
-  // 6. Null move: still at or above beta after passing.
-  const std::int32_t nullReduction = depth > 5 ? 3 : 2;
-  if (!isPv && !hint.nullForbidden && depth > nullReduction + 1 && !inCheck &&
-      HasPieces(board, side)) {
-    const std::int32_t nullDepth = depth - nullReduction - 1;
-    HashPrefetch(TableAskedAt(nullDepth), key ^ SideKey());
-    MakeNullMove(board);
-    const std::int32_t score = SearchChild(state, board, beta - 1, beta, nullDepth, false, nullptr);
-    UnmakeNullMove(board);
-    if (score >= beta && !Stopped(state)) {
-      HashStore(TranspositionTable, key, noMove, score, lowerBound, depth);
-      return score;
-    }
-    if (Stopped(state)) return score;
-  }
-
-  // 7. Futility: one ply from the horizon and far behind.
-  const bool futile = depth == 1 && !isPv && !inCheck && material + pruningMargin < alpha;
-
-  // 8. Internal iterative deepening.
-  if (hashMove == noMove && depth > 2 && isPv) {
-    hashMove = FindMoveByDeepening(state, board, input);
-    if (Stopped(state)) return alpha;
-  }
-
-  // 9. The moves. The one to begin with is known long before it is made.
-  Move awaited = hashMove;  // whose child's slot is being loaded already
-  if (hashMove != noMove) HashPrefetch(TableAskedAt(depth - 1), NextKey(board, hashMove));
-  MovePicker picker(board, hashMove, depth, state.iterationDepth);
-  const KingSight sight(board, inCheck);
-  const std::int32_t originalAlpha = alpha;
+// Searches the moves of a node, best first, stores and returns the result. Part of
+// Search for the compiler: a call of its own costs 0.6 % of a search's instructions.
+[[gnu::always_inline]] inline std::int32_t SearchMoves(SearchState& state, Board& board,
+                                                       const Node& node, PvLine* pv) {
+  const std::int32_t depth = node.depth;
+  ChildPrefetch prefetch(board);
+  prefetch.Start(node.hashMove, depth - 1);  // long before it is made
+  MovePicker picker(board, node.hashMove, depth, state.iterationDepth);
+  const CheckInfo checkInfo(board, node.inCheck);
+  std::int32_t alpha = node.alpha;
   std::int32_t best = -infiniteScore;
   Move bestMove = noMove;
   std::int32_t bestDepth = depth;
@@ -221,91 +215,53 @@ std::int32_t Search(SearchState& state, Board& board, const NodeInput& input, Pv
   Move quiets[moveListCapacity];
   std::int32_t nQuiets = 0;
   PvLine childPv;
-  PvLine* const childPvOrNone = pv != nullptr ? &childPv : nullptr;
   Move move = noMove;
   std::int32_t orderScore = 0;
   while (picker.Next(move, orderScore)) {
-    if (input.excluded != noMove && SameMove(move, input.excluded)) {
+    if (node.excluded != noMove && SameMove(move, node.excluded)) {
       ++nMoves;
       continue;
     }
-    const bool isCapture = IsCapture(move);
-    const int extension = AllowedExtension(state, WantsExtension(move));
-    const Foresight foresight = sight.Foresee(move);
-    if (foresight == Foresight::illegal) continue;
-    const bool foreseen = foresight == Foresight::legal;
-    bool givesCheck = foreseen && sight.GivesCheck(move);
 
-    // 9a. Futility pruning. It needs no making of a move that is legal for sure.
-    const auto isFutile = [&] {
-      if (!futile) return false;
-      if (isCapture) return orderScore + material + captureMargin < alpha;
-      const int kind = MovingKind(move);
-      return extension == 0 && !givesCheck && kind != pawn && kind != king && nMoves != 0 &&
-             ((move ^ hashMove) & fromToMask) != 0;
-    };
-    if (foreseen && isFutile()) {
-      anyLegal = true;
-      CountNode(state);
-      continue;
-    }
-    // A load takes longer than making a move: where many moves are searched
-    // for a short time each, the next one's is started as well.
-    const std::int32_t childDepth = depth + extension - 1;
-    const HashTable& childTable = TableAskedAt(childDepth);
-    if (move != awaited) HashPrefetch(childTable, NextKey(board, move));
-    awaited = nMoves > 0 && childDepth < 3 ? picker.Peek() : noMove;
-    if (awaited != noMove) HashPrefetch(childTable, NextKey(board, awaited));
-    MakeMove(board, move);
-    if (!foreseen && MoverLeftInCheck(board)) {
-      UnmakeMove(board);
-      continue;
-    }
+    // 1. Try. A move that is pruned counts as a node.
+    const int extension = CountExtension(searchStats, state, move);
+    const MoveStatus status = TryMove(board, checkInfo, move);
+    if (!status.legal) continue;
     anyLegal = true;
     CountNode(state);
-    if (foreseen) {
-      board.inCheckCache = givesCheck ? 1 : 0;
-    } else {
-      givesCheck = InCheck(board, board.sideToMove);
-      if (isFutile()) {
-        UnmakeMove(board);
-        continue;
-      }
-    }
-    ++nMoves;
-    state.extensions += extension;
-    std::int32_t score = 0;
 
-    // 9b. The first move takes the full window, later ones have to prove
-    // themselves in a null window, late ones at reduced depth before that.
-    if (nMoves == 1) {
-      score = SearchChild(state, board, alpha, beta, childDepth, isCapture, childPvOrNone);
-    } else {
-      const bool reduce = depth >= 3 && nMoves >= (isPv ? 6 : 4) && picker.Stage() >= stageUnused &&
-                          extension == 0 && !(isCapture && orderScore >= 0) && !givesCheck;
-      bool promising = true;
-      if (reduce) {
-        const std::int32_t reduced = depth - Reduction(isPv, depth, nMoves) - 1;
-        if (reduced <= 0) HashPrefetch(EvalHashTable, board.positionKey);
-        score = SearchChild(state, board, alpha, alpha + 1, reduced, isCapture, nullptr);
-        promising = score > alpha;
-      }
-      if (promising && !Stopped(state)) {
-        score = SearchChild(state, board, alpha, alpha + 1, childDepth, isCapture, nullptr);
-        if (isPv && score > alpha && !Stopped(state)) {
-          score = SearchChild(state, board, alpha, beta, childDepth, isCapture, childPvOrNone);
-        }
-      }
+    // 2. Prune.
+    const bool isCapture = IsCapture(move);
+    const Candidate candidate{move, orderScore, extension, isCapture, status.givesCheck};
+    if (node.futile && IsFutile(node, candidate, alpha, nMoves == 0)) continue;
+    ++nMoves;
+
+    // 3. Extend and reduce.
+    MoveSearch search{alpha, node.beta, depth + extension - 1};
+    search.isFirst = nMoves == 1;
+    search.isPv = node.isPv;
+    search.isCapture = isCapture;
+    if (depth >= minReducedDepth && nMoves >= (node.isPv ? firstReducedPvMove : firstReducedMove) &&
+        picker.AtLateMoves() && MayReduce(candidate)) {
+      search.reduction = Reduction(node.isPv, depth, nMoves);
     }
+
+    // 4. Make, search, unmake.
+    prefetch.Start(move, search.depth);
+    const bool peek = nMoves > 1 && search.depth <= shallowDepth;
+    prefetch.Start(peek ? picker.Peek() : noMove, search.depth);
+    MakeTriedMove(board, move, status.givesCheck);
+    state.extensions += extension;
+    const std::int32_t score = SearchMove(state, board, search, pv != nullptr ? &childPv : nullptr);
     state.extensions -= extension;
     UnmakeMove(board);
-    if (Stopped(state)) return best > originalAlpha ? best : alpha;
+    if (Stopped(state)) return best > node.alpha ? best : alpha;
 
-    // 9c. Cut-off, new best, new line.
+    // 5. Judge: cut-off, new best, new line.
     if (score > best) {
-      if (score >= beta) {
+      if (score >= node.beta) {
         if (!isCapture) RewardQuietCutoff(state, board, move, depth, quiets, nQuiets);
-        HashStore(TranspositionTable, key, move, score, lowerBound, depth + extension);
+        HashStore(TranspositionTable, node.key, move, score, lowerBound, depth + extension);
         return score;
       }
       best = score;
@@ -319,21 +275,69 @@ std::int32_t Search(SearchState& state, Board& board, const NodeInput& input, Pv
     if (!isCapture && nQuiets < moveListCapacity) quiets[nQuiets++] = move;
   }
 
-  // 10. Mate and stalemate.
+  // Mate and stalemate.
   if (!anyLegal) {
-    const std::int32_t score = inCheck ? depth - mateScore : 0;
-    HashStore(TranspositionTable, key, noMove, score, inCheck ? exactBound : upperBound, depth);
+    const std::int32_t score = node.inCheck ? depth - mateScore : 0;
+    const HashBound bound = node.inCheck ? exactBound : upperBound;
+    HashStore(TranspositionTable, node.key, noMove, score, bound, depth);
     return score;
   }
 
-  // 11. The node's result. With every legal move pruned it fails low.
-  if (alpha == originalAlpha) {
+  // No move raised alpha. With every legal move pruned alpha is the score.
+  if (alpha == node.alpha) {
     if (nMoves == 0) best = alpha;
-    HashStore(TranspositionTable, key, noMove, best, upperBound, depth);
+    HashStore(TranspositionTable, node.key, noMove, best, upperBound, depth);
     return best;
   }
-  HashStore(TranspositionTable, key, bestMove, best, exactBound, bestDepth);
+  HashStore(TranspositionTable, node.key, bestMove, best, exactBound, bestDepth);
   return best;
+}
+
+}  // namespace
+
+std::int32_t Search(SearchState& state, Board& board, const NodeInput& input, PvLine* pv) {
+  const std::int32_t alpha = input.alpha;
+  const std::int32_t beta = input.beta;
+  const std::int32_t depth = input.depth;
+
+  // 1. Clock and input.
+  if (OutOfTime(state)) return Quiesce(state, board, alpha, beta, 0);
+  PollWhenDue(state);
+  if (StopCommanded(state)) return Quiesce(state, board, alpha, beta, 0);
+
+  // 2. A position seen once before is a draw; a capture cannot lead to one.
+  if (!input.afterCapture && IsRepetition(board)) return 0;
+
+  // 3. Horizon.
+  if (depth <= 0 || board.undoDepth >= undoCapacity - quiescenceRoom) {
+    return Quiesce(state, board, alpha, beta, 0);
+  }
+
+  // 4. Transposition table.
+  const bool isPv = beta - alpha > 1;
+  const std::uint64_t key = board.positionKey;
+  const TableHint hint = ProbeTable(key, alpha, beta, depth);
+  if (hint.cutoff && !isPv) return hint.score;
+
+  // 5. Pruning of the whole node.
+  const bool inCheck = InCheck(board, board.sideToMove);
+  Node node{alpha, beta, depth, input.excluded, key, hint.move, hint.nullForbidden, isPv, inCheck};
+  if (depth <= 2) node.material = MaterialBalance(board);
+  std::int32_t score = 0;
+  if (Razor(state, board, node, score)) return score;
+  if (PruneByNullMove(state, board, node, score)) return score;
+  node.futile = depth == 1 && !isPv && !inCheck && node.material + pruningMargin < alpha;
+
+  // 6. Internal iterative deepening.
+  if (node.hashMove == noMove && depth > 2 && isPv) {
+    NodeInput shallow = input;
+    shallow.depth = depth / 2;
+    node.hashMove = FindMoveByDeepening(state, board, shallow, depth, &Search);
+    if (Stopped(state)) return alpha;
+  }
+
+  // 7. The moves.
+  return SearchMoves(state, board, node, pv);
 }
 
 }  // namespace mirvo

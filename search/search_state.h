@@ -25,36 +25,56 @@ struct PvLine {
   Move moves[pvCapacity];
 };
 
-/// Input of one node: window, remaining depth (plies below the horizon in the
-/// quiescence search) and an excluded move (none in every call so far).
+/// Input of one node of the main or root search.
 struct NodeInput {
   std::int32_t alpha;
   std::int32_t beta;
-  std::int32_t depth;
-  Move excluded = noMove;
+  std::int32_t depth;         // plies to the horizon
+  Move excluded = noMove;     // a move to leave out; every caller passes none
   bool afterCapture = false;  // the move that led here was a capture
+};
+
+/// For whom a search reports.
+enum class ReportStyle : std::uint8_t {
+  protocol,  // in the form of the protocol in use
+  console,   // for the eye: a run of a test suite
+};
+
+/// What a search is asked to do. Its time is not among it: that is read from the
+/// settings while the search runs, since a ponder hit sets it then.
+struct SearchLimits {
+  std::int32_t depth;  // last iteration, in plies
+  ReportStyle reportStyle = ReportStyle::protocol;
+};
+
+/// Why a search unwinds.
+enum class StopCause : std::uint8_t {
+  none,               // it does not
+  time,               // the time for the move is up
+  command,            // a front end has set searchFlags.StopSearch
+  abandonedExchange,  // one of these, within an endless exchange: quiescence unwinds too
 };
 
 /// State of one search slot. Zeroed at the start of each search; the selective
 /// depth also at the start of each iteration.
 struct SearchState {
-  std::uint8_t stopFlag = 0;        // the time is up
-  std::uint32_t nodeCount = 0;      // moves searched, all kinds
-  std::int32_t selectiveDepth = 0;  // largest quiescence ply entered
-  std::int32_t extensions = 0;      // on the current path
+  StopCause stopCause = StopCause::none;
+  ReportStyle reportStyle = ReportStyle::protocol;  // of the record's limits
+  std::uint32_t nodeCount = 0;                      // moves searched, all kinds
+  std::int32_t selectiveDepth = 0;                  // largest quiescence ply entered
+  std::int32_t extensions = 0;                      // on the current path
   std::int32_t extensionLimit = 0;
-  std::int32_t iterationDepth = 0;     // of the running iteration
-  std::uint32_t clockPolls = 0;        // node entries since the clock was read
-  std::uint32_t nextInputPoll = 0;     // node count at which input is polled next
-  std::uint8_t abandonQuiescence = 0;  // an endless exchange is to be cut short
+  std::int32_t iterationDepth = 0;  // of the running iteration
+  std::uint32_t clockPolls = 0;     // node entries since the clock was read
+  std::uint32_t nextInputPoll = 0;  // node count at which input is polled next
 };
 
 /// One search, owned by the caller.
 struct SearchRecord {
   Board* gameBoard;  // the position to search; left as it is
   Board* board;      // the search's own copy (a board of BoardPool), left as it began
+  SearchLimits limits;
   SearchState state;
-  std::int32_t maxDepth;  // last iteration, in plies
 };
 
 /// What a search leaves behind. `best` is noMove when there is no legal move;

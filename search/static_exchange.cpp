@@ -9,12 +9,12 @@
 namespace mirvo {
 namespace {
 
-// Both sides have at most 64 pieces between them, one gain a capture.
+// One gain a capture, and no board has more than 64 pieces.
 constexpr int maxExchanges = nSquares + 1;
 
-// The exchange in progress: who still attacks the square, over an occupancy
-// from which the pieces that have captured are gone, and the sliders on its
-// lines that something stands in front of.
+// An exchange in progress: who still attacks the square, given an occupancy
+// without the pieces that have captured already, and the sliders that look at
+// the square through other pieces.
 struct Exchange {
   Exchange(const Board& position, int target);
 
@@ -22,8 +22,8 @@ struct Exchange {
   int square;
   OccupancyViews views;
   Bitboard attackers;
-  Bitboard hiddenOnDiagonals;
-  Bitboard hiddenOnLines;
+  Bitboard xRayDiagonals;  // bishops and queens behind other pieces
+  Bitboard xRayLines;      // rooks and queens behind other pieces
 };
 
 Exchange::Exchange(const Board& position, int target)
@@ -36,32 +36,31 @@ Exchange::Exchange(const Board& position, int target)
   const Bitboard diagonalAttackers =
       onDiagonals != 0 ? BishopAttacks(board, square) & onDiagonals : 0;
   const Bitboard lineAttackers = onLines != 0 ? RookAttacks(board, square) & onLines : 0;
-  hiddenOnDiagonals = onDiagonals ^ diagonalAttackers;
-  hiddenOnLines = onLines ^ lineAttackers;
+  xRayDiagonals = onDiagonals ^ diagonalAttackers;
+  xRayLines = onLines ^ lineAttackers;
   attackers =
       (PawnAttacks[black][square] & whites[pawn]) | (PawnAttacks[white][square] & blacks[pawn]) |
       (KnightAttacks[square] & (whites[knight] | blacks[knight])) |
       (KingAttacks[square] & (whites[king] | blacks[king])) | diagonalAttackers | lineAttackers;
 }
 
-// Takes a piece that captures off its square and adds the slider behind it.
-// Knights and kings uncover nothing that was not seen before.
-void TakeOff(Exchange& exchange, int square, int kind) {
+// Removes a capturing piece from its square and adds the x-ray attackers behind
+// it. Those behind a king are left out; a knight uncovers none.
+void RemoveAttacker(Exchange& exchange, int square, int kind) {
   const RotatedBits& bits = RotatedBitsOf[static_cast<std::size_t>(square)];
   exchange.views.occupied &= ~Bit(square);
   exchange.views.rot90 &= ~bits.rot90;
   exchange.views.diagA1H8 &= ~bits.diagA1H8;
   exchange.views.diagA8H1 &= ~bits.diagA8H1;
-  if (exchange.hiddenOnDiagonals != 0 && (kind == pawn || kind == bishop || kind == queen)) {
-    const Bitboard seen =
-        BishopAttacks(exchange.views, exchange.square) & exchange.hiddenOnDiagonals;
+  if (exchange.xRayDiagonals != 0 && (kind == pawn || kind == bishop || kind == queen)) {
+    const Bitboard seen = BishopAttacks(exchange.views, exchange.square) & exchange.xRayDiagonals;
     exchange.attackers |= seen;
-    exchange.hiddenOnDiagonals ^= seen;
+    exchange.xRayDiagonals ^= seen;
   }
-  if (exchange.hiddenOnLines != 0 && (kind == rook || kind == queen)) {
-    const Bitboard seen = RookAttacks(exchange.views, exchange.square) & exchange.hiddenOnLines;
+  if (exchange.xRayLines != 0 && (kind == rook || kind == queen)) {
+    const Bitboard seen = RookAttacks(exchange.views, exchange.square) & exchange.xRayLines;
     exchange.attackers |= seen;
-    exchange.hiddenOnLines ^= seen;
+    exchange.xRayLines ^= seen;
   }
   exchange.attackers &= exchange.views.occupied;
 }
@@ -87,8 +86,8 @@ int CaptureVictim(const Board& board, Move move) {
     const int kind = PieceOn(board, square, enemy);
     return kind == noPiece ? pawn : kind;
   }
-  // The kind's three bits, each told by the pieces that have it: nothing to
-  // guess for the processor, and an empty square is a pawn.
+  // The three bits of the kind's number, each from the pieces whose number has
+  // it: no branch to predict, and an empty square gives a pawn.
   static_assert(pawn == 0 && knight == 1 && bishop == 2 && rook == 3 && queen == 4 && king == 5);
   const std::uint64_t* of = board.pieces + enemy * nKinds;
   const std::uint64_t bit0 = of[knight] | of[rook] | of[king];
@@ -102,8 +101,8 @@ std::int32_t StaticExchange(const Board& board, Move move, int victim) {
   Exchange exchange(board, ToSquare(move));
   std::int32_t gain[maxExchanges];
   gain[0] = exchangeValue[victim];
-  int standing = MovingKind(move);
-  TakeOff(exchange, FromSquare(move), standing);
+  int occupant = MovingKind(move);
+  RemoveAttacker(exchange, FromSquare(move), occupant);
 
   int depth = 0;
   int side = MoveColour(move) ^ 1;
@@ -111,10 +110,10 @@ std::int32_t StaticExchange(const Board& board, Move move, int victim) {
     int square = 0;
     const int kind = LeastAttacker(exchange, side, square);
     if (kind == noPiece) break;
-    TakeOff(exchange, square, kind);
+    RemoveAttacker(exchange, square, kind);
     ++depth;
-    gain[depth] = exchangeValue[standing] - gain[depth - 1];
-    standing = kind;
+    gain[depth] = exchangeValue[occupant] - gain[depth - 1];
+    occupant = kind;
     side ^= 1;
   }
   for (; depth > 0; --depth) gain[depth - 1] = std::min(gain[depth - 1], -gain[depth]);

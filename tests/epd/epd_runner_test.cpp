@@ -16,9 +16,9 @@
 
 #include "board/bb_move_generator.h"
 #include "board/display.h"
+#include "board/legal_moves.h"
 #include "epd/epd_reader.h"
 #include "search/hash_table.h"
-#include "search/root.h"
 #include "search/search_flags.h"
 #include "search/search_hooks.h"
 #include "search/search_stats.h"

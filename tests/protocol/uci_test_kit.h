@@ -109,7 +109,7 @@ class UciTest : public ::testing::Test {
   static SearchResult RunScript(SearchRecord& record) { return current->NextSearch(record); }
 
   SearchResult NextSearch(SearchRecord& record) {
-    searches.push_back({record.maxDepth, engineConfig.InfiniteThinkingTime,
+    searches.push_back({record.limits.depth, engineConfig.InfiniteThinkingTime,
                         engineConfig.FixedTimePerMove, searchFlags.pondering != 0,
                         searchFlags.StopSearch != 0, timeControl.deadline});
     if (script.empty()) return {noMove, noMove};

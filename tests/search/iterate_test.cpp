@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "board/keys.h"
+#include "board/legal_moves.h"
 #include "board/make_move.h"
 #include "book/opening_book.h"
 #include "protocol/protocol_mode.h"
@@ -290,6 +291,22 @@ TEST_F(Thinking, AHeldSearchPollsNeitherWithoutAHookNorWhenToldNotTo) {
     EXPECT_EQ(nPolls, 0);
   }
   SetTickSource(nullptr);
+}
+
+TEST_F(Thinking, RunsWithoutInputReportForTheConsole) {
+  engineConfig.DepthSearch = 7;
+  EXPECT_EQ(PrepareSearch(board).limits.depth, 7);
+  EXPECT_EQ(PrepareSearch(board).limits.reportStyle, ReportStyle::protocol);
+  searchFlags.NoInputPolling = 1;
+  EXPECT_EQ(PrepareSearch(board).limits.reportStyle, ReportStyle::console);
+}
+
+TEST_F(Thinking, AStopGivenBeforeTheSearchEndsItAtOnce) {
+  searchHooks.pollInput = [] { ++nPolls; };
+  searchFlags.StopSearch = 1;
+  const SearchResult result = Run("startpos", 5);
+  EXPECT_EQ(result.best, FirstLegalMove(board));
+  EXPECT_EQ(nPolls, 0);
 }
 
 TEST_F(Thinking, PonderingWithoutAnyMoveStillPolls) {

@@ -31,6 +31,8 @@ class Picker : public testing::Test {
     std::int32_t score = 0;
     while (picker.Next(move, score)) {
       all.push_back({test::MoveText(move), score, picker.Stage(), move});
+      EXPECT_EQ(picker.AtLateMoves(),
+                picker.Stage() == stageQuiets || picker.Stage() == stageBadCaptures);
     }
     EXPECT_EQ(picker.Stage(), stageEnd);
     EXPECT_FALSE(picker.Next(move, score));

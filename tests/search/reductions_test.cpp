@@ -47,6 +47,16 @@ TEST(Reductions, KnownEntries) {
   EXPECT_EQ(PvReductions[63][63], 3);     // half of it, 3.36
 }
 
+// A reduction of 0 stands for "not reduced": no late move may come by one, from
+// the first one on that the searches reduce.
+TEST(Reductions, EveryLateMoveIsReducedByAtLeastOnePly) {
+  BuildReductionTables();
+  for (int depth = 3; depth < 70; ++depth) {
+    for (int number = 4; number < 70; ++number) EXPECT_GE(Reduction(false, depth, number), 1);
+    for (int number = 6; number < 70; ++number) EXPECT_GE(Reduction(true, depth, number), 1);
+  }
+}
+
 TEST(Reductions, DepthsAndMoveNumbersPastTheTableUseItsEdge) {
   BuildReductionTables();
   EXPECT_EQ(Reduction(false, 400, 250), NonPvReductions[63][63]);

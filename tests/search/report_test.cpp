@@ -49,7 +49,7 @@ class Reports : public testing::Test {
 
   std::string RootMove(int number) {
     testing::internal::CaptureStdout();
-    ReportRootMove(board, pv.moves[0], number);
+    ReportRootMove(record.limits.reportStyle, board, pv.moves[0], number);
     return testing::internal::GetCapturedStdout();
   }
 
@@ -100,15 +100,15 @@ TEST_F(Reports, QuietSilencesUciAndConsoleButNotXBoard) {
   engineConfig.Quiet = 1;
   protocolMode.mode = uciProtocol;
   EXPECT_EQ(Report(1), "");
-  searchFlags.NoInputPolling = 1;
+  record.limits.reportStyle = ReportStyle::console;
   EXPECT_EQ(Report(1), "");
-  searchFlags.NoInputPolling = 0;
+  record.limits.reportStyle = ReportStyle::protocol;
   protocolMode.mode = xboardProtocol;
   EXPECT_NE(Report(1), "");
 }
 
 TEST_F(Reports, TheConsoleLineNumbersItsMoves) {
-  searchFlags.NoInputPolling = 1;
+  record.limits.reportStyle = ReportStyle::console;
   protocolMode.mode = uciProtocol;  // a test-suite run comes first
   searchStats.nNodes = 9000;
   searchStats.nQSNodes = 1000;
@@ -116,7 +116,7 @@ TEST_F(Reports, TheConsoleLineNumbersItsMoves) {
 }
 
 TEST_F(Reports, WithBlackToMoveTheScoreTurnsAndTheLineBeginsWithDots) {
-  searchFlags.NoInputPolling = 1;
+  record.limits.reportStyle = ReportStyle::console;
   board.sideToMove = black;
   pv.moves[0] = BuildMove(57, 42, black, knight);
   pv.moves[1] = BuildMove(12, 28, white, pawn);
@@ -125,7 +125,7 @@ TEST_F(Reports, WithBlackToMoveTheScoreTurnsAndTheLineBeginsWithDots) {
 }
 
 TEST_F(Reports, AnEvenScoreHasNoMinusForEitherSide) {
-  searchFlags.NoInputPolling = 1;
+  record.limits.reportStyle = ReportStyle::console;
   EXPECT_NE(Report(0).find(" +0.00 "), std::string::npos);
   board.sideToMove = black;
   EXPECT_NE(Report(0).find(" +0.00 "), std::string::npos);
@@ -157,7 +157,7 @@ TEST_F(Reports, RootMovesShowAtMostOnceASecond) {
 }
 
 TEST_F(Reports, InASuiteRootMovesShowTheirNumberOfAll) {
-  searchFlags.NoInputPolling = 1;
+  record.limits.reportStyle = ReportStyle::console;
   fakeTicks = 90000;
   EXPECT_EQ(RootMove(3), "Pondering: e4 (3/20)\n");
 }

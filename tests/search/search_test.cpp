@@ -6,6 +6,7 @@
 #include "board/keys.h"
 #include "board/notation.h"
 #include "search/hash_table.h"
+#include "search/interruption.h"
 #include "search/move_order.h"
 #include "search/quiescence.h"
 #include "search/search_flags.h"
@@ -188,10 +189,10 @@ TEST_F(MainSearch, TheClockIsReadOnceIn1024Entries) {
   fakeTicks = 1000;
   state.clockPolls = 1024;
   Run(middleGame, 0, 1, 0);
-  EXPECT_EQ(state.stopFlag, 0);
+  EXPECT_FALSE(Stopped(state));
   state.clockPolls = 1025;
   Run(middleGame, 0, 1, 0);
-  EXPECT_EQ(state.stopFlag, 1);
+  EXPECT_EQ(state.stopCause, StopCause::time);
 }
 
 TEST_F(MainSearch, ThinkingWithoutLimitNeverLooksAtTheClock) {
@@ -199,7 +200,7 @@ TEST_F(MainSearch, ThinkingWithoutLimitNeverLooksAtTheClock) {
   fakeTicks = 1000000;
   state.clockPolls = 5000;
   Run(middleGame, 0, 1, 3);
-  EXPECT_EQ(state.stopFlag, 0);
+  EXPECT_FALSE(Stopped(state));
 }
 
 TEST_F(MainSearch, InputIsPolledEvery8192Moves) {
@@ -223,30 +224,34 @@ TEST_F(MainSearch, AStopFromAPollUnwindsWithoutATrace) {
   PvLine pv{};
   Run(middleGame, -open, open, 30, &pv);
   EXPECT_EQ(nPolls, 2);
+  EXPECT_EQ(state.stopCause, StopCause::command);
   EXPECT_LT(state.nodeCount, 3U * 8192U);
   EXPECT_EQ(board.undoDepth, 0);
   EXPECT_EQ(state.extensions, 0);
   EXPECT_EQ(board.positionKey, ComputeKey(board));
 }
 
-TEST_F(MainSearch, PromotionsAndSeventhRankPawnsAskForAnExtension) {
-  searchStats = SearchStats{};
-  EXPECT_TRUE(WantsExtension(BuildMove(52, 60, white, pawn) | PromotionBits(queen)));
-  EXPECT_TRUE(WantsExtension(BuildMove(44, 52, white, pawn)));
-  EXPECT_TRUE(WantsExtension(BuildMove(20, 12, black, pawn)));
-  EXPECT_FALSE(WantsExtension(BuildMove(12, 20, white, pawn)));
-  EXPECT_FALSE(WantsExtension(BuildMove(44, 52, white, rook)));
-  EXPECT_EQ(searchStats.nPromExt, 3);
-  EXPECT_EQ(searchStats.nExt, 3);
+TEST(ExtendedKind, ArePromotionsAndPawnsOneStepFromIt) {
+  EXPECT_TRUE(IsExtendedKind(BuildMove(52, 60, white, pawn) | PromotionBits(queen)));
+  EXPECT_TRUE(IsExtendedKind(BuildMove(44, 52, white, pawn)));
+  EXPECT_TRUE(IsExtendedKind(BuildMove(20, 12, black, pawn)));
+  EXPECT_FALSE(IsExtendedKind(BuildMove(12, 20, white, pawn)));
+  EXPECT_FALSE(IsExtendedKind(BuildMove(44, 52, white, rook)));
 }
 
 TEST_F(MainSearch, TheExtensionLimitIsNeverReached) {
+  const Move pawnToSeventh = BuildMove(44, 52, white, pawn);
+  const Move rookMove = BuildMove(44, 52, white, rook);
+  SearchStats stats;
   state.extensionLimit = 2;
   state.extensions = 0;
-  EXPECT_EQ(AllowedExtension(state, true), 1);
-  EXPECT_EQ(AllowedExtension(state, false), 0);
+  EXPECT_EQ(CountExtension(stats, state, pawnToSeventh), 1);
+  EXPECT_EQ(CountExtension(stats, state, rookMove), 0);
   state.extensions = 1;
-  EXPECT_EQ(AllowedExtension(state, true), 0);
+  EXPECT_EQ(CountExtension(stats, state, pawnToSeventh), 0);
+  // Counted are the moves of the kind, granted or not.
+  EXPECT_EQ(stats.nPromExt, 2);
+  EXPECT_EQ(stats.nExt, 2);
 }
 
 // White is hopelessly behind: its one capture wins too little, its king steps

@@ -119,7 +119,7 @@ SearchResult ShortThink(SearchRecord& record) {
   ++session.counts.nSearches;
   session.nPolls = 0;
   session.search = &record;
-  record.maxDepth = std::min(record.maxDepth, deepestSearch);
+  record.limits.depth = std::min(record.limits.depth, deepestSearch);
   before = *record.gameBoard;
   if (const BrokenPromise broken = session.interface->JudgePosition(before)) Break(broken);
   const SearchResult result = Think(record);

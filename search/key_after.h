@@ -1,5 +1,5 @@
-// The key of the position after a move, foretold for prefetching: the table
-// slots of the new position are on their way while the move is being made.
+// The position key after a move, computed before the move is made, so that the
+// new position's table slots can be prefetched meanwhile.
 #pragma once
 
 #include <cstdint>
@@ -10,11 +10,11 @@
 
 namespace mirvo {
 
-/// Key after `move`, exact for moves that neither castle, promote, take en
-/// passant nor change castling rights or the en-passant square; for those it
-/// names another slot, and nothing is lost but a prefetch. A capture carries
-/// its victim's kind in the move word.
-inline std::uint64_t NextKey(const Board& board, Move move) {
+/// Key after `move`. Exact unless the move castles, promotes, captures en
+/// passant or changes castling rights or the en-passant square: then it is some
+/// other key, good only for a useless prefetch. A capture must have its victim's
+/// kind in the move word.
+inline std::uint64_t KeyAfter(const Board& board, Move move) {
   const int side = board.sideToMove;
   const int kind = MovingKind(move);
   const int to = ToSquare(move);

@@ -1,4 +1,4 @@
-#include "search/king_sight.h"
+#include "search/check_info.h"
 
 #include "board/attacks.h"
 #include "board/bits.h"
@@ -6,36 +6,37 @@
 
 namespace mirvo {
 
-KingSight::KingSight(const Board& position, bool inCheck) : board_(position) {
+CheckInfo::CheckInfo(const Board& position, bool inCheck) : board_(position) {
   const int side = position.sideToMove;
   const int ownKing = KingSquare(position, side);
   const int enemyKing = KingSquare(position, side ^ 1);
-  checks_[pawn] = PawnAttacks[side ^ 1][enemyKing];
-  checks_[knight] = KnightAttacks[enemyKing];
-  checks_[bishop] = BishopAttacks(position, enemyKing);
-  checks_[rook] = RookAttacks(position, enemyKing);
-  checks_[queen] = checks_[bishop] | checks_[rook];
-  checks_[king] = 0;
-  // Boards that only text input can set up get no answers.
+  checkSquares_[pawn] = PawnAttacks[side ^ 1][enemyKing];
+  checkSquares_[knight] = KnightAttacks[enemyKing];
+  checkSquares_[bishop] = BishopAttacks(position, enemyKing);
+  checkSquares_[rook] = RookAttacks(position, enemyKing);
+  checkSquares_[queen] = checkSquares_[bishop] | checkSquares_[rook];
+  checkSquares_[king] = 0;
+  // Boards that only text input can set up: nothing is known of their moves.
   const std::uint64_t* own = position.pieces + side * nKinds;
-  const Bitboard attackers = (checks_[pawn] & own[pawn]) | (checks_[knight] & own[knight]) |
-                             (checks_[bishop] & own[bishop]) | (checks_[rook] & own[rook]) |
-                             (checks_[queen] & own[queen]) | (KingAttacks[enemyKing] & own[king]);
+  const Bitboard attackers =
+      (checkSquares_[pawn] & own[pawn]) | (checkSquares_[knight] & own[knight]) |
+      (checkSquares_[bishop] & own[bishop]) | (checkSquares_[rook] & own[rook]) |
+      (checkSquares_[queen] & own[queen]) | (KingAttacks[enemyKing] & own[king]);
   if (position.irregular != 0 || own[king] != Bit(ownKing) ||
       position.pieces[PieceIndex(side ^ 1, king)] != Bit(enemyKing) || attackers != 0) {
-    unforeseen_ = ~Bitboard{0};
+    unknownTargets_ = ~Bitboard{0};
     return;
   }
-  screens_ = Screens(position, ownKing, side ^ 1) | Screens(position, enemyKing, side);
+  blockers_ = Screens(position, ownKing, side ^ 1) | Screens(position, enemyKing, side);
   if (HasEnPassant(position)) {
-    unforeseen_ = Bit(SquareAt(position.epRank & 7, position.epFile & 7));
+    unknownTargets_ = Bit(SquareAt(position.epRank & 7, position.epFile & 7));
   }
   if (inCheck) FindEvasions(ownKing);
 }
 
-/// Against one checker another piece has to take it or to step between;
-/// against two only the king moves.
-void KingSight::FindEvasions(int ownKing) {
+// One checker has to be taken or blocked unless the king moves; two checkers
+// leave only the king's moves.
+void CheckInfo::FindEvasions(int ownKing) {
   const int side = board_.sideToMove;
   const std::uint64_t* enemy = board_.pieces + (side ^ 1) * nKinds;
   const Bitboard leapers = (PawnAttacks[side][ownKing] & enemy[pawn]) |
@@ -54,18 +55,19 @@ void KingSight::FindEvasions(int ownKing) {
   }
 }
 
-Foresight KingSight::ForeseeKing(int from, int to) const {
+Legality CheckInfo::LegalityOfKingMove(int from, int to) const {
   const bool castles = to - from == 2 || from - to == 2;
-  if (castles || (screens_ & Bit(from)) != 0) return Foresight::unknown;
-  if (SquareAttacked(board_, board_.sideToMove ^ 1, to)) return Foresight::illegal;
-  // A slider that gives check sees through the square that the king leaves.
+  if (castles || (blockers_ & Bit(from)) != 0) return Legality::unknown;
+  if (SquareAttacked(board_, board_.sideToMove ^ 1, to)) return Legality::illegal;
+  // The king does not escape along the line of a slider that gives check: the
+  // slider attacks through the square that the king leaves.
   for (Bitboard sliders = checkingSliders_; sliders != 0;) {
     const int slider = PopHighest(sliders);
     if (((RookPath[slider][to] | BishopPath[slider][to]) & Bit(from)) != 0) {
-      return Foresight::illegal;
+      return Legality::illegal;
     }
   }
-  return Foresight::legal;
+  return Legality::legal;
 }
 
 }  // namespace mirvo

@@ -1,4 +1,4 @@
-#include "search/next_key.h"
+#include "search/key_after.h"
 
 #include <gtest/gtest.h>
 
@@ -26,7 +26,7 @@ TEST_P(PlainMoves, HaveTheKeyThatWasTold) {
   for (int i = 0; i < generator.count; ++i) {
     Move move = generator.moves[i];
     if (IsCapture(move)) move = WithCaptured(move, CaptureVictim(board, move));
-    const std::uint64_t told = NextKey(board, move);
+    const std::uint64_t told = KeyAfter(board, move);
     MakeMove(board, move);
     EXPECT_EQ(board.positionKey, told) << test::MoveText(move);
     UnmakeMove(board);

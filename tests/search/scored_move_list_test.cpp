@@ -1,4 +1,4 @@
-#include "search/move_keys.h"
+#include "search/scored_move_list.h"
 
 #include <gtest/gtest.h>
 
@@ -12,21 +12,21 @@ namespace mirvo {
 namespace {
 
 using Scores = std::vector<std::int32_t>;
-using Taken = std::vector<std::pair<int, std::int32_t>>;  // place and score
+using Taken = std::vector<std::pair<int, std::int32_t>>;  // index and score
 
-constexpr std::int32_t anyScore = -MoveKeys::maxScore;
+constexpr std::int32_t anyScore = -ScoredMoveList::maxScore;
 
-void Fill(MoveKeys& list, const Scores& scores) {
-  MoveKeys::Filler keys(list);
+void Fill(ScoredMoveList& list, const Scores& scores) {
+  ScoredMoveList::Filler keys(list);
   for (const std::int32_t score : scores) keys.Add(score);
   keys.Close();
 }
 
-Taken TakeAll(MoveKeys& list, std::int32_t floor) {
+Taken TakeAll(ScoredMoveList& list, std::int32_t minimum) {
   Taken taken;
   std::int32_t score = 0;
-  for (int place = 0; (place = list.TakeBest(floor, score)) >= 0;) {
-    taken.emplace_back(place, score);
+  for (int index = 0; (index = list.TakeBest(minimum, score)) >= 0;) {
+    taken.emplace_back(index, score);
     if (taken.size() > static_cast<std::size_t>(moveListCapacity)) break;  // would never end
   }
   return taken;
@@ -34,13 +34,13 @@ Taken TakeAll(MoveKeys& list, std::int32_t floor) {
 
 /// Places by falling score, the earlier of equals first.
 Taken Sorted(const Scores& scores) {
-  std::vector<int> places(scores.size());
-  std::iota(places.begin(), places.end(), 0);
-  const auto scoreOf = [&](int place) { return scores[static_cast<std::size_t>(place)]; };
-  std::stable_sort(places.begin(), places.end(),
+  std::vector<int> order(scores.size());
+  std::iota(order.begin(), order.end(), 0);
+  const auto scoreOf = [&](int index) { return scores[static_cast<std::size_t>(index)]; };
+  std::stable_sort(order.begin(), order.end(),
                    [&](int a, int b) { return scoreOf(a) > scoreOf(b); });
   Taken sorted;
-  for (const int place : places) sorted.emplace_back(place, scoreOf(place));
+  for (const int index : order) sorted.emplace_back(index, scoreOf(index));
   return sorted;
 }
 
@@ -54,20 +54,20 @@ Scores RandomScores(std::mt19937& random, int count) {
 // Around the ends of blocks, and a list without room for one more.
 constexpr int lengths[] = {0, 1, 2, 3, 4, 5, 7, 8, 9, 15, 16, 17, 63, 64, 65, 248, 249, 255, 256};
 
-TEST(MoveKeys, GiveTheGreatestScoreFirst) {
-  MoveKeys list;
+TEST(ScoredMoveList, GiveTheGreatestScoreFirst) {
+  ScoredMoveList list;
   Fill(list, {3, 90, -4, 60, 0});
   EXPECT_EQ(TakeAll(list, anyScore), (Taken{{1, 90}, {3, 60}, {0, 3}, {4, 0}, {2, -4}}));
 }
 
-TEST(MoveKeys, GiveTheEarlierOfEqualScoresFirst) {
-  MoveKeys list;
+TEST(ScoredMoveList, GiveTheEarlierOfEqualScoresFirst) {
+  ScoredMoveList list;
   Fill(list, {5, 7, 5, 7, -1, -1});
   EXPECT_EQ(TakeAll(list, anyScore), (Taken{{1, 7}, {3, 7}, {0, 5}, {2, 5}, {4, -1}, {5, -1}}));
 }
 
-TEST(MoveKeys, HoldBackWhatIsBelowTheFloor) {
-  MoveKeys list;
+TEST(ScoredMoveList, HoldBackWhatIsBelowTheMinimum) {
+  ScoredMoveList list;
   Fill(list, {-1, 6, 5, -300, 4, 0});
   EXPECT_EQ(TakeAll(list, 5), (Taken{{1, 6}, {2, 5}}));
   EXPECT_EQ(TakeAll(list, 5), Taken{});
@@ -76,8 +76,8 @@ TEST(MoveKeys, HoldBackWhatIsBelowTheFloor) {
   EXPECT_EQ(TakeAll(list, anyScore), Taken{});
 }
 
-TEST(MoveKeys, LeaveTheScoreAloneWhenThereIsNoMove) {
-  MoveKeys list;
+TEST(ScoredMoveList, LeaveTheScoreAloneWhenThereIsNoMove) {
+  ScoredMoveList list;
   Fill(list, {-8});
   std::int32_t score = 77;
   EXPECT_EQ(list.TakeBest(-7, score), -1);
@@ -86,8 +86,8 @@ TEST(MoveKeys, LeaveTheScoreAloneWhenThereIsNoMove) {
   EXPECT_EQ(score, -8);
 }
 
-TEST(MoveKeys, ANewListIsEmpty) {
-  MoveKeys list;
+TEST(ScoredMoveList, ANewListIsEmpty) {
+  ScoredMoveList list;
   EXPECT_EQ(list.PeekBest(anyScore), -1);
   EXPECT_EQ(TakeAll(list, anyScore), Taken{});
   Fill(list, {});
@@ -95,14 +95,14 @@ TEST(MoveKeys, ANewListIsEmpty) {
   EXPECT_EQ(TakeAll(list, anyScore), Taken{});
 }
 
-TEST(MoveKeys, PeekTellsTheNextPlaceAndTakesNothing) {
-  MoveKeys list;
+TEST(ScoredMoveList, PeekTellsTheNextIndexAndTakesNothing) {
+  ScoredMoveList list;
   Fill(list, {2, -9, 11});
   std::int32_t score = 0;
-  for (const int place : {2, 0}) {
-    EXPECT_EQ(list.PeekBest(0), place);
-    EXPECT_EQ(list.PeekBest(0), place);
-    EXPECT_EQ(list.TakeBest(0, score), place);
+  for (const int index : {2, 0}) {
+    EXPECT_EQ(list.PeekBest(0), index);
+    EXPECT_EQ(list.PeekBest(0), index);
+    EXPECT_EQ(list.TakeBest(0, score), index);
   }
   EXPECT_EQ(list.PeekBest(0), -1);
   EXPECT_EQ(list.PeekBest(-9), 1);
@@ -110,9 +110,9 @@ TEST(MoveKeys, PeekTellsTheNextPlaceAndTakesNothing) {
   EXPECT_EQ(list.PeekBest(anyScore), -1);
 }
 
-TEST(MoveKeys, ListsOfEveryLengthAreSorted) {
+TEST(ScoredMoveList, ListsOfEveryLengthAreSorted) {
   std::mt19937 random(8);
-  MoveKeys list;
+  ScoredMoveList list;
   for (const int length : lengths) {
     for (int round = 0; round < 20; ++round) {
       // An earlier list has left its keys behind the end.
@@ -124,66 +124,66 @@ TEST(MoveKeys, ListsOfEveryLengthAreSorted) {
   }
 }
 
-TEST(MoveKeys, TheExtremeScoresAreKept) {
+TEST(ScoredMoveList, TheExtremeScoresAreKept) {
   for (const int length : {2, 9, 256}) {
     Scores scores(static_cast<std::size_t>(length), 0);
-    scores.front() = -MoveKeys::maxScore;
-    scores.back() = MoveKeys::maxScore;
-    MoveKeys list;
+    scores.front() = -ScoredMoveList::maxScore;
+    scores.back() = ScoredMoveList::maxScore;
+    ScoredMoveList list;
     Fill(list, scores);
     ASSERT_EQ(TakeAll(list, anyScore), Sorted(scores)) << length;
     std::swap(scores.front(), scores.back());
     Fill(list, scores);
     ASSERT_EQ(TakeAll(list, anyScore), Sorted(scores)) << length;
-    Fill(list, Scores(static_cast<std::size_t>(length), -MoveKeys::maxScore));
+    Fill(list, Scores(static_cast<std::size_t>(length), -ScoredMoveList::maxScore));
     ASSERT_EQ(TakeAll(list, anyScore).size(), scores.size()) << length;
   }
 }
 
-TEST(MoveKeys, AReturnedMoveComesAtItsNewScore) {
-  MoveKeys list;
+TEST(ScoredMoveList, AReturnedMoveComesAtItsNewScore) {
+  ScoredMoveList list;
   Fill(list, {50, 90, 20});
   std::int32_t score = 0;
   ASSERT_EQ(list.TakeBest(anyScore, score), 1);
-  list.Return(1, 30);
+  list.PutBack(1, 30);
   EXPECT_EQ(TakeAll(list, anyScore), (Taken{{0, 50}, {1, 30}, {2, 20}}));
 }
 
-TEST(MoveKeys, AReturnedMoveMayBeTheBestAgain) {
-  MoveKeys list;
+TEST(ScoredMoveList, AReturnedMoveMayBeTheBestAgain) {
+  ScoredMoveList list;
   Fill(list, {50, 90, 20});
   std::int32_t score = 0;
   ASSERT_EQ(list.TakeBest(anyScore, score), 1);
-  list.Return(1, 89);
+  list.PutBack(1, 89);
   EXPECT_EQ(list.PeekBest(anyScore), 1);
   EXPECT_EQ(TakeAll(list, anyScore), (Taken{{1, 89}, {0, 50}, {2, 20}}));
 }
 
-TEST(MoveKeys, ALastMoveIsReturnedAsOftenAsIsWanted) {
-  MoveKeys list;
+TEST(ScoredMoveList, ALastMoveIsReturnedAsOftenAsIsWanted) {
+  ScoredMoveList list;
   Fill(list, {10});
   std::int32_t score = 0;
   for (std::int32_t lower = 9; lower >= -9; --lower) {
     ASSERT_EQ(list.TakeBest(anyScore, score), 0);
     EXPECT_EQ(score, lower + 1);
-    list.Return(0, lower);
+    list.PutBack(0, lower);
   }
   EXPECT_EQ(TakeAll(list, 0), Taken{});
   EXPECT_EQ(TakeAll(list, anyScore), (Taken{{0, -9}}));
 }
 
-TEST(MoveKeys, AReturnedMoveStandsAmongItsEqualsByPlace) {
-  MoveKeys list;
+TEST(ScoredMoveList, AReturnedMoveStandsAmongItsEqualsByIndex) {
+  ScoredMoveList list;
   Fill(list, {7, 90, 7});
   std::int32_t score = 0;
   ASSERT_EQ(list.TakeBest(anyScore, score), 1);
-  list.Return(1, 7);
+  list.PutBack(1, 7);
   EXPECT_EQ(TakeAll(list, anyScore), (Taken{{0, 7}, {1, 7}, {2, 7}}));
 }
 
 // What the search does: the losses of some moves are found out when their turn
 // comes, those that lose nothing are taken first.
-TEST(MoveKeys, LossesFoundOutLateGiveTheOrderOfLossesKnown) {
+TEST(ScoredMoveList, LossesFoundOutLateGiveTheOrderOfLossesKnown) {
   std::mt19937 random(9);
   for (const int length : lengths) {
     for (int round = 0; round < 20; ++round) {
@@ -193,17 +193,17 @@ TEST(MoveKeys, LossesFoundOutLateGiveTheOrderOfLossesKnown) {
       for (std::int32_t& score : known) {
         if (random() % 2 == 0) score = -1 - static_cast<std::int32_t>(random() % 5);
       }
-      MoveKeys list;
+      ScoredMoveList list;
       Fill(list, hoped);
       Taken taken;
       std::int32_t score = 0;
-      for (const std::int32_t floor : {0, anyScore}) {
-        for (int place = 0; (place = list.TakeBest(floor, score)) >= 0;) {
-          const std::int32_t loss = known[static_cast<std::size_t>(place)];
+      for (const std::int32_t minimum : {0, anyScore}) {
+        for (int index = 0; (index = list.TakeBest(minimum, score)) >= 0;) {
+          const std::int32_t loss = known[static_cast<std::size_t>(index)];
           if (score >= 0 && loss < 0) {
-            list.Return(place, loss);
+            list.PutBack(index, loss);
           } else {
-            taken.emplace_back(place, score);
+            taken.emplace_back(index, score);
           }
           ASSERT_LE(taken.size(), known.size());
         }
