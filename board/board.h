@@ -1,6 +1,9 @@
-// The Board: one position with everything needed to play moves on it and take
-// them back. A plain value of fixed size; changed by the set-up routines here
-// and in fen.h, by make_move.h, and by the search's null move.
+// The Board: one position and the record of the moves that led to it. A plain
+// value of fixed size; changed by the set-up routines here and in fen.h and by
+// make_move.h. One thing that moves and the repetition test need lies outside
+// it: the keys of past positions, in the one list that all boards share
+// (key_history.h). So only one board at a time may be played on; a board that
+// is then left behind keeps its position but not its history.
 #pragma once
 
 #include <cstdint>
@@ -66,7 +69,9 @@ inline constexpr int undoCapacity = 500;
 inline constexpr int searchPlyRoom = 250;
 
 struct Board : PositionState {
-  /// An initial position with no en-passant square.
+  /// An initial position with no en-passant square. Its key is entry 0 of
+  /// KeyHistory when the program starts; afterwards a board that is to be played
+  /// on begins a game first (fen.h).
   Board();
 
   std::uint64_t pieces[nPieces];  // index = side * 6 + kind
@@ -87,17 +92,16 @@ struct Board : PositionState {
 
 inline constexpr int nBoards = 8;
 
-/// One search board per search slot; the engine uses slot 0.
-/// Owner: board.cpp. Writers and readers: the search, the EPD runner.
+/// One board per search slot; the engine has one searcher, which uses slot 0.
+/// Owner: board.cpp. Writer and reader: the search.
 extern Board BoardPool[nBoards];
 
 /// Empties the position. Leaves side to move, king squares, en-passant fields,
 /// history index and key alone; the caller sets what it needs.
 void ClearBoard(Board& board);
 
-/// Sets up the initial position and restarts KeyHistory. Leaves the
-/// en-passant fields alone: callers that begin a game call ClearEnPassant.
-void ResetToStart(Board& board);
+/// Sets up the initial position and its key. Leaves the en-passant fields alone.
+void PlaceStartPosition(Board& board);
 
 /// Forgets the en-passant square. Does not touch the key.
 void ClearEnPassant(Board& board);
@@ -117,16 +121,18 @@ void LocateKings(Board& board);
 /// Marks the board irregular when two pieces share a square.
 void DetectIrregular(Board& board);
 
+/// The key of the position from scratch.
+std::uint64_t ComputeKey(const Board& board);
+
+/// The piece keys of all pawns, from scratch. Without the side to move.
+std::uint64_t ComputePawnKey(const Board& board);
+
 /// Makes `destination` an independent copy; derived sets and the keys are
 /// recomputed, the undo records are copied whole.
 void CopyBoard(Board& destination, const Board& source);
 
 /// Kind of the piece of `side` on `square`, or noPiece.
 int PieceOn(const Board& board, int square, int side);
-
-/// Drops the oldest undo records and history keys so that at least
-/// searchPlyRoom more moves fit. Call only between searches.
-void TrimGameHistory(Board& board);
 
 inline int KingSquare(const Board& board, int side) {
   return SquareAt(board.kingRank[side], board.kingFile[side]);

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "board/keys.h"
+#include "board/key_history.h"
 #include "shell/text.h"
 
 namespace mirvo {
@@ -57,6 +57,11 @@ void SetupFromFen(const char* placement, const char* side, const char* castling,
   RebuildOccupancy(board);
   RebuildRotated(board);
   DetectIrregular(board);
+}
+
+void ResetToStart(Board& board) {
+  PlaceStartPosition(board);
+  StartKeyHistory(board);
 }
 
 void BeginFromFen(const char* placement, const char* side, const char* castling, Board& board) {

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "board/bits.h"
+#include "board/key_history.h"
 #include "board/keys.h"
 #include "board/occupancy_maps.h"
 

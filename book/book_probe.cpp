@@ -3,7 +3,6 @@
 
 #include "board/attacks.h"
 #include "board/bb_move_generator.h"
-#include "board/keys.h"
 #include "board/make_move.h"
 #include "board/notation.h"
 #include "book/opening_book.h"

@@ -8,7 +8,7 @@
 #include <string>
 
 #include "board/fen.h"
-#include "board/keys.h"
+#include "board/key_history.h"
 #include "board/san.h"
 #include "shell/text.h"
 

@@ -2,7 +2,7 @@
 
 #include "board/attacks.h"
 #include "board/bb_move_generator.h"
-#include "board/keys.h"
+#include "board/key_history.h"
 #include "board/make_move.h"
 #include "search/hash_table.h"
 #include "search/interruption.h"

@@ -4,6 +4,7 @@
 
 #include "board/attacks.h"
 #include "board/bits.h"
+#include "board/key_history.h"
 #include "board/keys.h"
 #include "board/make_move.h"
 #include "search/hash_table.h"

@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "board/fen.h"
+#include "board/key_history.h"
 #include "board/keys.h"
 #include "board/make_move.h"
 #include "tests/support/board_support.h"

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "board/bb_move_generator.h"
+#include "board/key_history.h"
 #include "board/keys.h"
 #include "board/make_move.h"
 #include "tests/support/board_support.h"

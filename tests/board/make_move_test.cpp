@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "board/key_history.h"
 #include "board/keys.h"
 #include "tests/support/board_support.h"
 

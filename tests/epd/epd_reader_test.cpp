@@ -9,6 +9,7 @@
 #include <string>
 
 #include "board/fen.h"
+#include "board/key_history.h"
 #include "board/keys.h"
 #include "gtest/gtest.h"
 

@@ -4,7 +4,6 @@
 
 #include <utility>
 
-#include "board/keys.h"
 #include "board/make_move.h"
 #include "eval/evaluate.h"
 #include "search/hash_table.h"

@@ -14,7 +14,7 @@
 #include "board/attacks.h"
 #include "board/bb_move_generator.h"
 #include "board/fen.h"
-#include "board/keys.h"
+#include "board/key_history.h"
 #include "board/make_move.h"
 #include "board/notation.h"
 

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "board/key_history.h"
 #include "board/keys.h"
 
 namespace mirvo::test {
