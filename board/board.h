@@ -134,6 +134,11 @@ void CopyBoard(Board& destination, const Board& source);
 /// Kind of the piece of `side` on `square`, or noPiece.
 int PieceOn(const Board& board, int square, int side);
 
+/// The six bitboards of a side, indexed by kind.
+inline const Bitboard* PiecesOf(const Board& board, int side) {
+  return board.pieces + side * nKinds;
+}
+
 inline int KingSquare(const Board& board, int side) {
   return SquareAt(board.kingRank[side], board.kingFile[side]);
 }

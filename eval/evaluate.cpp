@@ -2,10 +2,10 @@
 
 #include "board/bits.h"
 #include "board/keys.h"
+#include "board/square_sets.h"
 #include "eval/eval_report.h"
 #include "eval/eval_tables.h"
 #include "eval/minor_terms.h"
-#include "eval/side_geometry.h"
 #include "eval/terms.h"
 #include "search/hash_table.h"
 #include "shell/config.h"
@@ -136,8 +136,8 @@ MIRVO_COUNTS_BITS Outset BeginEvaluation(EvalRecord& record, Board& board, int s
   outset.phase = static_cast<float>(record.nonPawnMaterial[white] + record.nonPawnMaterial[black]) *
                  phasePerCentipawn;
   record.stage = StageOf(record);
-  record.attacks[white][pawn] = PawnAttackSet<white>(PiecesOf<white>(board)[pawn]);
-  record.attacks[black][pawn] = PawnAttackSet<black>(PiecesOf<black>(board)[pawn]);
+  record.attacks[white][pawn] = PawnAttackSet(white, PiecesOf(board, white)[pawn]);
+  record.attacks[black][pawn] = PawnAttackSet(black, PiecesOf(board, black)[pawn]);
   outset.sum.mg += EvaluateCentreBlockade(record, white) - EvaluateCentreBlockade(record, black);
   outset.sum.eg += EvaluateWingPawns(record, white) - EvaluateWingPawns(record, black);
   const std::int32_t mgSoFar = outset.sum.mg;

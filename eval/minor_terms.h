@@ -7,10 +7,10 @@
 #include "board/bits.h"
 #include "board/board.h"
 #include "board/geometry_tables.h"
+#include "board/square_sets.h"
 #include "eval/eval_record.h"
 #include "eval/eval_tables.h"
 #include "eval/score.h"
-#include "eval/side_geometry.h"
 
 namespace mirvo {
 
@@ -20,8 +20,8 @@ namespace mirvo {
 /// nobody has two knights or two bishops. Bishop and knight against the bare
 /// king counts as drawn too, a choice of this engine.
 inline bool InsufficientMaterial(const Board& board) {
-  const Bitboard* whites = PiecesOf<white>(board);
-  const Bitboard* blacks = PiecesOf<black>(board);
+  const Bitboard* whites = PiecesOf(board, white);
+  const Bitboard* blacks = PiecesOf(board, black);
   const Bitboard matingMaterial =
       whites[pawn] | whites[rook] | whites[queen] | blacks[pawn] | blacks[rook] | blacks[queen];
   if (matingMaterial != 0) return false;
@@ -32,7 +32,7 @@ inline bool InsufficientMaterial(const Board& board) {
 
 /// Piece values. Fills `nonPawnMaterial`.
 inline ScorePair EvaluateMaterial(EvalRecord& record, int side) {
-  const Bitboard* own = record.board->pieces + side * nKinds;
+  const Bitboard* own = PiecesOf(*record.board, side);
   const std::int32_t pawns = PopCount(own[pawn]);
   // Knights like closed positions, rooks open ones. Both quotients round
   // toward zero, on either side of the usual count.
@@ -51,11 +51,11 @@ inline ScorePair EvaluateMaterial(EvalRecord& record, int side) {
 
 /// Knights and bishops of the side on their squares of the initial position.
 inline int MinorsAtHome(const Board& board, int side) {
-  constexpr Bitboard knightHome = Bit(1) | Bit(6);  // b1, g1
-  constexpr Bitboard bishopHome = Bit(2) | Bit(5);  // c1, f1
-  const int backRank = side == white ? 0 : 56;
-  const Bitboard* own = board.pieces + side * nKinds;
-  return PopCount((own[knight] >> backRank & knightHome) | (own[bishop] >> backRank & bishopHome));
+  constexpr Bitboard knightFiles = FileSet(fileB) | FileSet(fileG);
+  constexpr Bitboard bishopFiles = FileSet(fileC) | FileSet(fileF);
+  const Bitboard* own = PiecesOf(board, side);
+  return PopCount(((own[knight] & knightFiles) | (own[bishop] & bishopFiles)) &
+                  RelativeRankSet(side, rank1));
 }
 
 /// The opening stage's whole development value (middle game only): `given`,
@@ -64,13 +64,12 @@ inline int MinorsAtHome(const Board& board, int side) {
 /// king is safe. The running middle-game score is offered but not needed.
 inline std::int32_t EvaluateDevelopment(const EvalRecord& record, int side, std::int32_t given,
                                         std::int32_t /*mgSoFar*/, int minorsAtHome) {
-  constexpr Bitboard queenHome = Bit(3);         // d1
-  constexpr Bitboard corners = Bit(0) | Bit(7);  // a1, h1
-  const int backRank = side == white ? 0 : 56;
-  const Bitboard* own = record.board->pieces + side * nKinds;
+  constexpr Bitboard cornerFiles = FileSet(fileA) | FileSet(fileH);
+  const Bitboard backRank = RelativeRankSet(side, rank1);
+  const Bitboard* own = PiecesOf(*record.board, side);
   std::int32_t amount = given;
-  if ((own[queen] >> backRank & queenHome) == 0) amount += minorAtHomeQueenOut * minorsAtHome;
-  if ((own[rook] >> backRank & corners) == 0) amount += noCornerRook;
+  if ((own[queen] & FileSet(fileD) & backRank) == 0) amount += minorAtHomeQueenOut * minorsAtHome;
+  if ((own[rook] & cornerFiles & backRank) == 0) amount += noCornerRook;
   return amount;
 }
 
@@ -78,19 +77,18 @@ inline std::int32_t EvaluateDevelopment(const EvalRecord& record, int side, std:
 
 /// Minor pieces in front of unmoved d and e pawns; middle game only.
 inline std::int32_t EvaluateCentreBlockade(const EvalRecord& record, int side) {
-  const Bitboard* own = record.board->pieces + side * nKinds;
+  const Bitboard* own = PiecesOf(*record.board, side);
   const Bitboard minors = own[knight] | own[bishop];
-  const Bitboard blocked = side == white ? own[pawn] & minors >> 8 & (Bit(11) | Bit(12))   // d2, e2
-                                         : own[pawn] & minors << 8 & (Bit(51) | Bit(52));  // d7, e7
-  return centreBlockade * PopCount(blocked);
+  const Bitboard belowMinors = side == white ? minors >> 8 : minors << 8;
+  const Bitboard unmoved = own[pawn] & centreFiles & RelativeRankSet(side, rank2);
+  return centreBlockade * PopCount(unmoved & belowMinors);
 }
 
 /// Long-range pieces while there are pawns on the wings; end game only.
 inline std::int32_t EvaluateWingPawns(const EvalRecord& record, int side) {
-  constexpr Bitboard centreFiles = FileSet(3) | FileSet(4);
   const Board& board = *record.board;
-  const Bitboard pawns = PiecesOf<white>(board)[pawn] | PiecesOf<black>(board)[pawn];
-  const Bitboard* own = board.pieces + side * nKinds;
+  const Bitboard pawns = PiecesOf(board, white)[pawn] | PiecesOf(board, black)[pawn];
+  const Bitboard* own = PiecesOf(board, side);
   const Bitboard longRange = own[bishop] | own[rook] | own[queen];
   return (pawns & ~centreFiles) != 0 && longRange != 0 ? wingPawnsEg : 0;
 }
@@ -102,12 +100,11 @@ inline std::int32_t EvaluateWingPawns(const EvalRecord& record, int side) {
 /// count as king side already. Elsewhere the zone is the neighbourhood of
 /// Manhattan radius 2.
 inline Bitboard KingZone(const Board& board, int side) {
-  const int backRank = side == white ? 0 : 7;
-  const Bitboard threeRanks = side == white ? 0x0000000000FFFFFFULL : 0xFFFFFF0000000000ULL;
-  if (board.kingRank[side] != backRank) {
+  if (board.kingRank[side] != RelativeRank(side, rank1)) {
     return ManhattanWithin[KingSquare(board, side)][kingZoneRadius];
   }
-  return threeRanks & (board.kingFile[side] < 4 ? filesAToC : filesFToH);
+  const Bitboard threeRanks = RanksBehind(side, RelativeRank(side, rank4));
+  return threeRanks & (board.kingFile[side] < fileE ? filesAToC : filesFToH);
 }
 
 }  // namespace mirvo

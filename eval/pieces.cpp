@@ -4,8 +4,8 @@
 #include "board/bits.h"
 #include "board/geometry_tables.h"
 #include "board/occupancy_maps.h"
+#include "board/square_sets.h"
 #include "eval/eval_tables.h"
-#include "eval/side_geometry.h"
 #include "eval/terms.h"
 
 namespace mirvo {
@@ -62,7 +62,7 @@ struct PieceView {
         own(board.sideOccupancy[side]),
         pawnAttacks(record.attacks[side][pawn]),
         enemyPawnAttacks(record.attacks[side ^ 1][pawn]),
-        unsafe(enemyPawnAttacks & (~board.occupied | PiecesOf<side ^ 1>(board)[pawn])),
+        unsafe(enemyPawnAttacks & (~board.occupied | PiecesOf(board, side ^ 1)[pawn])),
         enemyIsolated(record.isolated[side ^ 1]),
         enemyZone(record.kingZone[side ^ 1]),
         ownZone(record.kingZone[side]),
@@ -165,7 +165,7 @@ std::int32_t OutpostAmount(const PieceView<side>& view, int square) {
   if (outpost == 0 || (view.enemyPawnAttacks & Bit(square)) != 0) return 0;
   std::int32_t amount = outpost;
   if ((view.pawnAttacks & Bit(square)) != 0) amount += outpost / 2;
-  const Bitboard* enemy = PiecesOf<side ^ 1>(view.board);
+  const Bitboard* enemy = PiecesOf(view.board, side ^ 1);
   const Bitboard colourSet = (square & 1) == 0 ? lightSquares : darkSquares;
   if (enemy[knight] == 0 && (enemy[bishop] & colourSet) == 0) amount += outpost / 2;
   return amount;
@@ -173,7 +173,7 @@ std::int32_t OutpostAmount(const PieceView<side>& view, int square) {
 
 template <int side>
 ScorePair KnightsOf(const PieceView<side>& view, EvalRecord& record) {
-  const Bitboard knights = PiecesOf<side>(view.board)[knight];
+  const Bitboard knights = PiecesOf(view.board, side)[knight];
   KindSums<side, knight> sums;
   for (Bitboard left = knights; left != 0;) {
     const int square = PopHighest(left);
@@ -195,7 +195,7 @@ ScorePair BishopCountAmount(const Board& board, Bitboard bishops) {
   const Bitboard others = bishops & (bishops - 1);
   if (others == 0) {
     const Bitboard colour = (bishops & lightSquares) != 0 ? lightSquares : darkSquares;
-    const int pawns = PopCount(PiecesOf<side>(board)[pawn] & colour);
+    const int pawns = PopCount(PiecesOf(board, side)[pawn] & colour);
     const std::int32_t amount = SingleBishop[std::min(pawns, nPawnCounts - 1)];
     return {amount, amount};
   }
@@ -206,20 +206,22 @@ ScorePair BishopCountAmount(const Board& board, Bitboard bishops) {
 /// black pawns on b6 and c7, on h7 behind g6 and f7, Black's mirrored.
 template <int side>
 bool IsTrappedBishop(const Board& board, int square) {
-  constexpr Bitboard a7 = RelativeSquare<side>(48);
-  constexpr Bitboard b6c7 = RelativeSquare<side>(41) | RelativeSquare<side>(50);
-  constexpr Bitboard h7 = RelativeSquare<side>(55);
-  constexpr Bitboard g6f7 = RelativeSquare<side>(46) | RelativeSquare<side>(53);
+  constexpr Bitboard a7 = Bit(RelativeSquare(side, rank7, fileA));
+  constexpr Bitboard b6c7 =
+      Bit(RelativeSquare(side, rank6, fileB)) | Bit(RelativeSquare(side, rank7, fileC));
+  constexpr Bitboard h7 = Bit(RelativeSquare(side, rank7, fileH));
+  constexpr Bitboard g6f7 =
+      Bit(RelativeSquare(side, rank6, fileG)) | Bit(RelativeSquare(side, rank7, fileF));
   const Bitboard here = Bit(square);
   if ((here & (a7 | h7)) == 0) return false;
   const Bitboard cage = here == a7 ? b6c7 : g6f7;
-  return (PiecesOf<side ^ 1>(board)[pawn] & cage) == cage;
+  return (PiecesOf(board, side ^ 1)[pawn] & cage) == cage;
 }
 
 template <int side>
 ScorePair BishopsOf(const PieceView<side>& view, EvalRecord& record) {
-  const Bitboard bishops = PiecesOf<side>(view.board)[bishop];
-  const Bitboard transparent = PiecesOf<side>(view.board)[queen];
+  const Bitboard bishops = PiecesOf(view.board, side)[bishop];
+  const Bitboard transparent = PiecesOf(view.board, side)[queen];
   KindSums<side, bishop> sums;
   const ScorePair given = BishopCountAmount<side>(view.board, bishops);
   const int count = PopCount(bishops);
@@ -232,7 +234,7 @@ ScorePair BishopsOf(const PieceView<side>& view, EvalRecord& record) {
     const Bitboard reach = DiagonalXRay(view.board, square, plain, transparent) & ~view.own;
     const Bitboard mobility = plain & ~view.own;
     // No square of a bishop is beside it: what is not ahead is behind.
-    const int ahead = PopCount(mobility & RanksAhead<side>(rank));
+    const int ahead = PopCount(mobility & RanksAhead(side, rank));
     const int behind = PopCount(mobility) - ahead;
     sums.both +=
         BishopSquare.of[side][square] + bishopSquareAhead * ahead + bishopSquareBehind * behind;
@@ -249,8 +251,8 @@ ScorePair BishopsOf(const PieceView<side>& view, EvalRecord& record) {
 template <int side>
 std::int32_t RookFileAmount(const Board& board, int file, std::int32_t nEnemyPawns) {
   const Bitboard squares = FileSet(file);
-  if ((PiecesOf<side>(board)[pawn] & squares) != 0) return rookBehindOwnPawn;
-  if ((PiecesOf<side ^ 1>(board)[pawn] & squares) != 0) return nEnemyPawns / 2 + rookHalfOpenFile;
+  if ((PiecesOf(board, side)[pawn] & squares) != 0) return rookBehindOwnPawn;
+  if ((PiecesOf(board, side ^ 1)[pawn] & squares) != 0) return nEnemyPawns / 2 + rookHalfOpenFile;
   return nEnemyPawns + rookOpenFile;
 }
 
@@ -270,18 +272,19 @@ Bitboard RookCage(const Board& board) {
 template <int side>
 std::int32_t SeventhRankAmount(const Board& board) {
   std::int32_t amount = 0;
-  if (RelativeRank<side>(board.kingRank[side ^ 1]) == 7) amount += rookSeventhKing;
-  if ((PiecesOf<side ^ 1>(board)[pawn] & RelativeRankSet<side>(6)) != 0) amount += rookSeventhPawns;
+  if (RelativeRank(side, board.kingRank[side ^ 1]) == rank8) amount += rookSeventhKing;
+  if ((PiecesOf(board, side ^ 1)[pawn] & RelativeRankSet(side, rank7)) != 0)
+    amount += rookSeventhPawns;
   return amount;
 }
 
 template <int side>
 ScorePair RooksOf(const PieceView<side>& view, const LineXRay& xRay, EvalRecord& record) {
-  const Bitboard rooks = PiecesOf<side>(view.board)[rook];
-  const std::int32_t nEnemyPawns = PopCount(PiecesOf<side ^ 1>(view.board)[pawn]);
+  const Bitboard rooks = PiecesOf(view.board, side)[rook];
+  const std::int32_t nEnemyPawns = PopCount(PiecesOf(view.board, side ^ 1)[pawn]);
   KindSums<side, rook> sums;
   sums.both = trappedRook * PopCount(rooks & RookCage<side>(view.board));
-  if (const Bitboard seventh = rooks & RelativeRankSet<side>(6); seventh != 0) {
+  if (const Bitboard seventh = rooks & RelativeRankSet(side, rank7); seventh != 0) {
     sums.both += SeventhRankAmount<side>(view.board) * PopCount(seventh);
   }
   for (Bitboard left = rooks; left != 0;) {
@@ -304,8 +307,8 @@ ScorePair RooksOf(const PieceView<side>& view, const LineXRay& xRay, EvalRecord&
 
 template <int side>
 ScorePair QueensOf(const PieceView<side>& view, const LineXRay& xRay, EvalRecord& record) {
-  const Bitboard queens = PiecesOf<side>(view.board)[queen];
-  const Bitboard onDiagonals = queens | PiecesOf<side>(view.board)[bishop];
+  const Bitboard queens = PiecesOf(view.board, side)[queen];
+  const Bitboard onDiagonals = queens | PiecesOf(view.board, side)[bishop];
   KindSums<side, queen> sums;
   for (Bitboard left = queens; left != 0;) {
     const int square = PopHighest(left);
@@ -328,7 +331,7 @@ ScorePair QueensOf(const PieceView<side>& view, const LineXRay& xRay, EvalRecord
 template <int side>
 ScorePair PiecesOfSide(EvalRecord& record) {
   const PieceView<side> view(record);
-  const Bitboard* own = PiecesOf<side>(view.board);
+  const Bitboard* own = PiecesOf(view.board, side);
   ScorePair* terms = record.terms[side ^ record.side];
   terms[knightsTerm] = own[knight] != 0 ? KnightsOf<side>(view, record) : ScorePair{};
   terms[bishopsTerm] = own[bishop] != 0 ? BishopsOf<side>(view, record) : ScorePair{};
