@@ -54,7 +54,7 @@ void ClearBoard(Board& board) {
   board.castling = CastlingFlags{};
   board.plyCount = 0;
   board.nullMoveMade = 0;
-  board.irregular = 0;
+  board.hasOverlaps = false;
   board.undoDepth = 0;
   board.inCheckCache = -1;
   RebuildOccupancy(board);
@@ -131,14 +131,14 @@ void LocateKings(Board& board) {
   LocateKing(board, black);
 }
 
-void DetectIrregular(Board& board) {
+void DetectOverlaps(Board& board) {
   Bitboard seen = 0;
   Bitboard shared = 0;
   for (const Bitboard set : board.pieces) {
     shared |= seen & set;
     seen |= set;
   }
-  board.irregular = shared != 0 ? 1 : 0;
+  board.hasOverlaps = shared != 0;
 }
 
 void CopyBoard(Board& destination, const Board& source) {
@@ -152,7 +152,7 @@ void CopyBoard(Board& destination, const Board& source) {
   destination.epFile = source.epFile;
   destination.epColour = source.epColour;
   destination.nullMoveMade = source.nullMoveMade;
-  destination.irregular = source.irregular;
+  destination.hasOverlaps = source.hasOverlaps;
   destination.undoDepth = source.undoDepth;
   destination.historyIndex = source.historyIndex;
   destination.inCheckCache = source.inCheckCache;

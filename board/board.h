@@ -46,8 +46,8 @@ static_assert(sizeof(PositionState) == 64);
 struct Board;
 struct UndoRecord;
 
-/// Takes a move back, whose record is given and no longer counted.
-using MoveTaker = void (*)(Board& board, const UndoRecord& undo);
+/// Unmakes the move in `undo`; the caller has already popped the record.
+using UnmakeFunction = void (*)(Board& board, const UndoRecord& undo);
 
 /// What UnmakeMove needs to restore the position before one move.
 struct UndoRecord : PositionState {
@@ -57,8 +57,8 @@ struct UndoRecord : PositionState {
   std::uint8_t castledLong;
   std::uint8_t epCapture;
   std::uint8_t capturedKind;  // pawn for en passant; meaningful when captured
-  MoveTaker takeBack;         // the shortest way to take this move back
-  Bitboard fromTo;            // origin and target, for the shorter ways only
+  UnmakeFunction unmake;      // the fastest way to unmake this move
+  Bitboard fromTo;            // origin and target, for the fast ways only
 };
 static_assert(sizeof(UndoRecord) == 128);
 
@@ -80,9 +80,9 @@ struct Board : PositionState {
   std::uint8_t kingFile[nSides];
   std::uint8_t kingRank[nSides];
   std::uint8_t sideToMove;
-  /// 1 when two pieces may share a square (only text input can do that). The
+  /// Whether two pieces may share a square (only text input can do that). The
   /// board then recomputes its derived sets instead of updating them.
-  std::uint8_t irregular;
+  bool hasOverlaps;
   std::int32_t inCheckCache;  // -1 unknown, 0 no, 1 yes, for the side to move
   std::int32_t plyCount;      // moves and null moves made since set-up
   std::int32_t undoDepth;     // undoStack entries in use
@@ -118,8 +118,8 @@ void RebuildRotated(Board& board);
 void LocateKing(Board& board, int side);
 void LocateKings(Board& board);
 
-/// Marks the board irregular when two pieces share a square.
-void DetectIrregular(Board& board);
+/// Sets hasOverlaps according to whether two pieces share a square.
+void DetectOverlaps(Board& board);
 
 /// The key of the position from scratch.
 std::uint64_t ComputeKey(const Board& board);
@@ -131,8 +131,23 @@ std::uint64_t ComputePawnKey(const Board& board);
 /// recomputed, the undo records are copied whole.
 void CopyBoard(Board& destination, const Board& source);
 
-/// Kind of the piece of `side` on `square`, or noPiece.
+/// Kind of the piece of `side` on `square`, or noPiece. Where several share the
+/// square it is the first in the order pawn, bishop, knight, rook, queen, king.
 int PieceOn(const Board& board, int square, int side);
+
+/// The same for a board without overlaps and a square that is known to hold a
+/// piece of the side; an empty square reads as a pawn. Computes the three bits of
+/// the kind from the pieces that have them: a search over the kinds would be
+/// guessed wrongly too often.
+inline int SolePieceOn(const Board& board, int square, int side) {
+  static_assert(pawn == 0 && knight == 1 && bishop == 2 && rook == 3 && queen == 4 && king == 5);
+  const std::uint64_t* of = board.pieces + side * nKinds;
+  const std::uint64_t bit0 = of[knight] | of[rook] | of[king];
+  const std::uint64_t bit1 = of[bishop] | of[rook];
+  const std::uint64_t bit2 = of[queen] | of[king];
+  return static_cast<int>((bit0 >> square & 1) | (bit1 >> square & 1) << 1 |
+                          (bit2 >> square & 1) << 2);
+}
 
 /// The six bitboards of a side, indexed by kind.
 inline const Bitboard* PiecesOf(const Board& board, int side) {

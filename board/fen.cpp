@@ -56,7 +56,7 @@ void SetupFromFen(const char* placement, const char* side, const char* castling,
   LocateKings(board);
   RebuildOccupancy(board);
   RebuildRotated(board);
-  DetectIrregular(board);
+  DetectOverlaps(board);
 }
 
 void ResetToStart(Board& board) {

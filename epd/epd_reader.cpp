@@ -179,7 +179,7 @@ void SetUpSuitePosition(const SuitePosition& position, Board& board) {
   board.epRank = position.epRank;
   board.epFile = position.epFile;
   board.epColour = position.epColour;
-  DetectIrregular(board);
+  DetectOverlaps(board);
   LocateKings(board);
   RebuildOccupancy(board);
   RebuildRotated(board);

@@ -21,12 +21,12 @@ KingSight::KingSight(const Board& position, bool inCheck) : board_(position) {
   const Bitboard attackers = (checks_[pawn] & own[pawn]) | (checks_[knight] & own[knight]) |
                              (checks_[bishop] & own[bishop]) | (checks_[rook] & own[rook]) |
                              (checks_[queen] & own[queen]) | (KingAttacks[enemyKing] & own[king]);
-  if (position.irregular != 0 || own[king] != Bit(ownKing) ||
+  if (position.hasOverlaps || own[king] != Bit(ownKing) ||
       position.pieces[PieceIndex(side ^ 1, king)] != Bit(enemyKing) || attackers != 0) {
     unforeseen_ = ~Bitboard{0};
     return;
   }
-  screens_ = Screens(position, ownKing, side ^ 1) | Screens(position, enemyKing, side);
+  screens_ = Blockers(position, ownKing, side ^ 1) | Blockers(position, enemyKing, side);
   if (HasEnPassant(position)) {
     unforeseen_ = Bit(SquareAt(position.epRank & 7, position.epFile & 7));
   }

@@ -129,7 +129,7 @@ std::int32_t Quiesce(SearchState& state, Board& board, std::int32_t alpha, std::
   const bool mayLeaveOut = !inCheck && !isPv;
   const std::int32_t needed = alpha - margin;
   int nHopeless = 0;
-  if (mayLeaveOut && needed > exchangeValue[pawn] && board.irregular == 0 &&
+  if (mayLeaveOut && needed > exchangeValue[pawn] && !board.hasOverlaps &&
       !MayPromote(board, side)) {
     nHopeless = PutHopelessLast(board, needed, generator);
     generator.count -= nHopeless;

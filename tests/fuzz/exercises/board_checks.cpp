@@ -83,7 +83,7 @@ BrokenPromise CheckReplies(Board& board, const std::vector<Move>& moves) {
 /// Texts of generated moves lead back to them. Squares that hold two pieces
 /// cannot promise that.
 BrokenPromise CheckTexts(const Board& board, const std::vector<Move>& moves) {
-  if (board.irregular != 0) return nullptr;
+  if (board.hasOverlaps) return nullptr;
   for (const Move move : moves) {
     char text[moveTextCapacity];
     MoveToCoordinates(move, text);
