@@ -74,6 +74,11 @@ struct Board : PositionState {
   /// on begins a game first (fen.h).
   Board();
 
+  /// A plain copy, byte for byte: a snapshot to compare with later.
+  Board(const Board&) = default;
+  /// The same as CopyBoard.
+  Board& operator=(const Board& other);
+
   std::uint64_t pieces[nPieces];  // index = side * 6 + kind
   std::uint64_t sideOccupancy[nSides];
   std::uint64_t sideOccupancyNoKing[nSides];  // the side's pieces without its king

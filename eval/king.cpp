@@ -1,3 +1,5 @@
+#include "eval/king.h"
+
 #include <algorithm>
 
 #include "board/attack_tables.h"
@@ -5,8 +7,6 @@
 #include "board/geometry_tables.h"
 #include "board/square_sets.h"
 #include "eval/eval_tables.h"
-#include "eval/evaluate.h"
-#include "eval/terms.h"
 
 namespace mirvo {
 
@@ -89,20 +89,21 @@ ScorePair UncastledAmount(const KingView<side>& view) {
   return score;
 }
 
-/// Files at the king without an own pawn; middle game only.
+/// Open files at the king: its own and those beside it, without an own pawn;
+/// middle game only.
 template <int side>
-std::int32_t BareFiles(const KingView<side>& view) {
+std::int32_t OpenFilesAtKing(const KingView<side>& view) {
   const Bitboard pawns = view.own[pawn];
   std::int32_t amount = 0;
-  if ((pawns & FileSet(view.file)) == 0) amount += kingFileBare;
-  if (view.file > fileA && (pawns & FileSet(view.file - 1)) == 0) amount += kingNeighbourFileBare;
-  if (view.file < fileH && (pawns & FileSet(view.file + 1)) == 0) amount += kingNeighbourFileBare;
+  if ((pawns & FileSet(view.file)) == 0) amount += kingFileOpen;
+  if (view.file > fileA && (pawns & FileSet(view.file - 1)) == 0) amount += kingNeighbourFileOpen;
+  if (view.file < fileH && (pawns & FileSet(view.file + 1)) == 0) amount += kingNeighbourFileOpen;
   return amount;
 }
 
-/// King on the back rank, shut in by its own pawns, heavy enemy pieces about.
+/// King on the back rank behind its own pawns, and the enemy has a rook or queen.
 template <int side>
-bool BackRankIsShut(const KingView<side>& view) {
+bool HasBackRankWeakness(const KingView<side>& view) {
   if (view.relativeRank != rank1 || (view.enemy[rook] | view.enemy[queen]) == 0) return false;
   const Bitboard exits = KingAttacks[view.square] & RelativeRankSet(side, rank2);
   return (exits & ~view.own[pawn]) == 0;
@@ -147,9 +148,9 @@ ScorePair KingOf(const EvalRecord& record) {
   } else {
     score += UncastledAmount<side>(view);
   }
-  score.mg += BareFiles<side>(view) + PawnStorm<side>(view);
+  score.mg += OpenFilesAtKing<side>(view) + PawnStorm<side>(view);
   score.AddBoth(record.kingTropism[side] + Presence<side>(view) - Danger<side>(view));
-  if (BackRankIsShut<side>(view)) score.AddBoth(backRankShut);
+  if (HasBackRankWeakness<side>(view)) score.AddBoth(backRankWeakness);
   return score;
 }
 

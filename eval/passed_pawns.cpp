@@ -1,10 +1,11 @@
+#include "eval/passed_pawns.h"
+
 #include <algorithm>
 
 #include "board/bits.h"
 #include "board/geometry_tables.h"
 #include "board/square_sets.h"
 #include "eval/eval_tables.h"
-#include "eval/terms.h"
 
 namespace mirvo {
 

@@ -1,10 +1,11 @@
+#include "eval/pawns.h"
+
 #include <algorithm>
 
 #include "board/bits.h"
 #include "board/geometry_tables.h"
 #include "board/square_sets.h"
 #include "eval/eval_tables.h"
-#include "eval/terms.h"
 
 namespace mirvo {
 
@@ -64,10 +65,11 @@ ScorePair OnePawn(const PawnView<side>& view, int square, EvalRecord& record) {
     record.isolated[side] |= Bit(square);
     if (doubled && file != fileA && file != fileH) score.AddBoth(doubledIsolated);
   }
+  // No enemy pawn can stop it.
   if ((FrontSpan(side, square) & view.enemy) == 0) {
-    score.AddBoth(doubled ? freeSpanDoubled : freeSpan);
+    score.AddBoth(doubled ? unopposedDoubled : unopposedPawn);
     if (!doubled) record.passed[side] |= Bit(square);
-    if (!isolated) score.AddBoth(freeSpanNotIsolated);
+    if (!isolated) score.AddBoth(unopposedNotIsolated);
   }
   if (IsBackward<side>(view, square, adjacent)) score += backwardPawn;
   return score;

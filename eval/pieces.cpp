@@ -1,3 +1,5 @@
+#include "eval/pieces.h"
+
 #include <algorithm>
 
 #include "board/attack_tables.h"
@@ -6,7 +8,6 @@
 #include "board/occupancy_maps.h"
 #include "board/square_sets.h"
 #include "eval/eval_tables.h"
-#include "eval/terms.h"
 
 namespace mirvo {
 
@@ -15,43 +16,11 @@ namespace {
 /// The inner four squares of the centre count twice.
 static_assert(centreSquare == 2 * ringSquare);
 
-/// Weighted squares of a set of squares on ranks 3 and 4 (or 5 and 6), files c to
-/// f, four bits a rank.
-struct CentreSums {
-  std::int8_t low[256];
-  std::int8_t high[256];
-};
-
-constexpr CentreSums SumCentre() {
-  CentreSums sums{};
-  for (int index = 0; index < 256; ++index) {
-    for (int bit = 0; bit < 8; ++bit) {
-      if ((index >> bit & 1) == 0) continue;
-      const int file = 2 + (bit & 3);
-      const Bitboard lower = Bit(SquareAt(2 + (bit >> 2), file));
-      const Bitboard upper = Bit(SquareAt(4 + (bit >> 2), file));
-      sums.low[index] =
-          static_cast<std::int8_t>(sums.low[index] + ((lower & centreSquares) != 0 ? 2 : 1));
-      sums.high[index] =
-          static_cast<std::int8_t>(sums.high[index] + ((upper & centreSquares) != 0 ? 2 : 1));
-    }
-  }
-  return sums;
-}
-
-constexpr CentreSums centreSums = SumCentre();
-
 /// Ring squares of a set and twice its centre squares, to be multiplied by
-/// `ringSquare`; by two look-ups where the processor does not count bits.
+/// `ringSquare`.
 std::int32_t CentreCount(Bitboard set) {
-#ifdef __POPCNT__
   constexpr Bitboard centreBlock = extendedCentreRing | centreSquares;  // c3 to f6
   return PopCount(set & centreBlock) + PopCount(set & centreSquares);
-#else
-  const auto ranks = static_cast<std::uint32_t>(set >> SquareAt(2, 2)) & 0x0F0F0F0FU;
-  const std::uint32_t pairs = ranks | ranks >> 4;
-  return centreSums.low[pairs & 0xFF] + centreSums.high[(pairs >> 16) & 0xFF];
-#endif
 }
 
 /// What every piece of a side is measured against.
@@ -83,20 +52,20 @@ struct PieceView {
 /// is mostly summed as a count and multiplied once, in Finish.
 template <int side, int kind>
 struct KindSums {
-  /// Takes in what all kinds share, for one piece that controls `mobility`
-  /// directly and `reach` counting what it sees through own pieces.
-  void AddCommon(const PieceView<side>& view, int square, Bitboard mobility, Bitboard reach) {
+  /// Adds what all kinds share, for one piece that attacks `mobility` directly
+  /// and `xRays` with what it attacks through own pieces.
+  void AddCommon(const PieceView<side>& view, int square, Bitboard mobility, Bitboard xRays) {
     // Seldom any: a branch is cheaper than counting nothing.
-    if (const Bitboard hits = reach & view.enemyIsolated; hits != 0) {
+    if (const Bitboard hits = xRays & view.enemyIsolated; hits != 0) {
       both += isolatedPawnHit * PopCount(hits);
     }
     // As often as not: counting is cheaper than a branch guessed wrongly.
-    const Bitboard zoneHits = reach & view.enemyZone;
+    const Bitboard zoneHits = xRays & view.enemyZone;
     both += enemyZoneSquare * PopCount(zoneHits);
     attackers += zoneHits != 0 ? 1 : 0;
-    both += ownZoneSquare * PopCount(reach & view.ownZone);
+    both += ownZoneSquare * PopCount(xRays & view.ownZone);
     centreCount += CentreCount(mobility);
-    attacks |= reach;
+    attacks |= xRays;
     kingDistance += view.enemyKingDistance[square];
   }
 
@@ -177,12 +146,12 @@ ScorePair KnightsOf(const PieceView<side>& view, EvalRecord& record) {
   KindSums<side, knight> sums;
   for (Bitboard left = knights; left != 0;) {
     const int square = PopHighest(left);
-    const Bitboard reach = KnightAttacks[square];
-    const Bitboard mobility = reach & ~view.own;
+    const Bitboard attacks = KnightAttacks[square];
+    const Bitboard mobility = attacks & ~view.own;
     sums.both += KnightSquare.of[side][square] + KnightMobility[PopCount(mobility)] +
                  OutpostAmount<side>(view, square);
     sums.unsafeSquares += PopCount(mobility & view.unsafe);
-    sums.AddCommon(view, square, mobility, reach);
+    sums.AddCommon(view, square, mobility, attacks);
   }
   return sums.Finish(view, record, knights);
 }
@@ -231,7 +200,7 @@ ScorePair BishopsOf(const PieceView<side>& view, EvalRecord& record) {
     const int square = PopHighest(left);
     const int rank = RankOf(square);
     const Bitboard plain = BishopAttacks(view.board, square);
-    const Bitboard reach = DiagonalXRay(view.board, square, plain, transparent) & ~view.own;
+    const Bitboard xRays = DiagonalXRay(view.board, square, plain, transparent) & ~view.own;
     const Bitboard mobility = plain & ~view.own;
     // No square of a bishop is beside it: what is not ahead is behind.
     const int ahead = PopCount(mobility & RanksAhead(side, rank));
@@ -240,7 +209,7 @@ ScorePair BishopsOf(const PieceView<side>& view, EvalRecord& record) {
         BishopSquare.of[side][square] + bishopSquareAhead * ahead + bishopSquareBehind * behind;
     sums.unsafeSquares += PopCount(mobility & view.unsafe);
     if (IsTrappedBishop<side>(view.board, square)) sums.both += trappedBishop;
-    sums.AddCommon(view, square, mobility, reach);
+    sums.AddCommon(view, square, mobility, xRays);
   }
   return sums.Finish(view, record, bishops);
 }
@@ -290,7 +259,7 @@ ScorePair RooksOf(const PieceView<side>& view, const LineXRay& xRay, EvalRecord&
   for (Bitboard left = rooks; left != 0;) {
     const int square = PopHighest(left);
     const Bitboard plain = RookAttacks(view.board, square);
-    const Bitboard reach = xRay.Attacks(square, plain) & ~view.own;
+    const Bitboard xRays = xRay.Attacks(square, plain) & ~view.own;
     const Bitboard mobility = plain & ~view.own;
     const int count = PopCount(mobility);
     sums.both +=
@@ -298,7 +267,7 @@ ScorePair RooksOf(const PieceView<side>& view, const LineXRay& xRay, EvalRecord&
     sums.mg += RookMobilityMg[count];
     sums.eg += RookMobilityEg[count];
     sums.unsafeSquares += PopCount(mobility & view.unsafe);
-    sums.AddCommon(view, square, mobility, reach);
+    sums.AddCommon(view, square, mobility, xRays);
   }
   return sums.Finish(view, record, rooks);
 }
@@ -314,16 +283,16 @@ ScorePair QueensOf(const PieceView<side>& view, const LineXRay& xRay, EvalRecord
     const int square = PopHighest(left);
     const Bitboard diagonals = BishopAttacks(view.board, square);
     const Bitboard lines = RookAttacks(view.board, square);
-    const Bitboard reach =
+    const Bitboard xRays =
         (DiagonalXRay(view.board, square, diagonals, onDiagonals) | xRay.Attacks(square, lines)) &
         ~view.own;
     const Bitboard mobility = (diagonals | lines) & ~view.own;
     // A queen's mobility counts what stands open behind its own helpers too.
-    const int count = PopCount(reach);
+    const int count = PopCount(xRays);
     sums.mg += QueenMobilityMg[count];
     sums.eg += QueenMobilityEg[count];
     sums.both += QueenSquare.of[side][square];
-    sums.AddCommon(view, square, mobility, reach);
+    sums.AddCommon(view, square, mobility, xRays);
   }
   return sums.Finish(view, record, queens);
 }

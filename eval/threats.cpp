@@ -1,5 +1,6 @@
+#include "eval/threats.h"
+
 #include "eval/eval_tables.h"
-#include "eval/terms.h"
 
 namespace mirvo {
 

@@ -7,6 +7,7 @@
 #include "board/key_history.h"
 #include "board/keys.h"
 #include "board/make_move.h"
+#include "eval/material.h"
 #include "search/hash_table.h"
 #include "search/interruption.h"
 #include "search/king_sight.h"
@@ -57,22 +58,14 @@ TableHint ProbeTable(std::uint64_t key, std::int32_t alpha, std::int32_t beta, s
   return hint;
 }
 
-// Value of a side's pieces without pawns, by count only: knights gain and
-// rooks lose with the side's own pawns.
-std::int32_t PieceMaterial(const std::uint64_t* own, std::int32_t nPawns) {
-  return PopCount(own[knight]) * (400 + (nPawns - 5) * 100 / 16) +
-         PopCount(own[rook]) * (600 + (5 - nPawns) * 100 / 8) + PopCount(own[queen]) * 1100 +
-         PopCount(own[bishop]) * 400;
-}
-
 // Own minus enemy material in centipawns.
 MIRVO_COUNTS_BITS std::int32_t MaterialEstimate(const Board& board) {
   const std::uint64_t* own = board.pieces + board.sideToMove * nKinds;
   const std::uint64_t* enemy = board.pieces + (board.sideToMove ^ 1) * nKinds;
   const std::int32_t ownPawns = PopCount(own[pawn]);
   const std::int32_t enemyPawns = PopCount(enemy[pawn]);
-  return PieceMaterial(own, ownPawns) - PieceMaterial(enemy, enemyPawns) +
-         100 * (ownPawns - enemyPawns);
+  return NonPawnMaterial(own, ownPawns) - NonPawnMaterial(enemy, enemyPawns) +
+         pawnValue * (ownPawns - enemyPawns);
 }
 
 bool HasPieces(const Board& board, int side) {

@@ -1,50 +1,26 @@
-// The terms that a few instructions tell, and the zone of a king: defined here
-// so that they are compiled into the evaluation that calls them for both sides.
+// The terms of the evaluation's prologue, which read nothing but the pieces:
+// defined here so that they are compiled into it.
 #pragma once
 
 #include <cstdint>
 
 #include "board/bits.h"
 #include "board/board.h"
-#include "board/geometry_tables.h"
 #include "board/square_sets.h"
 #include "eval/eval_record.h"
 #include "eval/eval_tables.h"
+#include "eval/material.h"
 #include "eval/score.h"
 
 namespace mirvo {
 
-// ----------------------------------------------------------------- material
-
-/// Whether neither side can win: no pawn, rook or queen on the board and
-/// nobody has two knights or two bishops. Bishop and knight against the bare
-/// king counts as drawn too, a choice of this engine.
-inline bool InsufficientMaterial(const Board& board) {
-  const Bitboard* whites = PiecesOf(board, white);
-  const Bitboard* blacks = PiecesOf(board, black);
-  const Bitboard matingMaterial =
-      whites[pawn] | whites[rook] | whites[queen] | blacks[pawn] | blacks[rook] | blacks[queen];
-  if (matingMaterial != 0) return false;
-  const auto twoOrMore = [](Bitboard set) { return (set & (set - 1)) != 0; };
-  return !twoOrMore(whites[knight]) && !twoOrMore(blacks[knight]) && !twoOrMore(whites[bishop]) &&
-         !twoOrMore(blacks[bishop]);
-}
-
-/// Piece values. Fills `nonPawnMaterial`.
+/// Material of one side. Fills `nonPawnMaterial`.
 inline ScorePair EvaluateMaterial(EvalRecord& record, int side) {
   const Bitboard* own = PiecesOf(*record.board, side);
   const std::int32_t pawns = PopCount(own[pawn]);
-  // Knights like closed positions, rooks open ones. Both quotients round
-  // toward zero, on either side of the usual count.
-  const std::int32_t knightValue =
-      knightBase + (pawns - usualPawnCount) * pawnCountScale / knightPawnDivisor;
-  const std::int32_t rookValue =
-      rookBase + (usualPawnCount - pawns) * pawnCountScale / rookPawnDivisor;
-  const std::int32_t nonPawn = PopCount(own[knight]) * knightValue +
-                               PopCount(own[bishop]) * bishopValue +
-                               PopCount(own[rook]) * rookValue + PopCount(own[queen]) * queenValue;
+  const std::int32_t nonPawn = NonPawnMaterial(own, pawns);
   record.nonPawnMaterial[side] = nonPawn;
-  return {nonPawn + pawnMg * pawns, nonPawn + pawnEg * pawns};
+  return {nonPawn + pawnValue * pawns, nonPawn + pawnValueEg * pawns};
 }
 
 // -------------------------------------------------------------- development
@@ -91,20 +67,6 @@ inline std::int32_t EvaluateWingPawns(const EvalRecord& record, int side) {
   const Bitboard* own = PiecesOf(board, side);
   const Bitboard longRange = own[bishop] | own[rook] | own[queen];
   return (pawns & ~centreFiles) != 0 && longRange != 0 ? wingPawnsEg : 0;
-}
-
-// ---------------------------------------------------------------- king zone
-
-/// Squares around the king that count for its safety. A king on its back rank
-/// is guarded by the three files of its wing up to the third rank; e1 and e8
-/// count as king side already. Elsewhere the zone is the neighbourhood of
-/// Manhattan radius 2.
-inline Bitboard KingZone(const Board& board, int side) {
-  if (board.kingRank[side] != RelativeRank(side, rank1)) {
-    return ManhattanWithin[KingSquare(board, side)][kingZoneRadius];
-  }
-  const Bitboard threeRanks = RanksBehind(side, RelativeRank(side, rank4));
-  return threeRanks & (board.kingFile[side] < fileE ? filesAToC : filesFToH);
 }
 
 }  // namespace mirvo
