@@ -2,7 +2,7 @@
 
 #include "board/attack_tables.h"
 #include "board/fen.h"
-#include "eval/evaluate.h"
+#include "eval/king.h"
 #include "search/move_order.h"
 #include "search/reductions.h"
 #include "shell/config.h"

@@ -6,6 +6,7 @@
 
 #include "board/board.h"
 #include "board/coding.h"
+#include "board/square_sets.h"
 
 namespace mirvo {
 
@@ -47,9 +48,7 @@ inline OccupancyViews ViewsOf(const Board& board) {
 
 /// Attacks of a rook on an empty board.
 constexpr Bitboard RookLines(int square) {
-  constexpr Bitboard rank = 0xFF;
-  constexpr Bitboard file = 0x0101010101010101ULL;
-  return rank << (8 * RankOf(square)) ^ file << FileOf(square);
+  return RankSet(RankOf(square)) ^ FileSet(FileOf(square));
 }
 
 /// Attacks of a bishop on an empty board, by square. A table of their own: the
@@ -71,8 +70,7 @@ inline Bitboard RookAttacks(int square, std::uint64_t occupied, std::uint64_t ro
 /// lowest bit: for sets that no rotated view was kept of. The product puts bit
 /// 8r of the file to bit 56 + r.
 constexpr unsigned FileState(Bitboard occupied, int file) {
-  constexpr Bitboard fileA = 0x0101010101010101ULL;
-  return static_cast<unsigned>(((occupied >> file & fileA) * 0x0102040810204080ULL) >> 56);
+  return static_cast<unsigned>(((occupied >> file & FileSet(fileA)) * 0x0102040810204080ULL) >> 56);
 }
 
 /// Attacks along both diagonals of `square`.

@@ -35,39 +35,40 @@ inline bool InCheck(Board& board, int side) {
   return board.inCheckCache != 0;
 }
 
-/// Adds to `screens` what stands alone between a square and a slider of `set`.
+/// Adds to `blockers` what stands alone between a square and a slider of `set`.
 /// `path` holds the squares up to each slider, the slider included.
-inline void AddScreens(const Board& board, const Bitboard* path, Bitboard set, Bitboard& screens) {
+inline void AddBlockers(const Board& board, const Bitboard* path, Bitboard set,
+                        Bitboard& blockers) {
   while (set != 0) {
     const int slider = PopHighest(set);
     const Bitboard between = path[slider] & board.occupied & ~Bit(slider);
-    if ((between & (between - 1)) == 0) screens |= between;
+    if ((between & (between - 1)) == 0) blockers |= between;
   }
 }
 
-/// Pieces of either side that alone keep a slider of `attacker` from `square`.
-inline Bitboard Screens(const Board& board, int square, int attacker) {
-  const std::uint64_t* sliders = board.pieces + attacker * nKinds;
-  Bitboard screens = 0;
-  AddScreens(board, RookPath[square], RookLines(square) & (sliders[rook] | sliders[queen]),
-             screens);
-  AddScreens(board, BishopPath[square], BishopLines(square) & (sliders[bishop] | sliders[queen]),
-             screens);
-  return screens;
+/// Pieces of either side that stand alone between `square` and a slider of
+/// `attacker`. Those of the other side are pinned if `square` is its king's.
+inline Bitboard Blockers(const Board& board, int square, int attacker) {
+  const Bitboard* sliders = PiecesOf(board, attacker);
+  Bitboard blockers = 0;
+  AddBlockers(board, RookPath[square], RookLines(square) & (sliders[rook] | sliders[queen]),
+              blockers);
+  AddBlockers(board, BishopPath[square], BishopLines(square) & (sliders[bishop] | sliders[queen]),
+              blockers);
+  return blockers;
 }
 
 /// The squares from which a move of the side to move may leave its own king
 /// attacked; a generated move from any other square is legal. They are the
-/// king's own square and those of the pieces that alone keep an enemy slider
-/// from it; all squares in check and where a move can take more off the board
-/// than its own origin (en passant, irregular boards).
+/// king's own square and those of blockers before it; all squares in check and
+/// where a move can clear more than its own origin (en passant, overlaps).
 inline Bitboard ExposedOrigins(Board& board, int side) {
   const Bitboard kings = board.pieces[PieceIndex(side, king)];
   const int square = KingSquare(board, side);
-  if (HasEnPassant(board) || board.irregular != 0 || kings != Bit(square) || InCheck(board, side)) {
+  if (HasEnPassant(board) || board.hasOverlaps || kings != Bit(square) || InCheck(board, side)) {
     return ~Bitboard{0};
   }
-  return kings | Screens(board, square, side ^ 1);
+  return kings | Blockers(board, square, side ^ 1);
 }
 
 /// After a move: whether the side that has just moved left its king attacked,

@@ -4,35 +4,17 @@
 #include "board/attacks.h"
 #include "board/bits.h"
 #include "board/make_move.h"
+#include "board/square_sets.h"
 
 namespace mirvo {
 namespace {
 
-constexpr int kingFileAtStart = 4;
-constexpr Bitboard rank1 = 0xFFULL;
-
 constexpr Move KindBits(int kind) { return static_cast<Move>(kind) << moveKindShift; }
 constexpr Move SideBits(int side) { return static_cast<Move>(side) << moveColourShift; }
 
-constexpr int BackRank(int side) { return side == white ? 0 : 7; }
-constexpr int LastRank(int side) { return side == white ? 7 : 0; }
-constexpr int SecondRank(int side) { return side == white ? 1 : 6; }
-
-// Squares between king and rook, and the rook's corner, on the side's back rank.
-constexpr Bitboard OnBackRank(int side, Bitboard files) { return files << (8 * BackRank(side)); }
-constexpr Bitboard longPathFiles = 0x0E;   // b, c, d
-constexpr Bitboard shortPathFiles = 0x60;  // f, g
-
-constexpr Bitboard fileA = 0x0101010101010101ULL;
-constexpr Bitboard fileH = fileA << 7;
-
-// Everything that pawns of a side on `squares` would attack.
-template <int side>
-constexpr Bitboard AttackedByPawns(Bitboard squares) {
-  const Bitboard left = squares & ~fileA;
-  const Bitboard right = squares & ~fileH;
-  return side == white ? left << 7 | right << 9 : left >> 9 | right >> 7;
-}
+// Files between king and rook before castling.
+constexpr Bitboard longPathFiles = FileSet(fileB) | FileSet(fileC) | FileSet(fileD);
+constexpr Bitboard shortPathFiles = FileSet(fileF) | FileSet(fileG);
 
 // Promotions stand in the list from queen down to knight.
 Move* AddPromotions(Move* next, Move move) {
@@ -96,14 +78,14 @@ void BBMoveGenerator2::AddPawnCaptures() {
   const int epSquare = enPassant ? SquareAt(board->epRank, board->epFile) : 0;
   const Bitboard epBit = enPassant ? Bit(epSquare) : 0;
   const Bitboard takers =
-      board->pieces[PieceIndex(us, pawn)] & AttackedByPawns<them>(victims | epBit);
+      board->pieces[PieceIndex(us, pawn)] & PawnAttackSet(them, victims | epBit);
   for (Bitboard set = takers; set != 0 && HasRoom();) {
     const int from = PopHighest(set);
     const Move origin = common | static_cast<Move>(from);
     for (Bitboard targets = PawnAttacks[us][from] & victims; targets != 0;) {
       const int to = PopHighest(targets);
       const Move move = origin | (static_cast<Move>(to) << moveToShift);
-      if (RankOf(to) == LastRank(us)) {
+      if (RankOf(to) == RelativeRank(us, rank8)) {
         next = AddPromotions(next, move);
       } else {
         *next++ = move;
@@ -127,11 +109,11 @@ void BBMoveGenerator2::AddPawnPushes() {
   // Steps off the board leave no bit behind.
   const Bitboard free = us == white ? empty >> 8 : empty << 8;
   const Bitboard free2 = us == white ? empty >> 16 : empty << 16;
-  const Bitboard doubles = free2 & (rank1 << (8 * SecondRank(us)));
+  const Bitboard doubles = free2 & RelativeRankSet(us, rank2);
   for (Bitboard set = board->pieces[PieceIndex(us, pawn)] & free; set != 0 && HasRoom();) {
     const int from = PopHighest(set);
     const Move move = (common | static_cast<Move>(from) * inPlace) + step;
-    if (RankOf(from) == RankOf(SquareAt(LastRank(us), 0) - forward)) [[unlikely]] {
+    if (RankOf(from) == RelativeRank(us, rank7)) [[unlikely]] {
       next = AddPromotions(next, move);
       continue;
     }
@@ -144,13 +126,14 @@ void BBMoveGenerator2::AddPawnPushes() {
 void BBMoveGenerator2::AddCastling() {
   const CastlingFlags& flags = board->castling;
   if (flags.hasCastled[side] != 0 || flags.kingMoved[side] != 0) return;
-  const int home = SquareAt(BackRank(side), kingFileAtStart);
+  const int home = RelativeSquare(side, rank1, fileE);
+  const Bitboard backRank = RelativeRankSet(side, rank1);
   const std::uint64_t* own = board->pieces + side * nKinds;
   if ((own[king] & Bit(home)) == 0 || KingSquare(*board, side) != home) return;
   const bool mayLong = flags.queenRookMoved[side] == 0 && (own[rook] & Bit(home - 4)) != 0 &&
-                       (board->occupied & OnBackRank(side, longPathFiles)) == 0;
+                       (board->occupied & backRank & longPathFiles) == 0;
   const bool mayShort = flags.kingRookMoved[side] == 0 && (own[rook] & Bit(home + 3)) != 0 &&
-                        (board->occupied & OnBackRank(side, shortPathFiles)) == 0;
+                        (board->occupied & backRank & shortPathFiles) == 0;
   if ((!mayLong && !mayShort) || InCheck(*board, side)) return;
   if (mayLong && !SquareAttacked(*board, opponent, home - 1) &&
       !SquareAttacked(*board, opponent, home - 2)) {

@@ -21,11 +21,31 @@ constexpr std::uint64_t startPieces[nPieces] = {
 // Square of a side that has no king: the fields must name some square.
 constexpr int missingKingSquare = 63;
 
+std::uint64_t CastlingKeys(const Board& board, int side) {
+  if (board.castling.kingMoved[side] != 0) return 0;
+  std::uint64_t key = 0;
+  if (board.castling.queenRookMoved[side] == 0) key ^= LongCastlingKey(side);
+  if (board.castling.kingRookMoved[side] == 0) key ^= ShortCastlingKey(side);
+  return key;
+}
+
 }  // namespace
 
-Board::Board() : PositionState{}, pieces{}, kingFile{}, kingRank{}, sideToMove(white), undoStack{} {
+Board::Board()
+    : PositionState{},
+      pieces{},
+      kingFile{},
+      kingRank{},
+      sideToMove(white),
+      historyIndex(0),
+      undoStack{} {
   ClearEnPassant(*this);
-  ResetToStart(*this);
+  PlaceStartPosition(*this);
+}
+
+Board& Board::operator=(const Board& other) {
+  if (this != &other) CopyBoard(*this, other);
+  return *this;
 }
 
 void ClearEnPassant(Board& board) {
@@ -39,23 +59,47 @@ void ClearBoard(Board& board) {
   board.castling = CastlingFlags{};
   board.plyCount = 0;
   board.nullMoveMade = 0;
-  board.irregular = 0;
-  board.turnPassed = 0;
+  board.hasOverlaps = false;
+  board.turnPassed = false;
   board.undoDepth = 0;
   board.inCheckCache = -1;
   RebuildOccupancy(board);
   RebuildRotated(board);
 }
 
-void ResetToStart(Board& board) {
+void PlaceStartPosition(Board& board) {
   ClearBoard(board);
   std::copy(std::begin(startPieces), std::end(startPieces), board.pieces);
   board.sideToMove = white;
   RebuildOccupancy(board);
   LocateKings(board);
   RebuildRotated(board);
-  StartKeyHistory(board);
-  board.inCheckCache = -1;
+  board.positionKey = ComputeKey(board);
+}
+
+std::uint64_t ComputeKey(const Board& board) {
+  std::uint64_t key = 0;
+  for (int side = 0; side < nSides; ++side) {
+    for (int kind = 0; kind < nKinds; ++kind) {
+      for (Bitboard set = board.pieces[PieceIndex(side, kind)]; set != 0;) {
+        key ^= PieceKey(side, kind, PopHighest(set));
+      }
+    }
+  }
+  if (board.sideToMove == white) key ^= SideKey();
+  key ^= CastlingKeys(board, white) ^ CastlingKeys(board, black);
+  if (HasEnPassant(board)) key ^= EnPassantKey(board.epFile);
+  return key;
+}
+
+std::uint64_t ComputePawnKey(const Board& board) {
+  std::uint64_t key = 0;
+  for (int side = 0; side < nSides; ++side) {
+    for (Bitboard set = board.pieces[PieceIndex(side, pawn)]; set != 0;) {
+      key ^= PieceKey(side, pawn, PopHighest(set));
+    }
+  }
+  return key;
 }
 
 void RebuildOccupancy(Board& board) {
@@ -93,14 +137,14 @@ void LocateKings(Board& board) {
   LocateKing(board, black);
 }
 
-void DetectIrregular(Board& board) {
+void DetectOverlaps(Board& board) {
   Bitboard seen = 0;
   Bitboard shared = 0;
   for (const Bitboard set : board.pieces) {
     shared |= seen & set;
     seen |= set;
   }
-  board.irregular = shared != 0 ? 1 : 0;
+  board.hasOverlaps = shared != 0;
 }
 
 void CopyBoard(Board& destination, const Board& source) {
@@ -114,7 +158,7 @@ void CopyBoard(Board& destination, const Board& source) {
   destination.epFile = source.epFile;
   destination.epColour = source.epColour;
   destination.nullMoveMade = source.nullMoveMade;
-  destination.irregular = source.irregular;
+  destination.hasOverlaps = source.hasOverlaps;
   destination.turnPassed = source.turnPassed;
   destination.undoDepth = source.undoDepth;
   destination.historyIndex = source.historyIndex;
@@ -132,21 +176,6 @@ int PieceOn(const Board& board, int square, int side) {
     if ((board.pieces[PieceIndex(side, kind)] & bit) != 0) return kind;
   }
   return noPiece;
-}
-
-void TrimGameHistory(Board& board) {
-  const int maxUndo = undoCapacity - searchPlyRoom;
-  if (board.undoDepth > maxUndo) {
-    const int nDropped = board.undoDepth - maxUndo;
-    std::copy(board.undoStack + nDropped, board.undoStack + board.undoDepth, board.undoStack);
-    board.undoDepth = maxUndo;
-  }
-  const int maxHistory = keyHistoryCapacity - searchPlyRoom - 1;
-  if (board.historyIndex > maxHistory) {
-    const int nDropped = board.historyIndex - maxHistory;
-    std::copy(KeyHistory + nDropped, KeyHistory + board.historyIndex + 1, KeyHistory);
-    board.historyIndex = maxHistory;
-  }
 }
 
 }  // namespace mirvo

@@ -1,6 +1,9 @@
-// The Board: one position with everything needed to play moves on it and take
-// them back. A plain value of fixed size; changed by the set-up routines here
-// and in fen.h, by make_move.h, and by the search's null move.
+// The Board: one position and the record of the moves that led to it. A plain
+// value of fixed size; changed by the set-up routines here and in fen.h and by
+// make_move.h. One thing that moves and the repetition test need lies outside
+// it: the keys of past positions, in the one list that all boards share
+// (key_history.h). So only one board at a time may be played on; a board that
+// is then left behind keeps its position but not its history.
 #pragma once
 
 #include <cstdint>
@@ -43,8 +46,8 @@ static_assert(sizeof(PositionState) == 64);
 struct Board;
 struct UndoRecord;
 
-/// Takes a move back, whose record is given and no longer counted.
-using MoveTaker = void (*)(Board& board, const UndoRecord& undo);
+/// Unmakes the move in `undo`; the caller has already popped the record.
+using UnmakeFunction = void (*)(Board& board, const UndoRecord& undo);
 
 /// What UnmakeMove needs to restore the position before one move.
 struct UndoRecord : PositionState {
@@ -54,8 +57,8 @@ struct UndoRecord : PositionState {
   std::uint8_t castledLong;
   std::uint8_t epCapture;
   std::uint8_t capturedKind;  // pawn for en passant; meaningful when captured
-  MoveTaker takeBack;         // the shortest way to take this move back
-  Bitboard fromTo;            // origin and target, for the shorter ways only
+  UnmakeFunction unmake;      // the fastest way to unmake this move
+  Bitboard fromTo;            // origin and target, for the fast ways only
 };
 static_assert(sizeof(UndoRecord) == 128);
 
@@ -66,8 +69,15 @@ inline constexpr int undoCapacity = 500;
 inline constexpr int searchPlyRoom = 250;
 
 struct Board : PositionState {
-  /// An initial position with no en-passant square.
+  /// An initial position with no en-passant square. Its key is entry 0 of
+  /// KeyHistory when the program starts; afterwards a board that is to be played
+  /// on begins a game first (fen.h).
   Board();
+
+  /// A plain copy, byte for byte: a snapshot to compare with later.
+  Board(const Board&) = default;
+  /// The same as CopyBoard.
+  Board& operator=(const Board& other);
 
   std::uint64_t pieces[nPieces];  // index = side * 6 + kind
   std::uint64_t sideOccupancy[nSides];
@@ -75,11 +85,11 @@ struct Board : PositionState {
   std::uint8_t kingFile[nSides];
   std::uint8_t kingRank[nSides];
   std::uint8_t sideToMove;
-  /// 1 when two pieces may share a square (only text input can do that). The
+  /// Whether two pieces may share a square (only text input can do that). The
   /// board then recomputes its derived sets instead of updating them.
-  std::uint8_t irregular;
-  /// 1 once a text that names no move has passed the turn since set-up.
-  std::uint8_t turnPassed;
+  bool hasOverlaps;
+  /// Whether a text that names no move has passed the turn since set-up.
+  bool turnPassed;
   std::int32_t inCheckCache;  // -1 unknown, 0 no, 1 yes, for the side to move
   std::int32_t plyCount;      // moves and null moves made since set-up
   std::int32_t undoDepth;     // undoStack entries in use
@@ -89,17 +99,16 @@ struct Board : PositionState {
 
 inline constexpr int nBoards = 8;
 
-/// One search board per search slot; the engine uses slot 0.
-/// Owner: board.cpp. Writers and readers: the search, the EPD runner.
+/// One board per search slot; the engine has one searcher, which uses slot 0.
+/// Owner: board.cpp. Writer and reader: the search.
 extern Board BoardPool[nBoards];
 
 /// Empties the position. Leaves side to move, king squares, en-passant fields,
 /// history index and key alone; the caller sets what it needs.
 void ClearBoard(Board& board);
 
-/// Sets up the initial position and restarts KeyHistory. Leaves the
-/// en-passant fields alone: callers that begin a game call ClearEnPassant.
-void ResetToStart(Board& board);
+/// Sets up the initial position and its key. Leaves the en-passant fields alone.
+void PlaceStartPosition(Board& board);
 
 /// Forgets the en-passant square. Does not touch the key.
 void ClearEnPassant(Board& board);
@@ -116,19 +125,41 @@ void RebuildRotated(Board& board);
 void LocateKing(Board& board, int side);
 void LocateKings(Board& board);
 
-/// Marks the board irregular when two pieces share a square.
-void DetectIrregular(Board& board);
+/// Sets hasOverlaps according to whether two pieces share a square.
+void DetectOverlaps(Board& board);
+
+/// The key of the position from scratch.
+std::uint64_t ComputeKey(const Board& board);
+
+/// The piece keys of all pawns, from scratch. Without the side to move.
+std::uint64_t ComputePawnKey(const Board& board);
 
 /// Makes `destination` an independent copy; derived sets and the keys are
 /// recomputed, the undo records are copied whole.
 void CopyBoard(Board& destination, const Board& source);
 
-/// Kind of the piece of `side` on `square`, or noPiece.
+/// Kind of the piece of `side` on `square`, or noPiece. Where several share the
+/// square it is the first in the order pawn, bishop, knight, rook, queen, king.
 int PieceOn(const Board& board, int square, int side);
 
-/// Drops the oldest undo records and history keys so that at least
-/// searchPlyRoom more moves fit. Call only between searches.
-void TrimGameHistory(Board& board);
+/// The same for a board without overlaps and a square that is known to hold a
+/// piece of the side; an empty square reads as a pawn. Computes the three bits of
+/// the kind from the pieces that have them: a search over the kinds would be
+/// guessed wrongly too often.
+inline int SolePieceOn(const Board& board, int square, int side) {
+  static_assert(pawn == 0 && knight == 1 && bishop == 2 && rook == 3 && queen == 4 && king == 5);
+  const std::uint64_t* of = board.pieces + side * nKinds;
+  const std::uint64_t bit0 = of[knight] | of[rook] | of[king];
+  const std::uint64_t bit1 = of[bishop] | of[rook];
+  const std::uint64_t bit2 = of[queen] | of[king];
+  return static_cast<int>((bit0 >> square & 1) | (bit1 >> square & 1) << 1 |
+                          (bit2 >> square & 1) << 2);
+}
+
+/// The six bitboards of a side, indexed by kind.
+inline const Bitboard* PiecesOf(const Board& board, int side) {
+  return board.pieces + side * nKinds;
+}
 
 inline int KingSquare(const Board& board, int side) {
   return SquareAt(board.kingRank[side], board.kingFile[side]);

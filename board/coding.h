@@ -35,6 +35,24 @@ inline constexpr char pieceLetters[] = "PNBRQKpnbrqk";
 /// Value of the en-passant rank and file fields when there is no such square.
 inline constexpr std::uint8_t noEnPassant = 255;
 
+// Files and ranks by their numbers.
+inline constexpr int fileA = 0;
+inline constexpr int fileB = 1;
+inline constexpr int fileC = 2;
+inline constexpr int fileD = 3;
+inline constexpr int fileE = 4;
+inline constexpr int fileF = 5;
+inline constexpr int fileG = 6;
+inline constexpr int fileH = 7;
+inline constexpr int rank1 = 0;
+inline constexpr int rank2 = 1;
+inline constexpr int rank3 = 2;
+inline constexpr int rank4 = 3;
+inline constexpr int rank5 = 4;
+inline constexpr int rank6 = 5;
+inline constexpr int rank7 = 6;
+inline constexpr int rank8 = 7;
+
 constexpr int SquareAt(int rank, int file) { return rank * 8 + file; }
 constexpr int RankOf(int square) { return square >> 3; }
 constexpr int FileOf(int square) { return square & 7; }

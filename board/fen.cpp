@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "board/keys.h"
+#include "board/key_history.h"
 #include "shell/text.h"
 
 namespace mirvo {
@@ -56,7 +56,12 @@ void SetupFromFen(const char* placement, const char* side, const char* castling,
   LocateKings(board);
   RebuildOccupancy(board);
   RebuildRotated(board);
-  DetectIrregular(board);
+  DetectOverlaps(board);
+}
+
+void ResetToStart(Board& board) {
+  PlaceStartPosition(board);
+  StartKeyHistory(board);
 }
 
 void BeginFromFen(const char* placement, const char* side, const char* castling, Board& board) {

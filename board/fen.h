@@ -1,4 +1,5 @@
-// Setting a board up from the first three fields of a FEN record.
+// Setting a board up: the initial position, the first three fields of a FEN
+// record, and the start of a game from either.
 #pragma once
 
 #include "board/board.h"
@@ -20,6 +21,10 @@ void PlacePieces(const char* word, Board& board);
 
 /// Sets all castling flags, then clears those that the word names ("KQkq").
 void ReadCastlingRights(const char* word, Board& board);
+
+/// Sets up the initial position and restarts KeyHistory. Leaves the
+/// en-passant fields alone: callers that begin a game use BeginFromStart.
+void ResetToStart(Board& board);
 
 /// A whole FEN set-up as protocols need it: forgets en passant, restarts the
 /// board, loads the fields and starts the key history at this position.

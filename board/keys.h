@@ -1,5 +1,5 @@
-// Position keys with the values of the published Polyglot Random64 table, the
-// list of past keys, and the repetition test on it.
+// The numbers that position keys are made of: those of the published Polyglot
+// Random64 table. Constant data.
 #pragma once
 
 #include <cstdint>
@@ -7,8 +7,6 @@
 #include "board/coding.h"
 
 namespace mirvo {
-
-struct Board;
 
 inline constexpr int nRandom64 = 781;
 inline constexpr int castlingKeyOffset = 768;  // white short, long, black short, long
@@ -35,27 +33,5 @@ inline std::uint64_t EnPassantKey(int file) { return Random64[enPassantKeyOffset
 
 /// Included in the key when White is to move.
 inline std::uint64_t SideKey() { return Random64[sideKeyOffset]; }
-
-inline constexpr int keyHistoryCapacity = 2048;
-
-/// Keys of the positions after every move that took nothing and moved no
-/// pawn; entry 0 is the position set up. One list shared by all boards, each
-/// with its own historyIndex. Owner: keys.cpp. Writers: set-up, MakeMove.
-extern std::uint64_t KeyHistory[keyHistoryCapacity];
-
-/// The key of the position from scratch.
-std::uint64_t ComputeKey(const Board& board);
-
-/// The piece keys of all pawns, from scratch. Without the side to move.
-std::uint64_t ComputePawnKey(const Board& board);
-
-/// Whether the current key stands exactly twice in KeyHistory up to
-/// historyIndex. Three or more occurrences answer no: the engine treats only
-/// the first return to a position as a repetition.
-bool IsRepetition(const Board& board);
-
-/// Computes the key and makes it entry 0 of KeyHistory: a game that starts
-/// from a set-up position begins its history there.
-void StartKeyHistory(Board& board);
 
 }  // namespace mirvo

@@ -1,4 +1,4 @@
-// Playing moves on a board and taking them back.
+// Making moves on a board and unmaking them.
 #pragma once
 
 #include <cassert>
@@ -9,18 +9,27 @@
 namespace mirvo {
 
 /// Plays `move` for the side to move and pushes an undo record. Legality (own
-/// king left attacked) is the caller's test. A capture that will be taken back
+/// king left attacked) is the caller's test. A capture that will be unmade
 /// must carry the capture flag and its moving kind; generated moves do. A move
 /// from text may be illegal: it is made as it stands and every derived field
-/// of the board stays consistent, but it cannot be taken back.
+/// of the board stays consistent, but it cannot be unmade.
 void MakeMove(Board& board, Move move);
 
-/// Takes back the newest move. The board must hold at least one undo record.
+/// Unmakes the newest move. The board must hold at least one undo record.
 inline void UnmakeMove(Board& board) {
   assert(board.undoDepth > 0);
   const UndoRecord& undo = board.undoStack[--board.undoDepth];
-  undo.takeBack(board, undo);
+  undo.unmake(board, undo);
 }
+
+/// The general way, which every move can go: all rules of making and unmaking a
+/// move. MakeMove does the same to the board and takes faster ways for moves
+/// that allow it (make_move_fast.h). The undo record holds `unmake` and `fromTo`
+/// for the way the move was made; UnmakeAnyMove does not need them.
+void MakeAnyMove(Board& board, Move move);
+
+/// Unmakes the move in `undo`; the caller has already popped the record.
+void UnmakeAnyMove(Board& board, const UndoRecord& undo);
 
 /// Whether an en-passant capture is possible now: the square was made by the
 /// move just played (or came with the position and nothing was played yet), is

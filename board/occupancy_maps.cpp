@@ -1,5 +1,7 @@
 #include "board/occupancy_maps.h"
 
+#include "board/square_sets.h"
+
 namespace mirvo {
 namespace {
 
@@ -49,17 +51,18 @@ constexpr std::array<std::int32_t, nSquares> BuildFlipMap() {
   return map;
 }
 
-constexpr std::array<Bitboard, 8> fileMasks = {
-    0x0101010101010101ULL << 0, 0x0101010101010101ULL << 1, 0x0101010101010101ULL << 2,
-    0x0101010101010101ULL << 3, 0x0101010101010101ULL << 4, 0x0101010101010101ULL << 5,
-    0x0101010101010101ULL << 6, 0x0101010101010101ULL << 7};
+constexpr std::array<Bitboard, 8> BuildFileMasks() {
+  std::array<Bitboard, 8> masks{};
+  for (int file = fileA; file <= fileH; ++file) {
+    masks[static_cast<std::size_t>(file)] = FileSet(file);
+  }
+  return masks;
+}
 
 constexpr std::array<Bitboard, 8> BuildFileSpan3() {
   std::array<Bitboard, 8> spans{};
-  for (std::size_t file = 0; file < 8; ++file) {
-    spans[file] = fileMasks[file];
-    if (file > 0) spans[file] |= fileMasks[file - 1];
-    if (file < 7) spans[file] |= fileMasks[file + 1];
+  for (int file = fileA; file <= fileH; ++file) {
+    spans[static_cast<std::size_t>(file)] = FileSet(file) | AdjacentFileSet(file);
   }
   return spans;
 }
@@ -88,7 +91,7 @@ extern constexpr std::array<std::int32_t, nSquares> DiagA1H8Map = diagA1H8;
 extern constexpr std::array<std::int32_t, nSquares> DiagA8H1Map = diagA8H1;
 extern constexpr std::array<std::int32_t, nSquares> FlipMap = BuildFlipMap();
 extern constexpr std::array<RotatedBits, nSquares> RotatedBitsOf = BuildRotatedBits();
-extern constexpr std::array<Bitboard, 8> FileMask = fileMasks;
+extern constexpr std::array<Bitboard, 8> FileMask = BuildFileMasks();
 extern constexpr std::array<Bitboard, 8> FileSpan3 = BuildFileSpan3();
 
 }  // namespace mirvo

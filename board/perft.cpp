@@ -6,6 +6,7 @@
 
 #include "board/attacks.h"
 #include "board/bb_move_generator.h"
+#include "board/key_history.h"
 #include "board/make_move.h"
 #include "shell/clock.h"
 #include "shell/output.h"

@@ -62,8 +62,8 @@ void Replace(Move& move, Move mask, Move bits) { move = (move & ~mask) | bits; }
 // "O-O" is three characters; anything longer reads as long castling, also
 // "O-O+": this reader keeps it so.
 void ReadCastling(SanReader& reader, int side) {
-  const int file = reader.length == 3 ? 6 : 2;
-  const int to = SquareAt(side == black ? 7 : 0, file);
+  const int file = reader.length == 3 ? fileG : fileC;
+  const int to = SquareAt(side == black ? rank8 : rank1, file);
   reader.move = BuildMove(0, to, 0, king);
   reader.done = true;
 }

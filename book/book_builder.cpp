@@ -2,7 +2,6 @@
 
 #include "board/bits.h"
 #include "board/fen.h"
-#include "board/keys.h"
 #include "board/make_move.h"
 #include "book/book_writer.h"
 #include "book/pgn_reader.h"

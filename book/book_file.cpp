@@ -3,19 +3,12 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "board/coding.h"
 #include "book/opening_book.h"
 #include "shell/config.h"
 
 namespace mirvo {
 namespace {
-
-constexpr int fileA = 0;
-constexpr int fileC = 2;
-constexpr int fileE = 4;
-constexpr int fileG = 6;
-constexpr int fileH = 7;
-constexpr int rank1 = 0;
-constexpr int rank8 = 7;
 
 std::uint64_t BigEndian64(const std::uint8_t* bytes) {
   std::uint64_t value = 0;

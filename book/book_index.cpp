@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "book/opening_book.h"
+#include "book/book_entry.h"
 #include "shell/clock.h"
 
 namespace mirvo {

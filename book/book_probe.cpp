@@ -2,8 +2,8 @@
 #include <cstdint>
 
 #include "board/bb_move_generator.h"
-#include "board/keys.h"
 #include "board/legal_moves.h"
+#include "board/make_move.h"
 #include "board/notation.h"
 #include "book/opening_book.h"
 #include "shell/output.h"

@@ -6,26 +6,10 @@
 
 #include "board/board.h"
 #include "board/move.h"
+#include "book/book_entry.h"
 #include "book/book_index.h"
 
 namespace mirvo {
-
-inline constexpr int bookCapacity = 200000;
-inline constexpr int bookMovesPerPosition = 20;
-
-/// Entries that building and merging fill; the last place of the buffer stays
-/// free. Loading a single file uses all of bookCapacity.
-inline constexpr int bookGrowthLimit = bookCapacity - 1;
-
-/// One position. The three move arrays run in parallel, 0..moveCount-1.
-struct BookEntry {
-  std::uint64_t key;
-  Move moves[bookMovesPerPosition];
-  std::int32_t moveCount;
-  std::int32_t hits[bookMovesPerPosition];     // records or games that gave the move
-  std::int32_t weights[bookMovesPerPosition];  // never negative
-};
-static_assert(sizeof(BookEntry) == 256);
 
 struct OpeningBook {
   std::uint64_t loaded = 0;      // 1 after a file was read

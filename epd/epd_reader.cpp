@@ -9,7 +9,7 @@
 
 #include "board/coding.h"
 #include "board/fen.h"
-#include "board/keys.h"
+#include "board/key_history.h"
 #include "board/san.h"
 #include "shell/text.h"
 
@@ -183,7 +183,7 @@ void SetUpSuitePosition(const SuitePosition& position, Board& board) {
   board.epRank = position.epRank;
   board.epFile = position.epFile;
   board.epColour = position.epColour;
-  DetectIrregular(board);
+  DetectOverlaps(board);
   LocateKings(board);
   RebuildOccupancy(board);
   RebuildRotated(board);

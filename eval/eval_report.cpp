@@ -2,6 +2,9 @@
 
 #include <utility>
 
+#include "eval/evaluate.h"
+#include "eval/material.h"
+#include "search/hash_table.h"
 #include "shell/output.h"
 
 namespace mirvo {
@@ -31,6 +34,16 @@ void PrintEvalReport(EvalRecord& record, std::int32_t score, float phase) {
                    InPawns(-blacks.mg), InPawns(-blacks.eg));
   }
   PrintToConsole("Total:\t%+3.2f\n\n", InPawns(score));
+}
+
+std::int32_t EvaluateWithReport(EvalRecord& record, Board& board, int side) {
+  const std::uint64_t key = board.positionKey;
+  const bool isCached = HashHolds(EvalHashTable, HashIndex(EvalHashTable, key), key);
+  const std::int32_t score = Evaluate(record, board, side);
+  if (!isCached && !InsufficientMaterial(board)) {
+    PrintEvalReport(record, score, PhaseOf(record));
+  }
+  return score;
 }
 
 }  // namespace mirvo

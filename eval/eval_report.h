@@ -1,8 +1,9 @@
-// The printed table of evaluation terms.
+// The printed table of evaluation terms, for the run mode that shows it.
 #pragma once
 
 #include <cstdint>
 
+#include "board/board.h"
 #include "eval/eval_record.h"
 
 namespace mirvo {
@@ -12,5 +13,9 @@ namespace mirvo {
 /// and 1 with all pieces. The amounts that have no row, such as threats and
 /// passed pawns, are part of the total only. May exchange the record's rows.
 void PrintEvalReport(EvalRecord& record, std::int32_t score, float phase);
+
+/// Evaluates and prints the report, if there is one: neither after a hit of the
+/// evaluation cache nor with insufficient material are the terms computed.
+std::int32_t EvaluateWithReport(EvalRecord& record, Board& board, int side);
 
 }  // namespace mirvo

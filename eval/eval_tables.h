@@ -14,20 +14,7 @@ struct SquareValues {
   std::int16_t of[nSides][nSquares];
 };
 
-// ---------------------------------------------------------------- material
-
-inline constexpr std::int32_t pawnMg = 100;
-inline constexpr std::int32_t pawnEg = 110;
-inline constexpr std::int32_t knightBase = 400;
-inline constexpr std::int32_t bishopValue = 400;
-inline constexpr std::int32_t rookBase = 600;
-inline constexpr std::int32_t queenValue = 1100;
-
-/// A knight gains 100/16 per own pawn above this count, a rook loses 100/8.
-inline constexpr std::int32_t usualPawnCount = 5;
-inline constexpr std::int32_t pawnCountScale = 100;
-inline constexpr std::int32_t knightPawnDivisor = 16;
-inline constexpr std::int32_t rookPawnDivisor = 8;
+// ---------------------------------------------------------- phase and stage
 
 /// 1 / 7800: non-pawn material of both sides that makes the phase 1.
 inline constexpr float phasePerCentipawn = 0.00012820512F;
@@ -62,9 +49,9 @@ inline constexpr std::int32_t doubledBehindEnemy = -10;
 inline constexpr std::int32_t doubledAdvanced = -5;
 inline constexpr std::int32_t protectedPawn = 10;
 inline constexpr std::int32_t doubledIsolated = -10;
-inline constexpr std::int32_t freeSpanDoubled = 3;
-inline constexpr std::int32_t freeSpan = 10;
-inline constexpr std::int32_t freeSpanNotIsolated = 10;
+inline constexpr std::int32_t unopposedDoubled = 3;
+inline constexpr std::int32_t unopposedPawn = 10;
+inline constexpr std::int32_t unopposedNotIsolated = 10;
 inline constexpr ScorePair backwardPawn = {-10, -20};
 
 // ------------------------------------------------------------ passed pawns
@@ -119,9 +106,8 @@ inline constexpr std::int32_t rookSeventhPawns = 10;
 
 // -------------------------------------------------------------------- king
 
+/// The danger table of king.h: so many points, and a fraction of their square.
 inline constexpr int nKingDanger = 100;
-/// Centipawns by danger points. Built at start-up, read-only afterwards.
-extern std::int32_t KingDangerTable[nKingDanger];
 inline constexpr float kingDangerScale = 0.05F;
 inline constexpr std::int32_t dangerPerZoneSquare = 3;
 
@@ -139,15 +125,15 @@ inline constexpr std::int32_t uncastledBase = -95;
 inline constexpr std::int32_t uncastledWingPawns = 6;
 inline constexpr std::int32_t uncastledHole = -5;
 
-inline constexpr std::int32_t kingFileBare = -30;
-inline constexpr std::int32_t kingNeighbourFileBare = -15;
+inline constexpr std::int32_t kingFileOpen = -30;
+inline constexpr std::int32_t kingNeighbourFileOpen = -15;
 
 /// Tropism by kind: so much per step of Manhattan distance to the enemy king,
 /// from such a base.
 inline constexpr std::int32_t tropismStep[nKinds] = {0, 2, 1, 1, 5, 0};
 inline constexpr std::int32_t tropismBase[nKinds] = {0, -28, -14, -14, -70, 0};
 
-inline constexpr std::int32_t backRankShut = -10;
+inline constexpr std::int32_t backRankWeakness = -10;
 inline constexpr int presenceRadius = 3;
 inline constexpr std::int32_t zonePresence = 5;
 inline constexpr std::int32_t pawnStorm = -10;

@@ -2,13 +2,16 @@
 
 #include "board/bits.h"
 #include "board/keys.h"
-#include "eval/eval_report.h"
+#include "board/square_sets.h"
 #include "eval/eval_tables.h"
-#include "eval/minor_terms.h"
-#include "eval/side_geometry.h"
-#include "eval/terms.h"
+#include "eval/king.h"
+#include "eval/material.h"
+#include "eval/passed_pawns.h"
+#include "eval/pawns.h"
+#include "eval/pieces.h"
+#include "eval/prologue_terms.h"
+#include "eval/threats.h"
 #include "search/hash_table.h"
-#include "shell/config.h"
 
 namespace mirvo {
 
@@ -122,35 +125,34 @@ ScorePair DevelopmentOf(const EvalRecord& record, int side, std::int32_t mgSoFar
   return {EvaluateDevelopment(record, side, given, mgSoFar, minors), 0};
 }
 
-/// What can be told before the pawn cache has answered: sets, material, phase and
-/// stage, and the terms that read nothing else.
-struct Outset {
+/// What is computed before the pawn cache has answered: sets, material, phase
+/// and stage, and the terms that need nothing else.
+struct Prologue {
   ScorePair sum;  // White's minus Black's, so far
   float phase;
 };
 
-MIRVO_COUNTS_BITS Outset BeginEvaluation(EvalRecord& record, Board& board, int side) {
+MIRVO_COUNTS_BITS Prologue EvaluatePrologue(EvalRecord& record, Board& board, int side) {
   ResetRecord(record, board, side);
-  Outset outset{};
-  outset.sum = TermDifference(record, materialTerm, EvaluateMaterial);
-  outset.phase = static_cast<float>(record.nonPawnMaterial[white] + record.nonPawnMaterial[black]) *
-                 phasePerCentipawn;
+  Prologue prologue{};
+  prologue.sum = TermDifference(record, materialTerm, EvaluateMaterial);
+  prologue.phase = PhaseOf(record);
   record.stage = StageOf(record);
-  record.attacks[white][pawn] = PawnAttackSet<white>(PiecesOf<white>(board)[pawn]);
-  record.attacks[black][pawn] = PawnAttackSet<black>(PiecesOf<black>(board)[pawn]);
-  outset.sum.mg += EvaluateCentreBlockade(record, white) - EvaluateCentreBlockade(record, black);
-  outset.sum.eg += EvaluateWingPawns(record, white) - EvaluateWingPawns(record, black);
-  const std::int32_t mgSoFar = outset.sum.mg;
-  outset.sum += TermDifference(record, develTerm, [mgSoFar](const EvalRecord& r, int c) {
+  record.attacks[white][pawn] = PawnAttackSet(white, PiecesOf(board, white)[pawn]);
+  record.attacks[black][pawn] = PawnAttackSet(black, PiecesOf(board, black)[pawn]);
+  prologue.sum.mg += EvaluateCentreBlockade(record, white) - EvaluateCentreBlockade(record, black);
+  prologue.sum.eg += EvaluateWingPawns(record, white) - EvaluateWingPawns(record, black);
+  const std::int32_t mgSoFar = prologue.sum.mg;
+  prologue.sum += TermDifference(record, develTerm, [mgSoFar](const EvalRecord& r, int c) {
     return DevelopmentOf(r, c, mgSoFar);
   });
-  return outset;
+  return prologue;
 }
 
 /// The terms that need the pawn structure and those behind them.
-ScorePair SumTerms(EvalRecord& record, const Outset& outset) {
-  ScorePair sum = outset.sum;
-  sum += PawnStructure(record, outset.phase);
+ScorePair SumTerms(EvalRecord& record, const Prologue& prologue) {
+  ScorePair sum = prologue.sum;
+  sum += PawnStructure(record, prologue.phase);
   sum += EvaluatePieces(record, white) - EvaluatePieces(record, black);
   FormUnion(record, white);
   FormUnion(record, black);
@@ -163,28 +165,29 @@ ScorePair SumTerms(EvalRecord& record, const Outset& outset) {
 
 }  // namespace
 
+float PhaseOf(const EvalRecord& record) {
+  return static_cast<float>(record.nonPawnMaterial[white] + record.nonPawnMaterial[black]) *
+         phasePerCentipawn;
+}
+
 std::int32_t Evaluate(EvalRecord& record, Board& board, int side) {
   const std::uint64_t key = board.positionKey;
   const std::uint32_t index = HashLocate(EvalHashTable, key);
-  // A slot is mostly far away in memory. That the cache does not know the
-  // position is mostly told without it; it is loaded all the same, for the
-  // score that will be stored.
+  // Prefetch the slot: even after a miss a score is stored there.
   __builtin_prefetch(&EvalHashTable.entries[index]);
   if (CountProbe(EvalHashTable, index, key)) return EvalHashTable.entries[index].evalScore;
 
-  // While the pawn structure's slot is being loaded the evaluation goes as far
-  // as it gets without it.
+  // The prologue runs while the pawn structure's slot is being loaded.
   HashPrefetch(PawnHashTable, PawnKey(board));
-  const Outset outset = BeginEvaluation(record, board, side);
+  const Prologue prologue = EvaluatePrologue(record, board, side);
   if (InsufficientMaterial(board)) {
     StoreScore(EvalHashTable, index, key, 0);
     return 0;
   }
 
-  const ScorePair sum = SumTerms(record, outset);
-  const std::int32_t score = OwnView(record, Blend(sum, outset.phase));
+  const ScorePair sum = SumTerms(record, prologue);
+  const std::int32_t score = OwnView(record, Blend(sum, prologue.phase));
   StoreScore(EvalHashTable, index, key, score);
-  if (engineConfig.RunMode == RunModeCode::eval) PrintEvalReport(record, score, outset.phase);
   return score;
 }
 

@@ -9,12 +9,12 @@
 namespace mirvo {
 
 /// Static score in centipawns in the view of `side`. Uses the evaluation and
-/// pawn caches; prints the term report when the run mode is "eval". `record`
-/// is scratch space of the caller; after a hit of the evaluation cache it holds
-/// nothing of use.
+/// pawn caches. `record` is scratch space of the caller; after a hit of the
+/// evaluation cache it holds nothing of use.
 std::int32_t Evaluate(EvalRecord& record, Board& board, int side);
 
-/// Builds KingDangerTable; called once by start-up after the board tables.
-void BuildKingDangerTable();
+/// Share of the middle game in the score: 0 in a bare end game, 1 with all
+/// pieces, more with extra queens. Needs the material of both sides.
+float PhaseOf(const EvalRecord& record);
 
 }  // namespace mirvo

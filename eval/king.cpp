@@ -1,12 +1,12 @@
+#include "eval/king.h"
+
 #include <algorithm>
 
 #include "board/attack_tables.h"
 #include "board/bits.h"
 #include "board/geometry_tables.h"
+#include "board/square_sets.h"
 #include "eval/eval_tables.h"
-#include "eval/evaluate.h"
-#include "eval/side_geometry.h"
-#include "eval/terms.h"
 
 namespace mirvo {
 
@@ -21,22 +21,17 @@ void BuildKingDangerTable() {
 
 namespace {
 
-constexpr Bitboard queenSideFiles = 0x0F0F0F0F0F0F0F0FULL;  // a-d
-constexpr Bitboard kingSideFiles = ~queenSideFiles;
-constexpr Bitboard centreFiles = 0x1818181818181818ULL;  // d and e
-constexpr Bitboard lowerHalf = 0x00000000FFFFFFFFULL;    // ranks 1-4
-
 /// One king with the sets that most of its amounts look at.
 template <int side>
 struct KingView {
   explicit KingView(const EvalRecord& evalRecord)
       : record(evalRecord),
         board(*evalRecord.board),
-        own(PiecesOf<side>(board)),
-        enemy(PiecesOf<side ^ 1>(board)),
+        own(PiecesOf(board, side)),
+        enemy(PiecesOf(board, side ^ 1)),
         square(KingSquare(board, side)),
         file(FileOf(square)),
-        relativeRank(RelativeRank<side>(RankOf(square))) {}
+        relativeRank(RelativeRank(side, RankOf(square))) {}
 
   const EvalRecord& record;
   const Board& board;
@@ -59,34 +54,34 @@ ScorePair PlaceAmount(const KingView<side>& view) {
 /// Files (as bits of one rank) that hold one of `pawns` on a relative rank.
 template <int side>
 Bitboard FilesOnRank(Bitboard pawns, int relativeRank) {
-  return (pawns >> (8 * RelativeRank<side>(relativeRank))) & 0xFF;
+  return (pawns >> (8 * RelativeRank(side, relativeRank))) & RankSet(rank1);
 }
 
 /// Pawn shelter on the wing a side has castled to; middle game only.
 template <int side>
 std::int32_t CastledShelter(const KingView<side>& view) {
-  const Bitboard wing = (view.file < 4 ? filesAToC : filesFToH) & 0xFF;
-  const Bitboard second = FilesOnRank<side>(view.own[pawn], 1) & wing;
+  const Bitboard wing = (view.file < fileE ? filesAToC : filesFToH) & RankSet(rank1);
+  const Bitboard second = FilesOnRank<side>(view.own[pawn], rank2) & wing;
   const Bitboard missing = wing & ~second;
   std::int32_t amount = (shelterPawn * PopCount(second) + shelterBase) * shelterScale;
   if (missing != 0) {
-    const Bitboard third = FilesOnRank<side>(view.own[pawn], 2) & missing;
+    const Bitboard third = FilesOnRank<side>(view.own[pawn], rank3) & missing;
     amount += shelterAdvanced * PopCount(third) + shelterMissing * PopCount(missing & ~third);
   }
   // A king that has stepped out has little to do with those pawns.
-  return view.relativeRank > 1 ? amount / 2 : amount;
+  return view.relativeRank > rank2 ? amount / 2 : amount;
 }
 
 /// A side that has not castled: what it has lost and what shelter it keeps.
 template <int side>
 ScorePair UncastledAmount(const KingView<side>& view) {
-  constexpr Bitboard wings = ~centreFiles & 0xFF;
+  constexpr Bitboard wings = ~centreFiles & RankSet(rank1);
   const CastlingFlags& flags = view.board.castling;
-  const Bitboard second = FilesOnRank<side>(view.own[pawn], 1) & wings;
+  const Bitboard second = FilesOnRank<side>(view.own[pawn], rank2) & wings;
   const std::int32_t count = PopCount(second);
   ScorePair score = {uncastledPawn * count + uncastledBase, uncastledEg};
   if (count < uncastledWingPawns) {
-    const Bitboard third = FilesOnRank<side>(view.own[pawn], 2);
+    const Bitboard third = FilesOnRank<side>(view.own[pawn], rank3);
     score.mg += uncastledHole * PopCount(wings & ~(second | third));
   }
   const bool bothRooksMoved = flags.queenRookMoved[side] != 0 && flags.kingRookMoved[side] != 0;
@@ -94,22 +89,23 @@ ScorePair UncastledAmount(const KingView<side>& view) {
   return score;
 }
 
-/// Files at the king without an own pawn; middle game only.
+/// Open files at the king: its own and those beside it, without an own pawn;
+/// middle game only.
 template <int side>
-std::int32_t BareFiles(const KingView<side>& view) {
+std::int32_t OpenFilesAtKing(const KingView<side>& view) {
   const Bitboard pawns = view.own[pawn];
   std::int32_t amount = 0;
-  if ((pawns & FileSet(view.file)) == 0) amount += kingFileBare;
-  if (view.file > 0 && (pawns & FileSet(view.file - 1)) == 0) amount += kingNeighbourFileBare;
-  if (view.file < 7 && (pawns & FileSet(view.file + 1)) == 0) amount += kingNeighbourFileBare;
+  if ((pawns & FileSet(view.file)) == 0) amount += kingFileOpen;
+  if (view.file > fileA && (pawns & FileSet(view.file - 1)) == 0) amount += kingNeighbourFileOpen;
+  if (view.file < fileH && (pawns & FileSet(view.file + 1)) == 0) amount += kingNeighbourFileOpen;
   return amount;
 }
 
-/// King on the back rank, shut in by its own pawns, heavy enemy pieces about.
+/// King on the back rank behind its own pawns, and the enemy has a rook or queen.
 template <int side>
-bool BackRankIsShut(const KingView<side>& view) {
-  if (view.relativeRank != 0 || (view.enemy[rook] | view.enemy[queen]) == 0) return false;
-  const Bitboard exits = KingAttacks[view.square] & RelativeRankSet<side>(1);
+bool HasBackRankWeakness(const KingView<side>& view) {
+  if (view.relativeRank != rank1 || (view.enemy[rook] | view.enemy[queen]) == 0) return false;
+  const Bitboard exits = KingAttacks[view.square] & RelativeRankSet(side, rank2);
   return (exits & ~view.own[pawn]) == 0;
 }
 
@@ -125,9 +121,9 @@ std::int32_t Presence(const KingView<side>& view) {
 /// Enemy pawns in the king's quarter of the board; middle game only.
 template <int side>
 std::int32_t PawnStorm(const KingView<side>& view) {
-  if (view.relativeRank > 1) return 0;
-  const Bitboard files = view.file < 4 ? queenSideFiles : kingSideFiles;
-  const Bitboard ranks = side == white ? lowerHalf : ~lowerHalf;
+  if (view.relativeRank > rank2) return 0;
+  const Bitboard files = view.file < fileE ? queenSideFiles : kingSideFiles;
+  constexpr Bitboard ranks = RanksBehind(side, RelativeRank(side, rank5));
   return pawnStorm * PopCount(view.enemy[pawn] & files & ranks);
 }
 
@@ -152,9 +148,9 @@ ScorePair KingOf(const EvalRecord& record) {
   } else {
     score += UncastledAmount<side>(view);
   }
-  score.mg += BareFiles<side>(view) + PawnStorm<side>(view);
+  score.mg += OpenFilesAtKing<side>(view) + PawnStorm<side>(view);
   score.AddBoth(record.kingTropism[side] + Presence<side>(view) - Danger<side>(view));
-  if (BackRankIsShut<side>(view)) score.AddBoth(backRankShut);
+  if (HasBackRankWeakness<side>(view)) score.AddBoth(backRankWeakness);
   return score;
 }
 

@@ -1,10 +1,11 @@
+#include "eval/passed_pawns.h"
+
 #include <algorithm>
 
 #include "board/bits.h"
 #include "board/geometry_tables.h"
+#include "board/square_sets.h"
 #include "eval/eval_tables.h"
-#include "eval/side_geometry.h"
-#include "eval/terms.h"
 
 namespace mirvo {
 
@@ -14,8 +15,8 @@ namespace {
 /// between does not matter.
 template <int side>
 std::int32_t MajorsOnFile(const Board& board, Bitboard front, Bitboard behind) {
-  const Bitboard ownMajors = PiecesOf<side>(board)[rook] | PiecesOf<side>(board)[queen];
-  const Bitboard enemyMajors = PiecesOf<side ^ 1>(board)[rook] | PiecesOf<side ^ 1>(board)[queen];
+  const Bitboard ownMajors = PiecesOf(board, side)[rook] | PiecesOf(board, side)[queen];
+  const Bitboard enemyMajors = PiecesOf(board, side ^ 1)[rook] | PiecesOf(board, side ^ 1)[queen];
   std::int32_t amount = 0;
   if ((ownMajors & front) != 0) amount += ownMajorInFront;
   if ((ownMajors & behind) != 0) amount += ownMajorBehind;
@@ -30,7 +31,7 @@ template <int side>
 bool WinsRace(const EvalRecord& record, int square) {
   if (record.nonPawnMaterial[side ^ 1] != 0) return false;
   const Board& board = *record.board;
-  const int promotion = SquareAt(RelativeRank<side>(7), FileOf(square));
+  const int promotion = RelativeSquare(side, rank8, FileOf(square));
   const int enemyKing = KingSquare(board, side ^ 1);
   const std::int32_t tempo = board.sideToMove == side ? 1 : 0;
   return ChebyshevDistance[square][promotion] - ChebyshevDistance[enemyKing][promotion] + tempo < 0;
@@ -41,7 +42,7 @@ bool WinsRace(const EvalRecord& record, int square) {
 template <int side>
 std::int32_t RookPawnAmount(const EvalRecord& record) {
   if (record.nonPawnMaterial[side ^ 1] <= rookPawnMaterial) return rookPawnFree;
-  const Bitboard* enemy = PiecesOf<side ^ 1>(*record.board);
+  const Bitboard* enemy = PiecesOf(*record.board, side ^ 1);
   return (enemy[rook] | enemy[queen]) != 0 ? rookPawnOpposed : 0;
 }
 
@@ -50,17 +51,17 @@ ScorePair OnePassedPawn(const EvalRecord& record, int square) {
   const Board& board = *record.board;
   const int file = FileOf(square);
   const int rank = RankOf(square);
-  const Bitboard front = FileSet(file) & RanksAhead<side>(rank);
+  const Bitboard front = FileSet(file) & RanksAhead(side, rank);
   const Bitboard behind = FileSet(file) & ~front;
 
-  ScorePair score = PassedByRank[std::clamp(RelativeRank<side>(rank) - 1, 0, nPassedRanks - 1)];
+  ScorePair score = PassedByRank[std::clamp(RelativeRank(side, rank) - rank2, 0, nPassedRanks - 1)];
   score.AddBoth(MajorsOnFile<side>(board, front, behind));
   score.AddBoth(ownBlocker * PopCount(front & board.sideOccupancy[side]));
   score.AddBoth(enemyBlocker * PopCount(front & board.sideOccupancy[side ^ 1]));
   if (WinsRace<side>(record, square)) score += wonRace;
   score.AddBoth(pathControl * (PopCount(front & record.attacks[side][unionAttacks]) -
                                PopCount(front & record.attacks[side ^ 1][unionAttacks])));
-  if (file == 0 || file == 7) score.eg += RookPawnAmount<side>(record);
+  if (file == fileA || file == fileH) score.eg += RookPawnAmount<side>(record);
   return score;
 }
 

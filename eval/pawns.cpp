@@ -1,10 +1,11 @@
+#include "eval/pawns.h"
+
 #include <algorithm>
 
 #include "board/bits.h"
 #include "board/geometry_tables.h"
+#include "board/square_sets.h"
 #include "eval/eval_tables.h"
-#include "eval/side_geometry.h"
-#include "eval/terms.h"
 
 namespace mirvo {
 
@@ -14,12 +15,12 @@ namespace {
 template <int side>
 struct PawnView {
   explicit PawnView(const Board& board)
-      : own(PiecesOf<side>(board)[pawn]),
-        enemy(PiecesOf<side ^ 1>(board)[pawn]),
-        defended(PawnAttackSet<side>(own)),
-        attacked(PawnAttackSet<side ^ 1>(enemy)),
+      : own(PiecesOf(board, side)[pawn]),
+        enemy(PiecesOf(board, side ^ 1)[pawn]),
+        defended(PawnAttackSet(side, own)),
+        attacked(PawnAttackSet(side ^ 1, enemy)),
         doubled(DoubledByCount[std::min(PopCount(own), nPawnCounts - 1)]) {
-    if (PiecesOf<side>(board)[rook] == 0) doubled += doubledWithoutRook;
+    if (PiecesOf(board, side)[rook] == 0) doubled += doubledWithoutRook;
   }
 
   Bitboard own;
@@ -34,7 +35,7 @@ template <int side>
 std::int32_t DoubledAmount(const PawnView<side>& view, int rank, Bitboard front) {
   std::int32_t amount = view.doubled;
   if ((front & view.enemy) != 0) amount += doubledBehindEnemy;
-  if (RelativeRank<side>(rank) != 1) amount += doubledAdvanced;
+  if (RelativeRank(side, rank) != rank2) amount += doubledAdvanced;
   return amount;
 }
 
@@ -42,7 +43,7 @@ std::int32_t DoubledAmount(const PawnView<side>& view, int rank, Bitboard front)
 /// runs into an enemy pawn's capture. A pawn on its last rank has no step.
 template <int side>
 bool IsBackward(const PawnView<side>& view, int square, Bitboard adjacent) {
-  if ((adjacent & RanksBehind<side>(RankOf(square)) & view.own) != 0) return false;
+  if ((adjacent & RanksBehind(side, RankOf(square)) & view.own) != 0) return false;
   const Bitboard next = side == white ? Bit(square) << 8 : Bit(square) >> 8;
   return (next & view.attacked & ~view.defended) != 0;
 }
@@ -52,7 +53,7 @@ ScorePair OnePawn(const PawnView<side>& view, int square, EvalRecord& record) {
   const int file = FileOf(square);
   const int rank = RankOf(square);
   const Bitboard adjacent = AdjacentFileSet(file);
-  const Bitboard front = FileSet(file) & RanksAhead<side>(rank);
+  const Bitboard front = FileSet(file) & RanksAhead(side, rank);
   const bool doubled = (front & view.own) != 0;
   const bool isolated = (adjacent & view.own) == 0;
 
@@ -62,12 +63,13 @@ ScorePair OnePawn(const PawnView<side>& view, int square, EvalRecord& record) {
   if (isolated) {
     score.AddBoth(IsolatedByFile[file]);
     record.isolated[side] |= Bit(square);
-    if (doubled && file != 0 && file != 7) score.AddBoth(doubledIsolated);
+    if (doubled && file != fileA && file != fileH) score.AddBoth(doubledIsolated);
   }
+  // No enemy pawn can stop it.
   if ((FrontSpan(side, square) & view.enemy) == 0) {
-    score.AddBoth(doubled ? freeSpanDoubled : freeSpan);
+    score.AddBoth(doubled ? unopposedDoubled : unopposedPawn);
     if (!doubled) record.passed[side] |= Bit(square);
-    if (!isolated) score.AddBoth(freeSpanNotIsolated);
+    if (!isolated) score.AddBoth(unopposedNotIsolated);
   }
   if (IsBackward<side>(view, square, adjacent)) score += backwardPawn;
   return score;

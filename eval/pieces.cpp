@@ -1,12 +1,13 @@
+#include "eval/pieces.h"
+
 #include <algorithm>
 
 #include "board/attack_tables.h"
 #include "board/bits.h"
 #include "board/geometry_tables.h"
 #include "board/occupancy_maps.h"
+#include "board/square_sets.h"
 #include "eval/eval_tables.h"
-#include "eval/side_geometry.h"
-#include "eval/terms.h"
 
 namespace mirvo {
 
@@ -15,43 +16,11 @@ namespace {
 /// The inner four squares of the centre count twice.
 static_assert(centreSquare == 2 * ringSquare);
 
-/// Weighted squares of a set of squares on ranks 3 and 4 (or 5 and 6), files c to
-/// f, four bits a rank.
-struct CentreSums {
-  std::int8_t low[256];
-  std::int8_t high[256];
-};
-
-constexpr CentreSums SumCentre() {
-  CentreSums sums{};
-  for (int index = 0; index < 256; ++index) {
-    for (int bit = 0; bit < 8; ++bit) {
-      if ((index >> bit & 1) == 0) continue;
-      const int file = 2 + (bit & 3);
-      const Bitboard lower = Bit(SquareAt(2 + (bit >> 2), file));
-      const Bitboard upper = Bit(SquareAt(4 + (bit >> 2), file));
-      sums.low[index] =
-          static_cast<std::int8_t>(sums.low[index] + ((lower & centreSquares) != 0 ? 2 : 1));
-      sums.high[index] =
-          static_cast<std::int8_t>(sums.high[index] + ((upper & centreSquares) != 0 ? 2 : 1));
-    }
-  }
-  return sums;
-}
-
-constexpr CentreSums centreSums = SumCentre();
-
 /// Ring squares of a set and twice its centre squares, to be multiplied by
-/// `ringSquare`; by two look-ups where the processor does not count bits.
+/// `ringSquare`.
 std::int32_t CentreCount(Bitboard set) {
-#ifdef __POPCNT__
   constexpr Bitboard centreBlock = extendedCentreRing | centreSquares;  // c3 to f6
   return PopCount(set & centreBlock) + PopCount(set & centreSquares);
-#else
-  const auto ranks = static_cast<std::uint32_t>(set >> SquareAt(2, 2)) & 0x0F0F0F0FU;
-  const std::uint32_t pairs = ranks | ranks >> 4;
-  return centreSums.low[pairs & 0xFF] + centreSums.high[(pairs >> 16) & 0xFF];
-#endif
 }
 
 /// What every piece of a side is measured against.
@@ -62,7 +31,7 @@ struct PieceView {
         own(board.sideOccupancy[side]),
         pawnAttacks(record.attacks[side][pawn]),
         enemyPawnAttacks(record.attacks[side ^ 1][pawn]),
-        unsafe(enemyPawnAttacks & (~board.occupied | PiecesOf<side ^ 1>(board)[pawn])),
+        unsafe(enemyPawnAttacks & (~board.occupied | PiecesOf(board, side ^ 1)[pawn])),
         enemyIsolated(record.isolated[side ^ 1]),
         enemyZone(record.kingZone[side ^ 1]),
         ownZone(record.kingZone[side]),
@@ -83,20 +52,20 @@ struct PieceView {
 /// is mostly summed as a count and multiplied once, in Finish.
 template <int side, int kind>
 struct KindSums {
-  /// Takes in what all kinds share, for one piece that controls `mobility`
-  /// directly and `reach` counting what it sees through own pieces.
-  void AddCommon(const PieceView<side>& view, int square, Bitboard mobility, Bitboard reach) {
+  /// Adds what all kinds share, for one piece that attacks `mobility` directly
+  /// and `xRays` with what it attacks through own pieces.
+  void AddCommon(const PieceView<side>& view, int square, Bitboard mobility, Bitboard xRays) {
     // Seldom any: a branch is cheaper than counting nothing.
-    if (const Bitboard hits = reach & view.enemyIsolated; hits != 0) {
+    if (const Bitboard hits = xRays & view.enemyIsolated; hits != 0) {
       both += isolatedPawnHit * PopCount(hits);
     }
     // As often as not: counting is cheaper than a branch guessed wrongly.
-    const Bitboard zoneHits = reach & view.enemyZone;
+    const Bitboard zoneHits = xRays & view.enemyZone;
     both += enemyZoneSquare * PopCount(zoneHits);
     attackers += zoneHits != 0 ? 1 : 0;
-    both += ownZoneSquare * PopCount(reach & view.ownZone);
+    both += ownZoneSquare * PopCount(xRays & view.ownZone);
     centreCount += CentreCount(mobility);
-    attacks |= reach;
+    attacks |= xRays;
     kingDistance += view.enemyKingDistance[square];
   }
 
@@ -165,7 +134,7 @@ std::int32_t OutpostAmount(const PieceView<side>& view, int square) {
   if (outpost == 0 || (view.enemyPawnAttacks & Bit(square)) != 0) return 0;
   std::int32_t amount = outpost;
   if ((view.pawnAttacks & Bit(square)) != 0) amount += outpost / 2;
-  const Bitboard* enemy = PiecesOf<side ^ 1>(view.board);
+  const Bitboard* enemy = PiecesOf(view.board, side ^ 1);
   const Bitboard colourSet = (square & 1) == 0 ? lightSquares : darkSquares;
   if (enemy[knight] == 0 && (enemy[bishop] & colourSet) == 0) amount += outpost / 2;
   return amount;
@@ -173,16 +142,16 @@ std::int32_t OutpostAmount(const PieceView<side>& view, int square) {
 
 template <int side>
 ScorePair KnightsOf(const PieceView<side>& view, EvalRecord& record) {
-  const Bitboard knights = PiecesOf<side>(view.board)[knight];
+  const Bitboard knights = PiecesOf(view.board, side)[knight];
   KindSums<side, knight> sums;
   for (Bitboard left = knights; left != 0;) {
     const int square = PopHighest(left);
-    const Bitboard reach = KnightAttacks[square];
-    const Bitboard mobility = reach & ~view.own;
+    const Bitboard attacks = KnightAttacks[square];
+    const Bitboard mobility = attacks & ~view.own;
     sums.both += KnightSquare.of[side][square] + KnightMobility[PopCount(mobility)] +
                  OutpostAmount<side>(view, square);
     sums.unsafeSquares += PopCount(mobility & view.unsafe);
-    sums.AddCommon(view, square, mobility, reach);
+    sums.AddCommon(view, square, mobility, attacks);
   }
   return sums.Finish(view, record, knights);
 }
@@ -195,7 +164,7 @@ ScorePair BishopCountAmount(const Board& board, Bitboard bishops) {
   const Bitboard others = bishops & (bishops - 1);
   if (others == 0) {
     const Bitboard colour = (bishops & lightSquares) != 0 ? lightSquares : darkSquares;
-    const int pawns = PopCount(PiecesOf<side>(board)[pawn] & colour);
+    const int pawns = PopCount(PiecesOf(board, side)[pawn] & colour);
     const std::int32_t amount = SingleBishop[std::min(pawns, nPawnCounts - 1)];
     return {amount, amount};
   }
@@ -206,20 +175,22 @@ ScorePair BishopCountAmount(const Board& board, Bitboard bishops) {
 /// black pawns on b6 and c7, on h7 behind g6 and f7, Black's mirrored.
 template <int side>
 bool IsTrappedBishop(const Board& board, int square) {
-  constexpr Bitboard a7 = RelativeSquare<side>(48);
-  constexpr Bitboard b6c7 = RelativeSquare<side>(41) | RelativeSquare<side>(50);
-  constexpr Bitboard h7 = RelativeSquare<side>(55);
-  constexpr Bitboard g6f7 = RelativeSquare<side>(46) | RelativeSquare<side>(53);
+  constexpr Bitboard a7 = Bit(RelativeSquare(side, rank7, fileA));
+  constexpr Bitboard b6c7 =
+      Bit(RelativeSquare(side, rank6, fileB)) | Bit(RelativeSquare(side, rank7, fileC));
+  constexpr Bitboard h7 = Bit(RelativeSquare(side, rank7, fileH));
+  constexpr Bitboard g6f7 =
+      Bit(RelativeSquare(side, rank6, fileG)) | Bit(RelativeSquare(side, rank7, fileF));
   const Bitboard here = Bit(square);
   if ((here & (a7 | h7)) == 0) return false;
   const Bitboard cage = here == a7 ? b6c7 : g6f7;
-  return (PiecesOf<side ^ 1>(board)[pawn] & cage) == cage;
+  return (PiecesOf(board, side ^ 1)[pawn] & cage) == cage;
 }
 
 template <int side>
 ScorePair BishopsOf(const PieceView<side>& view, EvalRecord& record) {
-  const Bitboard bishops = PiecesOf<side>(view.board)[bishop];
-  const Bitboard transparent = PiecesOf<side>(view.board)[queen];
+  const Bitboard bishops = PiecesOf(view.board, side)[bishop];
+  const Bitboard transparent = PiecesOf(view.board, side)[queen];
   KindSums<side, bishop> sums;
   const ScorePair given = BishopCountAmount<side>(view.board, bishops);
   const int count = PopCount(bishops);
@@ -229,16 +200,16 @@ ScorePair BishopsOf(const PieceView<side>& view, EvalRecord& record) {
     const int square = PopHighest(left);
     const int rank = RankOf(square);
     const Bitboard plain = BishopAttacks(view.board, square);
-    const Bitboard reach = DiagonalXRay(view.board, square, plain, transparent) & ~view.own;
+    const Bitboard xRays = DiagonalXRay(view.board, square, plain, transparent) & ~view.own;
     const Bitboard mobility = plain & ~view.own;
     // No square of a bishop is beside it: what is not ahead is behind.
-    const int ahead = PopCount(mobility & RanksAhead<side>(rank));
+    const int ahead = PopCount(mobility & RanksAhead(side, rank));
     const int behind = PopCount(mobility) - ahead;
     sums.both +=
         BishopSquare.of[side][square] + bishopSquareAhead * ahead + bishopSquareBehind * behind;
     sums.unsafeSquares += PopCount(mobility & view.unsafe);
     if (IsTrappedBishop<side>(view.board, square)) sums.both += trappedBishop;
-    sums.AddCommon(view, square, mobility, reach);
+    sums.AddCommon(view, square, mobility, xRays);
   }
   return sums.Finish(view, record, bishops);
 }
@@ -249,8 +220,8 @@ ScorePair BishopsOf(const PieceView<side>& view, EvalRecord& record) {
 template <int side>
 std::int32_t RookFileAmount(const Board& board, int file, std::int32_t nEnemyPawns) {
   const Bitboard squares = FileSet(file);
-  if ((PiecesOf<side>(board)[pawn] & squares) != 0) return rookBehindOwnPawn;
-  if ((PiecesOf<side ^ 1>(board)[pawn] & squares) != 0) return nEnemyPawns / 2 + rookHalfOpenFile;
+  if ((PiecesOf(board, side)[pawn] & squares) != 0) return rookBehindOwnPawn;
+  if ((PiecesOf(board, side ^ 1)[pawn] & squares) != 0) return nEnemyPawns / 2 + rookHalfOpenFile;
   return nEnemyPawns + rookOpenFile;
 }
 
@@ -270,24 +241,25 @@ Bitboard RookCage(const Board& board) {
 template <int side>
 std::int32_t SeventhRankAmount(const Board& board) {
   std::int32_t amount = 0;
-  if (RelativeRank<side>(board.kingRank[side ^ 1]) == 7) amount += rookSeventhKing;
-  if ((PiecesOf<side ^ 1>(board)[pawn] & RelativeRankSet<side>(6)) != 0) amount += rookSeventhPawns;
+  if (RelativeRank(side, board.kingRank[side ^ 1]) == rank8) amount += rookSeventhKing;
+  if ((PiecesOf(board, side ^ 1)[pawn] & RelativeRankSet(side, rank7)) != 0)
+    amount += rookSeventhPawns;
   return amount;
 }
 
 template <int side>
 ScorePair RooksOf(const PieceView<side>& view, const LineXRay& xRay, EvalRecord& record) {
-  const Bitboard rooks = PiecesOf<side>(view.board)[rook];
-  const std::int32_t nEnemyPawns = PopCount(PiecesOf<side ^ 1>(view.board)[pawn]);
+  const Bitboard rooks = PiecesOf(view.board, side)[rook];
+  const std::int32_t nEnemyPawns = PopCount(PiecesOf(view.board, side ^ 1)[pawn]);
   KindSums<side, rook> sums;
   sums.both = trappedRook * PopCount(rooks & RookCage<side>(view.board));
-  if (const Bitboard seventh = rooks & RelativeRankSet<side>(6); seventh != 0) {
+  if (const Bitboard seventh = rooks & RelativeRankSet(side, rank7); seventh != 0) {
     sums.both += SeventhRankAmount<side>(view.board) * PopCount(seventh);
   }
   for (Bitboard left = rooks; left != 0;) {
     const int square = PopHighest(left);
     const Bitboard plain = RookAttacks(view.board, square);
-    const Bitboard reach = xRay.Attacks(square, plain) & ~view.own;
+    const Bitboard xRays = xRay.Attacks(square, plain) & ~view.own;
     const Bitboard mobility = plain & ~view.own;
     const int count = PopCount(mobility);
     sums.both +=
@@ -295,7 +267,7 @@ ScorePair RooksOf(const PieceView<side>& view, const LineXRay& xRay, EvalRecord&
     sums.mg += RookMobilityMg[count];
     sums.eg += RookMobilityEg[count];
     sums.unsafeSquares += PopCount(mobility & view.unsafe);
-    sums.AddCommon(view, square, mobility, reach);
+    sums.AddCommon(view, square, mobility, xRays);
   }
   return sums.Finish(view, record, rooks);
 }
@@ -304,23 +276,23 @@ ScorePair RooksOf(const PieceView<side>& view, const LineXRay& xRay, EvalRecord&
 
 template <int side>
 ScorePair QueensOf(const PieceView<side>& view, const LineXRay& xRay, EvalRecord& record) {
-  const Bitboard queens = PiecesOf<side>(view.board)[queen];
-  const Bitboard onDiagonals = queens | PiecesOf<side>(view.board)[bishop];
+  const Bitboard queens = PiecesOf(view.board, side)[queen];
+  const Bitboard onDiagonals = queens | PiecesOf(view.board, side)[bishop];
   KindSums<side, queen> sums;
   for (Bitboard left = queens; left != 0;) {
     const int square = PopHighest(left);
     const Bitboard diagonals = BishopAttacks(view.board, square);
     const Bitboard lines = RookAttacks(view.board, square);
-    const Bitboard reach =
+    const Bitboard xRays =
         (DiagonalXRay(view.board, square, diagonals, onDiagonals) | xRay.Attacks(square, lines)) &
         ~view.own;
     const Bitboard mobility = (diagonals | lines) & ~view.own;
     // A queen's mobility counts what stands open behind its own helpers too.
-    const int count = PopCount(reach);
+    const int count = PopCount(xRays);
     sums.mg += QueenMobilityMg[count];
     sums.eg += QueenMobilityEg[count];
     sums.both += QueenSquare.of[side][square];
-    sums.AddCommon(view, square, mobility, reach);
+    sums.AddCommon(view, square, mobility, xRays);
   }
   return sums.Finish(view, record, queens);
 }
@@ -328,7 +300,7 @@ ScorePair QueensOf(const PieceView<side>& view, const LineXRay& xRay, EvalRecord
 template <int side>
 ScorePair PiecesOfSide(EvalRecord& record) {
   const PieceView<side> view(record);
-  const Bitboard* own = PiecesOf<side>(view.board);
+  const Bitboard* own = PiecesOf(view.board, side);
   ScorePair* terms = record.terms[side ^ record.side];
   terms[knightsTerm] = own[knight] != 0 ? KnightsOf<side>(view, record) : ScorePair{};
   terms[bishopsTerm] = own[bishop] != 0 ? BishopsOf<side>(view, record) : ScorePair{};

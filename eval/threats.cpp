@@ -1,13 +1,13 @@
+#include "eval/threats.h"
+
 #include "eval/eval_tables.h"
-#include "eval/side_geometry.h"
-#include "eval/terms.h"
 
 namespace mirvo {
 
 std::int32_t EvaluateThreats(const EvalRecord& record, int side) {
   const Board& board = *record.board;
   const Bitboard* sets = record.attacks[side];
-  const Bitboard* enemy = board.pieces + (side ^ 1) * nKinds;
+  const Bitboard* enemy = PiecesOf(board, side ^ 1);
   const Bitboard targets =
       sets[unionAttacks] & ~record.attacks[side ^ 1][pawn] & board.sideOccupancyNoKing[side ^ 1];
   if (targets == 0) return 0;

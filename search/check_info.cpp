@@ -22,12 +22,12 @@ CheckInfo::CheckInfo(const Board& position, bool inCheck) : board_(position) {
       (checkSquares_[pawn] & own[pawn]) | (checkSquares_[knight] & own[knight]) |
       (checkSquares_[bishop] & own[bishop]) | (checkSquares_[rook] & own[rook]) |
       (checkSquares_[queen] & own[queen]) | (KingAttacks[enemyKing] & own[king]);
-  if (position.irregular != 0 || own[king] != Bit(ownKing) ||
+  if (position.hasOverlaps || own[king] != Bit(ownKing) ||
       position.pieces[PieceIndex(side ^ 1, king)] != Bit(enemyKing) || attackers != 0) {
     unknownTargets_ = ~Bitboard{0};
     return;
   }
-  blockers_ = Screens(position, ownKing, side ^ 1) | Screens(position, enemyKing, side);
+  blockers_ = Blockers(position, ownKing, side ^ 1) | Blockers(position, enemyKing, side);
   if (HasEnPassant(position)) {
     unknownTargets_ = Bit(SquareAt(position.epRank & 7, position.epFile & 7));
   }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "board/key_history.h"
 #include "board/legal_moves.h"
 #include "board/make_move.h"
 #include "book/opening_book.h"

@@ -127,7 +127,7 @@ std::int32_t Quiesce(SearchState& state, Board& board, std::int32_t alpha, std::
   const bool mayPrune = !inCheck && !isPv;
   const std::int32_t needed = alpha - margin;
   int nDeltaPruned = 0;
-  if (mayPrune && needed > exchangeValue[pawn] && board.irregular == 0 &&
+  if (mayPrune && needed > exchangeValue[pawn] && !board.hasOverlaps &&
       !MayPromote(board, side)) {
     nDeltaPruned = PutDeltaPrunedLast(board, needed, generator);
     generator.count -= nDeltaPruned;

@@ -1,7 +1,7 @@
 #include "search/root.h"
 
 #include "board/attacks.h"
-#include "board/keys.h"
+#include "board/key_history.h"
 #include "board/legal_moves.h"
 #include "board/make_move.h"
 #include "search/hash_table.h"

@@ -4,10 +4,12 @@
 
 #include "board/attacks.h"
 #include "board/bits.h"
+#include "board/key_history.h"
 #include "board/keys.h"
 #include "board/make_move.h"
 #include "search/check_info.h"
 #include "search/child_prefetch.h"
+#include "eval/material.h"
 #include "search/hash_table.h"
 #include "search/interruption.h"
 #include "search/move_order.h"
@@ -61,24 +63,14 @@ TableHint ProbeTable(std::uint64_t key, std::int32_t alpha, std::int32_t beta, s
   return hint;
 }
 
-// Value of a side's material in centipawns. Knights gain and rooks lose with the
-// number of the side's own pawns.
-std::int32_t Material(const std::uint64_t* own) {
-  constexpr int usualPawns = 5;
-  constexpr std::int32_t pawnValue = exchangeValue[pawn];
-  const std::int32_t nPawns = PopCount(own[pawn]);
-  const std::int32_t knightValue = exchangeValue[knight] + (nPawns - usualPawns) * pawnValue / 16;
-  const std::int32_t rookValue = exchangeValue[rook] + (usualPawns - nPawns) * pawnValue / 8;
-  return nPawns * pawnValue + PopCount(own[knight]) * knightValue +
-         PopCount(own[bishop]) * exchangeValue[bishop] + PopCount(own[rook]) * rookValue +
-         PopCount(own[queen]) * exchangeValue[queen];
-}
-
-// Own minus enemy material.
+// Own minus enemy material in centipawns.
 MIRVO_COUNTS_BITS std::int32_t MaterialBalance(const Board& board) {
   const std::uint64_t* own = board.pieces + board.sideToMove * nKinds;
   const std::uint64_t* enemy = board.pieces + (board.sideToMove ^ 1) * nKinds;
-  return Material(own) - Material(enemy);
+  const std::int32_t ownPawns = PopCount(own[pawn]);
+  const std::int32_t enemyPawns = PopCount(enemy[pawn]);
+  return NonPawnMaterial(own, ownPawns) - NonPawnMaterial(enemy, enemyPawns) +
+         pawnValue * (ownPawns - enemyPawns);
 }
 
 bool HasPieces(const Board& board, int side) {

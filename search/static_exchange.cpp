@@ -82,19 +82,11 @@ int LeastAttacker(const Exchange& exchange, int side, int& square) {
 int CaptureVictim(const Board& board, Move move) {
   const int enemy = board.sideToMove ^ 1;
   const int square = ToSquare(move);
-  if (board.irregular != 0) {
+  if (board.hasOverlaps) {
     const int kind = PieceOn(board, square, enemy);
     return kind == noPiece ? pawn : kind;
   }
-  // The three bits of the kind's number, each from the pieces whose number has
-  // it: no branch to predict, and an empty square gives a pawn.
-  static_assert(pawn == 0 && knight == 1 && bishop == 2 && rook == 3 && queen == 4 && king == 5);
-  const std::uint64_t* of = board.pieces + enemy * nKinds;
-  const std::uint64_t bit0 = of[knight] | of[rook] | of[king];
-  const std::uint64_t bit1 = of[bishop] | of[rook];
-  const std::uint64_t bit2 = of[queen] | of[king];
-  return static_cast<int>((bit0 >> square & 1) | (bit1 >> square & 1) << 1 |
-                          (bit2 >> square & 1) << 2);
+  return SolePieceOn(board, square, enemy);
 }
 
 std::int32_t StaticExchange(const Board& board, Move move, int victim) {

@@ -6,12 +6,14 @@
 
 #include "board/board.h"
 #include "board/move.h"
+#include "eval/material.h"
 #include "search/move_order.h"
 
 namespace mirvo {
 
 /// Exchange values in centipawns, by kind.
-inline constexpr std::int32_t exchangeValue[nKinds] = {100, 400, 400, 600, 1100, 20000};
+inline constexpr std::int32_t exchangeValue[nKinds] = {pawnValue, knightValue, bishopValue,
+                                                       rookValue, queenValue,  20000};
 
 /// Kind of the piece that `move` captures; pawn when its target is empty (en
 /// passant).

@@ -4,7 +4,7 @@
 #include "board/perft.h"
 #include "book/opening_book.h"
 #include "epd/epd_runner.h"
-#include "eval/evaluate.h"
+#include "eval/eval_report.h"
 #include "protocol/dispatcher.h"
 #include "protocol/protocol_mode.h"
 #include "search/search_flags.h"
@@ -33,7 +33,7 @@ void RunEval(EngineConfig& config) {
   Board& board = config.CommandLineBoard;
   PrintBoard(board, BoardLayout::wide, config.Quiet != 0);
   EvalRecord record{};
-  const std::int32_t score = Evaluate(record, board, board.sideToMove);
+  const std::int32_t score = EvaluateWithReport(record, board, board.sideToMove);
   Output(output, "Full eval: %d\n", score);
 }
 

@@ -4,7 +4,7 @@
 
 #include "board/attack_tables.h"
 #include "book/opening_book.h"
-#include "eval/evaluate.h"
+#include "eval/king.h"
 #include "protocol/dispatcher.h"
 #include "search/hash_table.h"
 #include "search/reductions.h"

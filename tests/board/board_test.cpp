@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "board/fen.h"
+#include "board/key_history.h"
 #include "board/keys.h"
 #include "board/make_move.h"
 #include "tests/support/board_support.h"
@@ -107,7 +108,7 @@ TEST_F(BoardSetUp, ClearBoardEmptiesOnlyThePosition) {
   board.epColour = black;
   board.plyCount = 9;
   board.nullMoveMade = 1;
-  board.irregular = 1;
+  board.hasOverlaps = 1;
   board.undoDepth = 4;
   board.historyIndex = 17;
   board.positionKey = 99;
@@ -129,7 +130,7 @@ TEST_F(BoardSetUp, ClearBoardEmptiesOnlyThePosition) {
   }
   EXPECT_EQ(board.plyCount, 0);
   EXPECT_EQ(board.nullMoveMade, 0);
-  EXPECT_EQ(board.irregular, 0);
+  EXPECT_EQ(board.hasOverlaps, 0);
   EXPECT_EQ(board.undoDepth, 0);
   EXPECT_EQ(board.inCheckCache, -1);
   // What set-up callers provide themselves stays.
@@ -158,16 +159,16 @@ TEST_F(BoardSetUp, ASideWithoutKingHasAKingSquareOnTheBoard) {
   ExpectConsistent(board);
 }
 
-TEST_F(BoardSetUp, TwoPiecesOnASquareAreIrregular) {
+TEST_F(BoardSetUp, TwoPiecesOnASquareOverlap) {
   Board board;
-  DetectIrregular(board);
-  EXPECT_EQ(board.irregular, 0);
+  DetectOverlaps(board);
+  EXPECT_EQ(board.hasOverlaps, 0);
   board.pieces[PieceIndex(white, queen)] |= test::Squares("e7");
-  DetectIrregular(board);
-  EXPECT_EQ(board.irregular, 1);
+  DetectOverlaps(board);
+  EXPECT_EQ(board.hasOverlaps, 1);
   board.pieces[PieceIndex(black, pawn)] &= ~test::Squares("e7");
-  DetectIrregular(board);
-  EXPECT_EQ(board.irregular, 0);
+  DetectOverlaps(board);
+  EXPECT_EQ(board.hasOverlaps, 0);
 }
 
 TEST(PieceOn, NamesTheKindOfOneSide) {
@@ -212,7 +213,7 @@ TEST_F(CopiedBoard, EqualsItsSourceInEveryField) {
   ExpectConsistent(*copy);
 }
 
-TEST_F(CopiedBoard, CanTakeBackTheMovesOfTheSource) {
+TEST_F(CopiedBoard, CanUnmakeTheMovesOfTheSource) {
   test::SetPosition(*source, kiwipeteFen);
   const auto before = std::make_unique<Board>(*source);
   test::Play(*source, "e5f7 e7f7 e1c1 e8c8 d5e6");
@@ -231,11 +232,11 @@ TEST_F(CopiedBoard, RecomputesKeyAndOccupancies) {
   ExpectConsistent(*copy);
 }
 
-TEST_F(CopiedBoard, StaysIrregular) {
+TEST_F(CopiedBoard, KeepsItsOverlaps) {
   source->pieces[PieceIndex(white, queen)] |= test::Squares("e7");
-  DetectIrregular(*source);
+  DetectOverlaps(*source);
   CopyBoard(*copy, *source);
-  EXPECT_EQ(copy->irregular, 1);
+  EXPECT_EQ(copy->hasOverlaps, 1);
 }
 
 TEST_F(CopiedBoard, LeavesItsSourceAlone) {

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "board/bb_move_generator.h"
+#include "board/key_history.h"
 #include "board/keys.h"
 #include "board/make_move.h"
 #include "tests/support/board_support.h"
@@ -158,10 +159,10 @@ TEST(SetupFromFen, TwoPiecesOnASquareAreNoticed) {
   Board board = WithPlacement("P2-Q6/8/8/4k3/8/8/4K3/8");
   EXPECT_EQ(board.pieces[pawn], Bit(56));
   EXPECT_EQ(board.pieces[queen], Bit(56));
-  EXPECT_EQ(board.irregular, 1);
+  EXPECT_EQ(board.hasOverlaps, 1);
   StartKeyHistory(board);
   test::ExpectConsistent(board);
-  EXPECT_EQ(WithPlacement(startPlacement).irregular, 0);
+  EXPECT_EQ(WithPlacement(startPlacement).hasOverlaps, 0);
 }
 
 TEST(SetupFromFen, AnyBytesGiveABoardThatCanBeUsed) {

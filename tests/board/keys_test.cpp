@@ -5,7 +5,6 @@
 #include <sstream>
 
 #include "board/board.h"
-#include "board/make_move.h"
 #include "tests/support/board_support.h"
 
 namespace mirvo {
@@ -143,76 +142,6 @@ int CheckKeys(const std::string& file) {
 TEST(ComputeKey, EqualsTheReferenceKeys) { EXPECT_EQ(CheckKeys("reference/keys.txt"), 43); }
 
 TEST(ComputeKey, EqualsTheKeysOfAPolyglotBook) { EXPECT_EQ(CheckKeys("polyglot_keys.txt"), 167); }
-
-// Knights out and back: the position recurs every four plies.
-constexpr char shuffle[] = "g1f3 g8f6 f3g1 f6g8";
-
-TEST(IsRepetition, HoldsForTheSecondOccurrenceOnly) {
-  Board board = BoardFrom(startFen);
-  EXPECT_FALSE(IsRepetition(board));
-  test::Play(board, "g1f3 g8f6 f3g1");
-  EXPECT_FALSE(IsRepetition(board));
-  test::Play(board, "f6g8");
-  EXPECT_TRUE(IsRepetition(board));
-  test::Play(board, shuffle);
-  // Three times: the engine says no.
-  EXPECT_FALSE(IsRepetition(board));
-  test::Play(board, shuffle);
-  EXPECT_FALSE(IsRepetition(board));
-}
-
-TEST(IsRepetition, CountsOnlyUpToTheHistoryIndex) {
-  Board board = BoardFrom(startFen);
-  test::Play(board, shuffle);
-  ASSERT_TRUE(IsRepetition(board));
-  for (int i = 0; i < 4; ++i) UnmakeMove(board);
-  // The later entries still stand behind the index.
-  EXPECT_EQ(KeyHistory[4], board.positionKey);
-  EXPECT_FALSE(IsRepetition(board));
-}
-
-TEST(IsRepetition, NeedsAnIndexThatIsNotNegative) {
-  Board board = BoardFrom(startFen);
-  test::Play(board, shuffle);
-  board.historyIndex = -1;
-  EXPECT_FALSE(IsRepetition(board));
-}
-
-TEST(IsRepetition, FindsTheSetUpPositionOfAGameFromFen) {
-  Board board = BoardFrom("4k3/8/8/8/8/8/8/4K3 b -");
-  test::Play(board, "e8d8 e1d1 d8e8 d1e1");
-  EXPECT_TRUE(IsRepetition(board));
-}
-
-TEST(KeyHistory, GrowsWithReversibleMovesOnly) {
-  Board board = BoardFrom("4k3/8/8/3p4/8/4N3/P7/R3K3 w Q");
-  const struct {
-    const char* move;
-    int index;
-  } plies[] = {
-      {"a2a4", 0},               // pawn
-      {"e8e7", 1},               // king
-      {"e3d5", 1},               // capture
-      {"e7d6", 2}, {"e1c1", 3},  // castling
-      {"d6d5", 3},               // capture
-  };
-  for (const auto& ply : plies) {
-    test::Play(board, ply.move);
-    EXPECT_EQ(board.historyIndex, ply.index) << ply.move;
-    if (ply.index == 3 && std::string(ply.move) == "e1c1") {
-      EXPECT_EQ(KeyHistory[3], board.positionKey);
-    }
-  }
-}
-
-TEST(KeyHistory, StartsAfreshAtAPosition) {
-  Board board = BoardFrom(startFen);
-  test::Play(board, shuffle);
-  StartKeyHistory(board);
-  EXPECT_EQ(board.historyIndex, 0);
-  EXPECT_EQ(KeyHistory[0], board.positionKey);
-  EXPECT_FALSE(IsRepetition(board));
-}
 
 TEST(ComputePawnKey, HoldsThePawnsOnly) {
   EXPECT_EQ(ComputePawnKey(test::BoardFrom("4k3/8/8/8/8/8/8/4K2R w K")), 0U);

@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "board/attacks.h"
-#include "board/keys.h"
+#include "board/key_history.h"
 #include "board/make_move.h"
 #include "board/notation.h"
 #include "tests/support/board_support.h"

@@ -2,11 +2,13 @@
 // or not, both boards agree in every field, record and key.
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "board/fen.h"
+#include "board/key_history.h"
 #include "board/make_move.h"
 #include "board/notation.h"
 #include "tests/support/board_support.h"
@@ -33,8 +35,61 @@ void ExpectPlaysAlike(const Board& board, Board& scratch, Move word) {
   ASSERT_FALSE(testing::Test::HasFailure()) << test::PlacementOf(board) << " " << NameOf(word);
 }
 
-// Makes a word and takes it back, with a check answer found between.
-void ExpectTakenBack(Board& board, Move word) {
+using MakeFunction = void (*)(Board& board, Move move);
+
+// Makes a word on a copy of `board`; fields that nothing reads get one value.
+void MakeOnCopy(const Board& board, Board& copy, Move word, MakeFunction make) {
+  CopyBoard(copy, board);
+  make(copy, word);
+  UndoRecord& undo = copy.undoStack[board.undoDepth];
+  if (undo.captured == 0) undo.capturedKind = pawn;
+}
+
+std::vector<std::uint64_t> HistoryOf(const Board& board) {
+  return {KeyHistory, KeyHistory + board.historyIndex + 1};
+}
+
+// Makes and unmakes a word as MakeMove chooses and by the general way.
+void ExpectBothWaysAgree(const Board& board, Board& fast, Board& general, Move word) {
+  MakeOnCopy(board, general, word, MakeAnyMove);
+  const std::vector<std::uint64_t> history = HistoryOf(general);
+  MakeOnCopy(board, fast, word, MakeMove);
+  ASSERT_EQ(HistoryOf(fast), history);
+  ASSERT_TRUE(test::SameFields(fast, general));
+  ASSERT_EQ(std::memcmp(&fast, &general, sizeof(PositionState)), 0);
+  ASSERT_EQ(std::memcmp(&fast.undoStack[board.undoDepth], &general.undoStack[board.undoDepth],
+                        sizeof(PositionState)),
+            0);
+  // Each by its own way, then the fast one by the general way.
+  UnmakeMove(general);
+  UnmakeMove(fast);
+  ASSERT_TRUE(test::SameFields(general, board));
+  ASSERT_TRUE(test::SameFields(fast, board));
+  MakeMove(fast, word);
+  --fast.undoDepth;
+  UnmakeAnyMove(fast, fast.undoStack[fast.undoDepth]);
+  ASSERT_TRUE(test::SameFields(fast, board));
+}
+
+// The general way is the reference of the fast ones.
+TEST(MakeMoveRules, TheFastWaysDoWhatTheGeneralWayDoes) {
+  const auto fast = std::make_unique<Board>();
+  const auto general = std::make_unique<Board>();
+  int nMoves = 0;
+  test::PlayRandomGames(44, 48, 120, [&](Board& board) {
+    const std::vector<Move> words = test::AllMoves(board);
+    board.inCheckCache = -1;  // as it is after a move was unmade
+    for (const Move word : words) {
+      ExpectBothWaysAgree(board, *fast, *general, word);
+      ASSERT_FALSE(testing::Test::HasFailure()) << test::PlacementOf(board) << " " << NameOf(word);
+      ++nMoves;
+    }
+  });
+  EXPECT_GT(nMoves, 50000);
+}
+
+// Makes a word and unmakes it, with a check answer found between.
+void ExpectUnmade(Board& board, Move word) {
   board.inCheckCache = -1;
   const test::Snapshot before(board);
   MakeMove(board, word);
@@ -50,15 +105,15 @@ TEST(MakeMoveRules, HoldForGeneratedMovesAndWhatTheirWordsMayLeaveOpen) {
       const Move words[] = {word, word | unreadBits, word & ~captureFlag, word ^ otherColour,
                             word | static_cast<Move>(unknownKind) << moveKindShift};
       for (const Move other : words) ExpectPlaysAlike(board, *scratch, other);
-      ExpectTakenBack(board, word);
-      ExpectTakenBack(board, word | unreadBits);
+      ExpectUnmade(board, word);
+      ExpectUnmade(board, word | unreadBits);
     }
   });
 }
 
 // Up and down a tree at random, passing the turn on some ways: every record is
 // written anew again and again, each time over that of another kind of move.
-TEST(MakeMoveRules, HoldAfterManyMovesMadeAndTakenBack) {
+TEST(MakeMoveRules, HoldAfterManyMovesMadeAndUnmade) {
   constexpr int nSteps = 4000;
   constexpr std::size_t maxDepth = 24;
   const auto board = std::make_unique<Board>();
@@ -159,7 +214,7 @@ TEST(MakeMoveRules, HoldInGamesOfIllegalMoves) {
     }
     for (const Move word : test::AllMoves(*board)) {
       ExpectPlaysAlike(*board, *scratch, word);
-      ExpectTakenBack(*board, word);
+      ExpectUnmade(*board, word);
     }
   }
 }

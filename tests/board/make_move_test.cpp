@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "board/key_history.h"
 #include "board/keys.h"
 #include "tests/support/board_support.h"
 
@@ -133,7 +134,7 @@ TEST(MakeMove, TheVictimIsLookedForAmongBishopsBeforeKnights) {
   const int order[] = {queen, rook, knight, bishop, pawn};
   for (const int kind : order) {
     board.pieces[PieceIndex(black, kind)] |= d5;
-    DetectIrregular(board);
+    DetectOverlaps(board);
     RebuildOccupancy(board);
     const Move move = test::FindMove(board, "d1d5");
     MakeMove(board, move);

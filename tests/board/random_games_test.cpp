@@ -7,7 +7,6 @@
 #include "board/attack_tables.h"
 #include "board/attacks.h"
 #include "board/fen.h"
-#include "board/keys.h"
 #include "board/make_move.h"
 #include "board/notation.h"
 #include "tests/support/board_support.h"

@@ -125,11 +125,11 @@ TEST(SanToPartialMove, PieceMoves) {
 }
 
 TEST(SanToPartialMove, DisambiguatorsFillTheFromSquare) {
-  const Move fileB = Move{1} | sanFileMark;
+  const Move fromFileB = Move{1} | sanFileMark;
   const SanCase cases[] = {
-      {"Nbd2", Partial(knight, Square("d2")) | fileB},
-      {"Nbd2+", Partial(knight, Square("d2")) | fileB | checkMark},
-      {"Nbxd2", Partial(knight, Square("d2")) | fileB},
+      {"Nbd2", Partial(knight, Square("d2")) | fromFileB},
+      {"Nbd2+", Partial(knight, Square("d2")) | fromFileB | checkMark},
+      {"Nbxd2", Partial(knight, Square("d2")) | fromFileB},
       {"N1d2", Partial(knight, Square("d2"))},  // rank 1 is the value 0
       {"N3d2", Partial(knight, Square("d2")) | Move{2} << 3},
       {"R1e2", Partial(rook, Square("e2"))},

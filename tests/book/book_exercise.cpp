@@ -3,7 +3,6 @@
 #include <initializer_list>
 
 #include "board/fen.h"
-#include "board/keys.h"
 #include "book/book_builder.h"
 #include "book/pgn_reader.h"
 

@@ -14,7 +14,6 @@
 #include "board/attack_tables.h"
 #include "board/board.h"
 #include "board/fen.h"
-#include "board/keys.h"
 #include "book/opening_book.h"
 #include "shell/clock.h"
 #include "shell/config.h"

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "board/fen.h"
+#include "board/key_history.h"
 #include "board/keys.h"
 #include "gtest/gtest.h"
 
@@ -181,7 +182,7 @@ TEST_P(PositionLine, ReadsItsFieldsLikeTheFenReader) {
   EXPECT_EQ(board->sideOccupancyNoKing[black], expected->sideOccupancyNoKing[black]);
   EXPECT_EQ(KingSquare(*board, white), KingSquare(*expected, white));
   EXPECT_EQ(KingSquare(*board, black), KingSquare(*expected, black));
-  EXPECT_EQ(board->irregular, expected->irregular);
+  EXPECT_EQ(board->hasOverlaps, expected->hasOverlaps);
 }
 INSTANTIATE_TEST_SUITE_P(
     Fields, PositionLine,
@@ -491,7 +492,7 @@ TEST(SetUpSuitePosition, MarksBoardsWithSharedSquares) {
   const Suite suite = ParseSuite("k7/ppppppppp/PPPPPPPPP/8/8/8/8/8/K7 w - -;");
   const auto board = std::make_unique<Board>();
   SetUpSuitePosition(suite.at(0), *board);
-  EXPECT_EQ(board->irregular, 1);
+  EXPECT_EQ(board->hasOverlaps, 1);
 }
 
 }  // namespace

@@ -8,14 +8,14 @@
 
 #include "board/attack_tables.h"
 #include "board/fen.h"
+#include "eval/eval_report.h"
 #include "eval/evaluate.h"
-#include "eval/terms.h"
+#include "eval/king.h"
 #include "search/hash_table.h"
-#include "shell/config.h"
 
 namespace mirvo {
 
-/// Gives every test its own empty one-megabyte caches and the engine run mode.
+/// Gives every test its own empty one-megabyte caches.
 class EvalTest : public testing::Test {
  protected:
   EvalTest() {
@@ -26,13 +26,11 @@ class EvalTest : public testing::Test {
       table->size = 1;
       HashAllocate(*table);
     }
-    engineConfig.RunMode = RunModeCode::engine;
   }
 
   ~EvalTest() override {
     HashRelease(EvalHashTable);
     HashRelease(PawnHashTable);
-    engineConfig.RunMode = RunModeCode::engine;
   }
 
   EvalTest(const EvalTest&) = delete;
@@ -48,10 +46,20 @@ class EvalTest : public testing::Test {
 
   /// Cold score of a position for its side to move; leaves `record` filled.
   std::int32_t Cold(const std::string& fen) {
+    SetUpCold(fen);
+    return Evaluate(record, board, board.sideToMove);
+  }
+
+  /// The same, printing the term report.
+  std::int32_t ColdWithReport(const std::string& fen) {
+    SetUpCold(fen);
+    return EvaluateWithReport(record, board, board.sideToMove);
+  }
+
+  void SetUpCold(const std::string& fen) {
     HashClear(EvalHashTable);
     HashClear(PawnHashTable);
     SetUp3(fen);
-    return Evaluate(record, board, board.sideToMove);
   }
 
   /// A term of one side after a cold evaluation.

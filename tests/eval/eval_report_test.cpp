@@ -16,7 +16,7 @@ class EvalReport : public EvalTest {
 
   std::string PrintedBy(const std::string& fen) {
     testing::internal::CaptureStdout();
-    Cold(fen);
+    ColdWithReport(fen);
     return testing::internal::GetCapturedStdout();
   }
 };
@@ -52,17 +52,22 @@ TEST_F(EvalReport, BlacksRowsAreSwappedButTheTotalIsNot) {
   EXPECT_NE(report.find("Total:\t-2.50\n\n"), std::string::npos);
 }
 
-TEST_F(EvalReport, AppearsInTheEvalRunModeOnly) {
-  EXPECT_EQ(PrintedBy(somePosition), "");
-  engineConfig.RunMode = RunModeCode::eval;
+TEST_F(EvalReport, EvaluatingPrintsNothing) {
+  testing::internal::CaptureStdout();
+  Cold(somePosition);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+}
+
+TEST_F(EvalReport, FollowsAnEvaluationOfTheTerms) {
+  const std::int32_t score = Cold(somePosition);
   EXPECT_NE(PrintedBy(somePosition).find("Total:"), std::string::npos);
+  EXPECT_EQ(ColdWithReport(somePosition), score);
 }
 
 TEST_F(EvalReport, NotOnACacheHitNorWithInsufficientMaterial) {
-  engineConfig.RunMode = RunModeCode::eval;
   PrintedBy(somePosition);
   testing::internal::CaptureStdout();
-  Evaluate(record, board, board.sideToMove);
+  EvaluateWithReport(record, board, board.sideToMove);
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
   EXPECT_EQ(PrintedBy("7k/8/8/8/8/8/8/N6K w -"), "");
 }

@@ -6,7 +6,8 @@
 
 #include "board/coding.h"
 #include "eval/eval_tables.h"
-#include "eval/evaluate.h"
+#include "eval/king.h"
+#include "eval/material.h"
 
 namespace mirvo {
 namespace {

@@ -7,7 +7,10 @@
 
 #include "board/keys.h"
 #include "eval/eval_tables.h"
-#include "eval/minor_terms.h"
+#include "eval/material.h"
+#include "eval/passed_pawns.h"
+#include "eval/prologue_terms.h"
+#include "eval/threats.h"
 #include "tests/eval/eval_fixture.h"
 
 namespace mirvo {

@@ -9,7 +9,9 @@
 #include <vector>
 
 #include "eval/eval_tables.h"
-#include "eval/minor_terms.h"
+#include "eval/passed_pawns.h"
+#include "eval/prologue_terms.h"
+#include "eval/threats.h"
 #include "tests/eval/eval_fixture.h"
 
 namespace mirvo {
@@ -53,9 +55,8 @@ class EvaluationReference : public EvalTest {
  protected:
   /// The block of the reference file as our evaluation would write it.
   std::string Describe(const std::string& fen) {
-    engineConfig.RunMode = RunModeCode::eval;
     testing::internal::CaptureStdout();
-    const std::int32_t score = Cold(fen);
+    const std::int32_t score = ColdWithReport(fen);
     std::string report = testing::internal::GetCapturedStdout();
     if (report.ends_with("\n\n")) report.pop_back();
     return Line("%d\n", score) + report + Leftovers() + Facts();

@@ -1,6 +1,6 @@
 // The king term: a base position and what each rule changes in it.
+#include "eval/king.h"
 #include "eval/eval_tables.h"
-#include "eval/minor_terms.h"
 #include "tests/eval/eval_fixture.h"
 
 namespace mirvo {

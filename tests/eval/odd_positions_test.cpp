@@ -2,7 +2,7 @@
 // outside a table. The sanitizer build is what makes these tests sharp.
 #include <random>
 
-#include "board/keys.h"
+#include "board/board.h"
 #include "tests/eval/eval_fixture.h"
 
 namespace mirvo {

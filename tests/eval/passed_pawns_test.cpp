@@ -1,4 +1,5 @@
 // Passed pawns: a base position and what each rule changes in it.
+#include "eval/passed_pawns.h"
 #include "tests/eval/eval_fixture.h"
 
 namespace mirvo {

@@ -1,4 +1,5 @@
 // Pawn structure: each rule by a small position worked out by hand.
+#include "eval/pawns.h"
 #include "tests/eval/eval_fixture.h"
 
 namespace mirvo {

@@ -1,5 +1,5 @@
-"""Checks that every include points downwards, stays in the tree, and that
-system headers are where they belong.
+"""Checks that every include points downwards, stays in the tree, runs in no
+circle, and that system headers are where they belong.
 
 Usage: check_includes.py SOURCE_ROOT   (or --self-test)
 """
@@ -55,14 +55,52 @@ def check_file(path, text, exists):
     return [complaint for complaint in complaints if complaint]
 
 
+def unit_of(path):
+    """A header and the source of the same name are one unit."""
+    return path.rpartition(".")[0]
+
+
+def include_graph(texts):
+    """{unit: units it includes}, from {path: text}."""
+    graph = {unit_of(path): set() for path in texts}
+    for path, text in texts.items():
+        targets = {unit_of(target) for bracket, target in INCLUDE.findall(text) if bracket == '"'}
+        graph[unit_of(path)] |= targets & graph.keys() - {unit_of(path)}
+    return graph
+
+
+def reachable(graph, start):
+    """Units that `start` includes, directly or through others."""
+    seen, waiting = set(), [start]
+    while waiting:
+        for unit in graph[waiting.pop()] - seen:
+            seen.add(unit)
+            waiting.append(unit)
+    return seen
+
+
+def include_cycles(texts):
+    """Groups of units that include each other, directly or through others."""
+    graph = include_graph(texts)
+    below = {unit: reachable(graph, unit) for unit in graph}
+    groups = {frozenset(other for other in below[unit] if unit in below[other]) for unit in graph}
+    return sorted(sorted(group) for group in groups if group)
+
+
+def check_cycles(texts, known):
+    """Complaints about groups that are no part of a known one."""
+    return [f"{', '.join(group)}: include each other" for group in include_cycles(texts)
+            if not any(set(group) <= set(exception) for exception in known)]
+
+
 def check_tree(root):
     root = pathlib.Path(root)
     complaints = []
     paths = layer_table.sources(root, {".h", ".cpp"})
-    for path in paths:
-        text = (root / path).read_text(encoding="utf-8")
+    texts = {path: (root / path).read_text(encoding="utf-8") for path in paths}
+    for path, text in texts.items():
         complaints += check_file(path, text, lambda target: (root / target).is_file())
-    return paths, complaints
+    return paths, complaints + check_cycles(texts, layer_table.KNOWN_CYCLES)
 
 
 # What the check must and must not complain about: path, text, complaints.
@@ -87,8 +125,26 @@ SELF_TEST = [
 ]
 
 
+# What the check of cycles must find: {path: text}, known cycles, complaints.
+CYCLE_SELF_TEST = [
+    ({"a/x.h": "", "a/x.cpp": '#include "a/x.h"\n#include "a/y.h"\n', "a/y.h": ""}, [], 0),
+    ({"a/x.h": "", "a/x.cpp": '#include "a/y.h"\n', "a/y.h": "",
+      "a/y.cpp": '#include "a/x.h"\n'}, [], 1),
+    ({"a/x.h": '#include "a/y.h"\n', "a/y.h": '#include "a/z.h"\n',
+      "a/z.h": '#include "a/x.h"\n', "a/w.h": '#include "a/x.h"\n'}, [], 1),
+    ({"a/x.h": '#include "a/y.h"\n', "a/y.h": '#include "a/x.h"\n'}, [{"a/x", "a/y"}], 0),
+    ({"a/x.h": '#include "a/y.h"\n', "a/y.h": '#include "a/z.h"\n',
+      "a/z.h": '#include "a/x.h"\n'}, [{"a/x", "a/y"}], 1),
+]
+
+
 def self_test():
     failures = 0
+    for texts, known, expected in CYCLE_SELF_TEST:
+        found = check_cycles(texts, known)
+        if len(found) != expected:
+            failures += 1
+            print(f"{texts}: expected {expected} cycles, got {found}")
     for path, text, expected in SELF_TEST:
         found = check_file(path, text, lambda target: target != "missing.h")
         if len(found) != expected:

@@ -4,7 +4,6 @@
 #include <random>
 #include <string>
 
-#include "board/keys.h"
 #include "search/hash_table.h"
 #include "search/iterate.h"
 #include "search/search_hooks.h"

@@ -1,6 +1,6 @@
 #include "protocol/uci_position.h"
 
-#include "board/keys.h"
+#include "board/key_history.h"
 #include "protocol/position_line.h"
 #include "tests/protocol/uci_test_kit.h"
 

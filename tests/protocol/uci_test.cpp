@@ -1,6 +1,5 @@
 #include "protocol/uci.h"
 
-#include "board/keys.h"
 #include "search/hash_table.h"
 #include "search/move_order.h"
 #include "tests/protocol/uci_test_kit.h"

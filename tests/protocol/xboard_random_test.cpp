@@ -11,7 +11,6 @@
 #include "board/attacks.h"
 #include "board/bb_move_generator.h"
 #include "board/fen.h"
-#include "board/keys.h"
 #include "board/make_move.h"
 #include "board/notation.h"
 #include "protocol/game_board.h"

@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "board/display.h"
-#include "board/keys.h"
+#include "board/key_history.h"
 #include "book/opening_book.h"
 #include "search/game_counters.h"
 #include "search/hash_table.h"

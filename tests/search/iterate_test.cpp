@@ -4,7 +4,6 @@
 
 #include <limits>
 
-#include "board/keys.h"
 #include "board/legal_moves.h"
 #include "board/make_move.h"
 #include "book/opening_book.h"

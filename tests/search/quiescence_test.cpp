@@ -4,7 +4,6 @@
 
 #include <utility>
 
-#include "board/keys.h"
 #include "board/make_move.h"
 #include "eval/evaluate.h"
 #include "search/hash_table.h"
@@ -244,7 +243,7 @@ TEST_F(Quiescence, WherePiecesShareASquareALeftOutCaptureIsMadeToBeKnown) {
   // the two knights cancel out and nothing screens the king any more.
   const char* const position = "7k/4r3/5N2/8/4N2-p/8/8/4K3 w -";
   ASSERT_NE(StaticScore(position), 0);
-  ASSERT_EQ(board.irregular, 1);
+  ASSERT_EQ(board.hasOverlaps, 1);
   EXPECT_EQ(Run(position, 4000, 4001), 0);
 }
 

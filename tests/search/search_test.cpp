@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "board/attacks.h"
-#include "board/keys.h"
 #include "board/notation.h"
 #include "search/hash_table.h"
 #include "search/interruption.h"

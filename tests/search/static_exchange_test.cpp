@@ -138,7 +138,7 @@ TEST(CaptureVictim, IsTheFirstKindThatStandsThere) {
   test::SetPosition(board, "4k3/8/8/3r4/8/8/8/3QK3 w -");
   const Move move = FindMove(board, "d1d5");
   board.pieces[PieceIndex(black, bishop)] |= Bit(ToSquare(move));
-  DetectIrregular(board);
+  DetectOverlaps(board);
   EXPECT_EQ(CaptureVictim(board, move), bishop);
 }
 
@@ -158,8 +158,8 @@ TEST(CaptureVictim, IsWhatStandsOnTheTargetOfEveryBoard) {
     RebuildOccupancy(board);
     RebuildRotated(board);
     LocateKings(board);
-    DetectIrregular(board);
-    ASSERT_EQ(board.irregular, round % 2);
+    DetectOverlaps(board);
+    ASSERT_EQ(board.hasOverlaps, round % 2);
     BBMoveGenerator2 generator(board, board.sideToMove);
     generator.GenerateCaptures();
     for (int i = 0; i < generator.count; ++i) {

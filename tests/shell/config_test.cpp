@@ -4,8 +4,6 @@
 
 #include <memory>
 
-#include "board/keys.h"
-
 namespace mirvo {
 namespace {
 

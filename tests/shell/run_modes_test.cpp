@@ -10,7 +10,7 @@
 #include "board/fen.h"
 #include "board/perft.h"
 #include "book/opening_book.h"
-#include "eval/evaluate.h"
+#include "eval/king.h"
 #include "search/hash_table.h"
 #include "search/search_flags.h"
 #include "shell/text.h"

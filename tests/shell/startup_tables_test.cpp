@@ -17,7 +17,7 @@
 #include "board/geometry_tables.h"
 #include "board/occupancy_maps.h"
 #include "eval/eval_tables.h"
-#include "eval/evaluate.h"
+#include "eval/king.h"
 #include "search/reductions.h"
 
 namespace mirvo {

@@ -11,6 +11,7 @@
 #include "book/book_random.h"
 #include "book/opening_book.h"
 #include "eval/eval_tables.h"
+#include "eval/king.h"
 #include "protocol/dispatcher.h"
 #include "search/hash_table.h"
 #include "search/reductions.h"

@@ -14,7 +14,7 @@
 #include "board/attacks.h"
 #include "board/bb_move_generator.h"
 #include "board/fen.h"
-#include "board/keys.h"
+#include "board/key_history.h"
 #include "board/make_move.h"
 #include "board/notation.h"
 
@@ -302,7 +302,7 @@ bool SameFields(const Board& a, const Board& b) {
          same(a.kingRank, b.kingRank) && a.sideToMove == b.sideToMove &&
          sameFlags(a.castling, b.castling) && a.plyCount == b.plyCount && a.epRank == b.epRank &&
          a.epFile == b.epFile && a.epColour == b.epColour && a.nullMoveMade == b.nullMoveMade &&
-         a.irregular == b.irregular && a.turnPassed == b.turnPassed && a.occupied == b.occupied &&
+         a.hasOverlaps == b.hasOverlaps && a.turnPassed == b.turnPassed && a.occupied == b.occupied &&
          a.occupiedRot90 == b.occupiedRot90 && a.occupiedDiagA1H8 == b.occupiedDiagA1H8 &&
          a.occupiedDiagA8H1 == b.occupiedDiagA8H1 && a.undoDepth == b.undoDepth &&
          a.positionKey == b.positionKey && a.pawnKey == b.pawnKey &&

@@ -8,7 +8,7 @@
 #include "board/attack_tables.h"
 #include "board/fen.h"
 #include "board/notation.h"
-#include "eval/evaluate.h"
+#include "eval/king.h"
 #include "protocol/protocol_mode.h"
 #include "search/hash_table.h"
 #include "search/iterate.h"

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "board/key_history.h"
 #include "board/keys.h"
 
 namespace mirvo::test {
@@ -19,7 +20,7 @@ int File(int square) { return square % 8; }
 }  // namespace
 
 SlowBoard::SlowBoard(const Board& board)
-    : irregular(board.irregular != 0),
+    : hasOverlaps(board.hasOverlaps),
       plyCount(board.plyCount),
       undoDepth(board.undoDepth),
       keys(KeyHistory, KeyHistory + board.historyIndex + 1) {
@@ -106,7 +107,7 @@ void SlowBoard::Castle(int from, int to) {
   const int target = Rank(from) * 8 + (isLong ? 3 : 5);
   (isLong ? record.castledLong : record.castledShort) = true;
   auto& rooks = state.stands[state.side][rook];
-  irregular = irregular || !rooks[corner] || Occupied(target);
+  hasOverlaps = hasOverlaps || !rooks[corner] || Occupied(target);
   if (rooks[corner] && !rooks[target]) {
     rooks[corner] = false;
     rooks[target] = true;
@@ -157,7 +158,7 @@ void SlowBoard::Play(Move word) {
   } else if (victim != noPiece && !castles) {
     TakeOn(to, victim);
   } else if (wasOccupied) {
-    irregular = true;
+    hasOverlaps = true;
   }
 
   // 2. The piece, the rook of castling, the rights.
@@ -196,7 +197,7 @@ void SlowBoard::ExpectSame(const Board& board) const {
   EXPECT_EQ(board.epFile, state.epFile);
   EXPECT_EQ(board.epColour, state.epColour);
   EXPECT_EQ(board.nullMoveMade, state.nullMoveMade);
-  EXPECT_EQ(board.irregular, irregular ? 1 : 0);
+  EXPECT_EQ(board.hasOverlaps, hasOverlaps ? 1 : 0);
   EXPECT_EQ(board.sideToMove, state.side);
   EXPECT_EQ(board.plyCount, plyCount);
   EXPECT_EQ(board.undoDepth, undoDepth);

@@ -55,7 +55,7 @@ class SlowBoard {
   void SetEnPassant(int kind, int from, int to);
 
   State state;
-  bool irregular;
+  bool hasOverlaps;
   int plyCount;
   int undoDepth;
   std::vector<std::uint64_t> keys;

@@ -7,7 +7,7 @@
 #include "board/attacks.h"
 #include "board/bb_move_generator.h"
 #include "board/display.h"
-#include "board/keys.h"
+#include "board/key_history.h"
 #include "board/make_move.h"
 #include "board/notation.h"
 #include "board/san.h"
@@ -83,7 +83,7 @@ BrokenPromise CheckReplies(Board& board, const std::vector<Move>& moves) {
 /// Texts of generated moves lead back to them. Squares that hold two pieces
 /// cannot promise that.
 BrokenPromise CheckTexts(const Board& board, const std::vector<Move>& moves) {
-  if (board.irregular != 0) return nullptr;
+  if (board.hasOverlaps) return nullptr;
   for (const Move move : moves) {
     char text[moveTextCapacity];
     MoveToCoordinates(move, text);

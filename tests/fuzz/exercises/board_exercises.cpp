@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "board/fen.h"
+#include "board/key_history.h"
 #include "board/make_move.h"
 #include "board/notation.h"
 #include "board/san.h"

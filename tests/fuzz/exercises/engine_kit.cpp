@@ -9,7 +9,7 @@
 #include "board/attack_tables.h"
 #include "board/fen.h"
 #include "book/opening_book.h"
-#include "eval/evaluate.h"
+#include "eval/king.h"
 #include "protocol/dispatcher.h"
 #include "protocol/game_board.h"
 #include "protocol/uci_session.h"

@@ -1,5 +1,7 @@
 // Material, development and the amounts without a report row.
-#include "eval/minor_terms.h"
+#include "eval/prologue_terms.h"
+#include "eval/material.h"
+#include "eval/threats.h"
 #include "tests/eval/eval_fixture.h"
 
 namespace mirvo {
