@@ -43,8 +43,10 @@ void DoubleAllottedTime(EngineConfig& config) {
   config.FixedTimePerMove = MultiplySaturated(config.FixedTimePerMove, 2);
 }
 
-bool TimeIsUp(const EngineConfig& config) {
-  return ElapsedSince(timeControl.startTime) > config.FixedTimePerMove;
+std::int64_t TimeLeft(const EngineConfig& config) {
+  return std::int64_t{config.FixedTimePerMove} - ElapsedSince(timeControl.startTime);
 }
+
+bool TimeIsUp(const EngineConfig& config) { return TimeLeft(config) < 0; }
 
 }  // namespace mirvo

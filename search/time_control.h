@@ -23,6 +23,9 @@ void AllocateTime(EngineConfig& config, std::int32_t movesToGo, std::int32_t tim
 /// Doubles the allotted time (saturated): the first move out of the book.
 void DoubleAllottedTime(EngineConfig& config);
 
+/// Milliseconds of the allotted time that are left; negative when it is over.
+std::int64_t TimeLeft(const EngineConfig& config);
+
 /// Whether more than the allotted time has passed since the start.
 bool TimeIsUp(const EngineConfig& config);
 
