@@ -3,6 +3,7 @@
 #include "board/attack_tables.h"
 #include "board/fen.h"
 #include "eval/king.h"
+#include "search/hash_memory.h"
 #include "search/move_order.h"
 #include "search/reductions.h"
 #include "shell/config.h"
@@ -38,6 +39,8 @@ void PrepareEngine() {
   EmptyTable(EvalHashTable, engineConfig.EvalHashSize);
   EmptyTable(PawnHashTable, engineConfig.PawnHashSize);
   EmptyTable(TranspositionTable, engineConfig.TTHashSize);
+  while (HashPrefaultSlice()) {
+  }
 }
 
 void ForgetEverything() {

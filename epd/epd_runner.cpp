@@ -9,6 +9,7 @@
 #include "board/san.h"
 #include "epd/epd_reader.h"
 #include "epd/epd_score.h"
+#include "search/hash_memory.h"
 #include "search/hash_table.h"
 #include "search/iterate.h"
 #include "search/move_order.h"
@@ -98,6 +99,7 @@ void RunSuite(const char* file, std::int32_t first, std::int32_t count) {
   count = std::min(count, nRead);
   Output(output, "Analyzing %s starting at position %d for %d position(s)\n", file, first, count);
 
+  HashPrefaultFor(suitePrefaultTime);
   SuiteTotals totals;
   const auto board = std::make_unique<Board>();
   while (totals.analysed < count) {

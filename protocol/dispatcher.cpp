@@ -10,6 +10,7 @@
 #include "protocol/uci.h"
 #include "protocol/xboard.h"
 #include "protocol/xboard_ponder.h"
+#include "search/hash_memory.h"
 #include "search/search_flags.h"
 #include "shell/clock.h"
 #include "shell/output.h"
@@ -197,6 +198,18 @@ LineStatus TakeLine(const ProtocolMode& mode, char* line) {
   return LineStatus::line;
 }
 
+/// Whether TakeLine need not wait.
+bool LineWaits(const ProtocolMode& mode) {
+  const bool ownLine = mode.mode == xboardProtocol && XBoardHasOwnLine();
+  return ownLine || !pending.held.lines.empty() || InputWaits(Reader());
+}
+
+/// Uses the time until the next line for the memory of searches to come.
+void PrefaultWhileIdle(const ProtocolMode& mode) {
+  if (mode.detected == 0) return;
+  while (!LineWaits(mode) && HashPrefaultSlice()) EndIfRequested();
+}
+
 void DispatchIdle(ProtocolMode& mode) {
   HeldLines& held = pending.held;
   held.nJudged = 0;
@@ -229,6 +242,7 @@ void WaitForInput() {
 void RunIdleLoop(ProtocolMode& mode) {
   SystemInput();
   for (;;) {
+    PrefaultWhileIdle(mode);
     Dispatch(mode, false);
     YieldTimeSlice();
   }

@@ -10,6 +10,7 @@
 #include "protocol/uci_options.h"
 #include "protocol/uci_position.h"
 #include "protocol/uci_session.h"
+#include "search/hash_memory.h"
 #include "search/hash_table.h"
 #include "search/move_order.h"
 #include "search/search_flags.h"
@@ -59,19 +60,28 @@ void NewGame(UciSession& session, const char*) {
   BeginFromStart(gameBoard);
   ClearHistory();
   ClearTranspositionTable();
-  HashMakeResident();
+  HashPrefaultFor(newGamePrefaultTime);
   // Even without a book: the first probe finds nothing then and ends this.
   searchFlags.BookInUse = 1;
+}
+
+/// The interface waits for the last line, so this is the time to get memory.
+void PrefaultBeforeAnswer(int milliseconds) {
+  if (searchFlags.searching == 0) HashPrefaultFor(milliseconds);
 }
 
 void Identify(UciSession&, const char*) {
   Output(output, "id name %s %s\n", engineName, engineVersion);
   Output(output, "id author %s\n", engineAuthor);
   PrintUciOptions();
+  PrefaultBeforeAnswer(identifyPrefaultTime);
   Output(output, "uciok\n");
 }
 
-void ReportReady(UciSession&, const char*) { Output(output, "readyok\n"); }
+void ReportReady(UciSession&, const char*) {
+  PrefaultBeforeAnswer(readyPrefaultTime);
+  Output(output, "readyok\n");
+}
 
 void Position(UciSession& session, const char* rest) {
   session.answerOwed = 0;

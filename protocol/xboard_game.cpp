@@ -9,7 +9,7 @@
 #include "protocol/game_board.h"
 #include "protocol/xboard_ponder.h"
 #include "search/game_counters.h"
-#include "search/hash_table.h"
+#include "search/hash_memory.h"
 #include "search/move_order.h"
 #include "search/pondering.h"
 #include "search/search_flags.h"
@@ -64,7 +64,7 @@ void BeginXBoardGame(XBoardGame& game) {
   searchFlags.pondering = 0;
   OpenBookAgain();
   ClearHistory();
-  HashMakeResident();
+  HashPrefaultFor(newGamePrefaultTime);
   ponderStats = PonderStats{};
 }
 

@@ -1,9 +1,8 @@
 #include "search/hash_table.h"
 
-#include <cstdlib>
-#include <initializer_list>
+#include <cstring>
 
-#include "shell/large_pages.h"
+#include "search/hash_memory.h"
 
 namespace mirvo {
 
@@ -19,16 +18,44 @@ constexpr std::size_t slotSize = sizeof(HashEntry);
 constexpr std::size_t tagSize = sizeof(std::uint8_t);
 static_assert(slotSize == std::size_t{1} << slotShift);
 
-// Memory comes with the first write to a page. Large pages are passed over in
-// small steps, which costs next to nothing.
-void MakeResident(HashTable& table) {
-  constexpr std::size_t smallestPage = 4096;
-  const std::size_t bytes = table.size * (slotSize + tagSize);
-  volatile char* const memory = reinterpret_cast<char*>(table.entries);
-  for (std::size_t offset = 0; offset < bytes; offset += smallestPage) {
-    const char kept = memory[offset];
-    memory[offset] = kept;
+/// Bytes for slots and tags, wherever the block begins.
+std::size_t BlockSize(std::uint32_t nSlots) {
+  return nSlots * (slotSize + tagSize) + (slotSize - 1);
+}
+
+/// Calls `visit(i)` for each slot in use. Unused slots are passed over eight at
+/// a time, so that memory that nobody touched yet stays so.
+template <typename Visitor>
+void ForEachUsedSlot(const HashTable& table, Visitor visit) {
+  static_assert(minHashSlots % sizeof(std::uint64_t) == 0);
+  for (std::uint32_t i = 0; i < table.size; i += sizeof(std::uint64_t)) {
+    std::uint64_t eightTags = 0;
+    std::memcpy(&eightTags, table.tags + i, sizeof eightTags);
+    if (eightTags == 0) continue;
+    for (std::uint32_t j = i; j < i + sizeof(std::uint64_t); ++j) {
+      if (table.tags[j] != 0) visit(j);
+    }
   }
+}
+
+/// Empties the slots in use, each written by `empty(slot)` unless there are too
+/// many.
+template <typename Writer>
+void EmptyUsedSlots(HashTable& table, Writer empty) {
+  if (table.entries == nullptr) return;
+  const bool writesSlots = table.size <= maxSlotsToWrite;
+  ForEachUsedSlot(table, [&](std::uint32_t index) {
+    if (writesSlots) empty(table.entries[index]);
+    table.tags[index] = 0;
+  });
+}
+
+/// What HashClear and HashResetSearch have in common.
+void EmptySlot(HashEntry& slot) {
+  slot.key = 0;
+  slot.depth = 0;
+  slot.score = EmptyScore;
+  slot.bound = noBound;
 }
 
 }  // namespace
@@ -40,24 +67,17 @@ void HashInitialise(HashTable& table) {
 }
 
 void HashAllocate(HashTable& table) {
-  std::free(table.block);
-  table.block = nullptr;
+  HashRetire(table);
   table.entries = nullptr;
   table.tags = nullptr;
   // The megabytes are counted in 32 bits: sizes from 4096 on wrap around.
   std::uint32_t nSlots = (table.size << megabyteShift) >> slotShift;
   if (nSlots == 0) nSlots = minHashSlots;
-  for (; nSlots != 0; nSlots /= 2) {
-    const std::size_t bytes = nSlots * (slotSize + tagSize) + (slotSize - 1);
-    // Zeroed pages come from the system only when they are first touched, and
-    // an all-zero slot counts as empty, so a large table costs nothing unused.
-    table.block = std::calloc(bytes, 1);
-    if (table.block != nullptr) break;
-  }
+  while (nSlots != 0 && !HashReserve(table, BlockSize(nSlots))) nSlots /= 2;
   table.size = nSlots;
   table.reciprocal = nSlots == 0 ? 0 : ~std::uint64_t{0} / nSlots + 1;
   if (table.block == nullptr) return;
-  PreferLargePages(table.block, nSlots * (slotSize + tagSize));
+  // Fresh memory is zero, and an all-zero slot counts as empty.
   const auto address = reinterpret_cast<std::uintptr_t>(table.block);
   const std::uintptr_t aligned = (address + slotSize - 1) & ~std::uintptr_t{slotSize - 1};
   // Rounding an address up takes the way over an integer; it is done once.
@@ -66,41 +86,25 @@ void HashAllocate(HashTable& table) {
   table.tags = reinterpret_cast<std::uint8_t*>(table.entries + nSlots);
 }
 
-void HashMakeResident() {
-  for (HashTable* table : {&EvalHashTable, &PawnHashTable, &TranspositionTable})
-    MakeResident(*table);
-}
-
 void HashRelease(HashTable& table) {
-  std::free(table.block);
-  table.block = nullptr;
+  HashRetire(table);
   table.entries = nullptr;
   table.tags = nullptr;
   table.size = 0;
 }
 
 void HashClear(HashTable& table) {
-  if (table.entries == nullptr) return;
-  for (std::uint32_t i = 0; i < table.size; ++i) {
-    HashEntry& slot = table.entries[i];
-    slot.key = 0;
+  EmptyUsedSlots(table, [](HashEntry& slot) {
+    EmptySlot(slot);
     slot.evalScore = EmptyScore;
-    slot.depth = 0;
-    slot.score = EmptyScore;
-    slot.bound = noBound;
-  }
+  });
 }
 
 void HashResetSearch(HashTable& table) {
-  if (table.entries == nullptr) return;
-  for (std::uint32_t i = 0; i < table.size; ++i) {
-    HashEntry& slot = table.entries[i];
-    slot.key = 0;
-    slot.depth = 0;
-    slot.score = EmptyScore;
-    slot.bound = noBound;
+  EmptyUsedSlots(table, [](HashEntry& slot) {
+    EmptySlot(slot);
     slot.move = noMove;
-  }
+  });
 }
 
 bool HashProbe(HashTable& table, std::uint64_t key, Move& move, std::int32_t& score,
@@ -117,6 +121,7 @@ void HashStore(HashTable& table, std::uint64_t key, Move move, std::int32_t scor
   const std::uint32_t index = HashLocate(table, key);
   HashEntry& slot = table.entries[index];
   if (key == 0) return;  // the mark of an empty slot
+  if (table.tags[index] == 0) EmptySlot(slot);
   if (depth < slot.depth && slot.move != noMove && slot.score != EmptyScore) return;
   // The same position keeps its known move; another position never inherits one.
   if (slot.key != key || move != noMove) slot.move = move;

@@ -33,11 +33,13 @@ struct HashTable {
   std::uint32_t stores;
   std::uint32_t size;  // megabytes before allocation, slots afterwards
   HashEntry* entries;
-  void* block;  // what the allocator gave
+  void* block;  // memory of the slots and, behind them, the tags
   std::int32_t lastIndex;
   std::uint64_t lastKey;
   std::uint64_t reciprocal;  // of `size`, for HashIndex; set by allocation
-  std::uint8_t* tags;        // by slot: HashTag of the key that it holds
+  std::uint8_t* tags;        // by slot: HashTag of the key that it holds, 0 when empty
+  std::size_t nPages;        // large ones of the block; 0 when it is the heap's
+  std::size_t nMissing;      // the first of them, which were not prefaulted yet
 };
 
 /// Owner: hash_table.cpp. They live for the whole run.
@@ -53,19 +55,18 @@ void HashInitialise(HashTable& table);
 
 /// Turns `size` from megabytes into slots and (re)allocates the slot array with
 /// zeroed (empty) slots. If memory is short the table is halved until it fits.
-/// Asks for large memory pages: nearly every probe goes to another page, and a
-/// processor remembers the places of far fewer small ones than a table has.
+/// Memory is reserved only: hash_memory.h says when it comes.
 void HashAllocate(HashTable& table);
-
-/// Has the system provide the memory of all three tables now. It would do so
-/// page by page in the first search, which on a machine that has to find and
-/// clear that memory loses up to half a second of its clock. Contents stay.
-void HashMakeResident();
 
 /// Releases the memory (tests; the engine keeps its tables to the end).
 void HashRelease(HashTable& table);
 
-/// Empties every slot; the move fields stay.
+/// Slots up to which a table is emptied slot by slot. In a larger one only the
+/// tags are, so that a new game waits for no table, however large and full.
+inline constexpr std::uint32_t maxSlotsToWrite = 1U << 21;
+
+/// Empties every slot; the move fields stay where slots are written. Touches
+/// only what is in use.
 void HashClear(HashTable& table);
 
 /// The search's own clearing: key, depth, score, bound and move; evalScore stays.
@@ -84,7 +85,8 @@ inline std::uint32_t HashIndex(const HashTable& table, std::uint64_t key) {
 /// A byte of a key that takes no part in its index. The tags of a table are a
 /// sixty-fourth of it, so that they stay in the processor's caches: most probes
 /// are told by them that the slot holds another key and need not wait for it.
-inline std::uint8_t HashTag(std::uint64_t key) { return static_cast<std::uint8_t>(key >> 56); }
+/// Never 0, by which a slot is known as empty whatever else is left in it.
+inline std::uint8_t HashTag(std::uint64_t key) { return static_cast<std::uint8_t>(key >> 56 | 1); }
 
 /// Whether the slot `index` of the key holds it. Nothing holds key 0, which
 /// empty slots have.

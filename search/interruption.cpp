@@ -1,5 +1,8 @@
 #include "search/interruption.h"
 
+#include <algorithm>
+
+#include "search/hash_memory.h"
 #include "search/search_hooks.h"
 #include "search/time_control.h"
 #include "shell/config.h"
@@ -9,6 +12,16 @@ namespace {
 
 constexpr std::uint32_t clockInterval = 1024;  // node entries between clock readings
 constexpr std::uint32_t inputInterval = 8192;  // counted moves between input polls
+
+// While tables meet memory for the first time a node may take ten times as long
+// and more: then clock and input are looked at after so many counted moves.
+constexpr std::uint32_t fewMoves = 128;
+
+// One slice of memory is prefaulted at such a look for so much time that is left,
+// and some at most. It takes a third of a millisecond, or ten and more where the
+// machine has to fetch memory from its host.
+constexpr std::int64_t timePerSlice = 25;  // ms
+constexpr int maxSlices = 4;
 
 // The quiescence search may step over an exact multiple, so the next one is
 // remembered and counts as due once it is reached or passed.
@@ -22,6 +35,24 @@ bool ReadClock(SearchState& state) {
   return Stopped(state);
 }
 
+int SlicesInTime() {
+  if (engineConfig.InfiniteThinkingTime != 0) return maxSlices;
+  return static_cast<int>(
+      std::clamp<std::int64_t>(TimeLeft(engineConfig) / timePerSlice, 0, maxSlices));
+}
+
+void LookWhileMemoryIsMissing(SearchState& state) {
+  const std::uint32_t nMoves = state.nodeCount - state.movesAtLook;
+  if (nMoves < fewMoves) return;
+  state.movesAtLook = state.nodeCount;
+  HashNoteUse(nMoves);
+  Poll(state);
+  if (engineConfig.InfiniteThinkingTime == 0) ReadClock(state);
+  if (Stopped(state)) return;
+  for (int i = SlicesInTime(); i > 0 && HashPrefaultSlice(); --i) {
+  }
+}
+
 }  // namespace
 
 void PollForInput(SearchState& state) {
@@ -30,6 +61,8 @@ void PollForInput(SearchState& state) {
 }
 
 bool OutOfTime(SearchState& state) {
+  if (HashMemoryMissing()) [[unlikely]]
+    LookWhileMemoryIsMissing(state);
   if (engineConfig.InfiniteThinkingTime != 0) return false;
   if (Stopped(state)) return true;
   if (state.clockPolls > clockInterval) {

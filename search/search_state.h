@@ -67,6 +67,7 @@ struct SearchState {
   std::int32_t iterationDepth = 0;  // of the running iteration
   std::uint32_t clockPolls = 0;     // node entries since the clock was read
   std::uint32_t nextInputPoll = 0;  // node count at which input is polled next
+  std::uint32_t movesAtLook = 0;    // node count at the last look while memory was missing
 };
 
 /// One search, owned by the caller.

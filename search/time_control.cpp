@@ -50,10 +50,15 @@ void SetDeadline(const EngineConfig& config, const OwnClock& clock) {
   timeControl.deadline = Saturate(std::max<std::int64_t>(time, 1));
 }
 
-bool TimeIsUp(const EngineConfig& config) {
-  const std::int32_t elapsed = ElapsedSince(timeControl.startTime);
-  const bool pastDeadline = timeControl.deadline != noDeadline && elapsed >= timeControl.deadline;
-  return elapsed > config.FixedTimePerMove || pastDeadline;
+std::int64_t TimeLeft(const EngineConfig& config) {
+  // The allotted time may be used to its last millisecond, the deadline's own
+  // millisecond is too late.
+  std::int64_t time = config.FixedTimePerMove;
+  if (timeControl.deadline != noDeadline)
+    time = std::min(time, std::int64_t{timeControl.deadline} - 1);
+  return time - ElapsedSince(timeControl.startTime);
 }
+
+bool TimeIsUp(const EngineConfig& config) { return TimeLeft(config) < 0; }
 
 }  // namespace mirvo

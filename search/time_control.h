@@ -38,6 +38,10 @@ void DoubleAllottedTime(EngineConfig& config);
 /// earliest. Nothing ends it so with an overhead of 0 or below.
 void SetDeadline(const EngineConfig& config, const OwnClock& clock);
 
+/// Milliseconds until a timed search ends, by the allotted time or the deadline
+/// before it; negative when it is to end now.
+std::int64_t TimeLeft(const EngineConfig& config);
+
 /// Whether more than the allotted time has passed since the start, or the
 /// deadline is reached.
 bool TimeIsUp(const EngineConfig& config);

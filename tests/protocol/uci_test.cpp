@@ -1,12 +1,9 @@
 #include "protocol/uci.h"
 
+#include "search/hash_memory.h"
 #include "search/hash_table.h"
 #include "search/move_order.h"
 #include "tests/protocol/uci_test_kit.h"
-
-#ifdef __linux__
-#include "tests/support/memory_map.h"
-#endif
 
 namespace mirvo {
 namespace {
@@ -127,19 +124,29 @@ TEST_F(UciCommands, UcinewgameForgetsTheGame) {
   HashRelease(TranspositionTable);
 }
 
-#ifdef __linux__
-TEST_F(UciCommands, UcinewgameHasTheMemoryOfTheTablesProvided) {
-  for (HashTable* table : {&EvalHashTable, &PawnHashTable, &TranspositionTable}) {
-    table->size = 1;
-    HashAllocate(*table);
+// A few large pages at least, before whoever waits for an answer has it.
+TEST_F(UciCommands, MemoryOfTheTablesIsPrefaultedWhereTheInterfaceWaits) {
+  for (const char* command : {"uci\n", "isready\n", "ucinewgame\n"}) {
+    TranspositionTable.size = 2000;
+    HashAllocate(TranspositionTable);
+    const std::size_t nMissing = TranspositionTable.nMissing;
+    PlayUci(command);
+    EXPECT_LT(TranspositionTable.nMissing, nMissing) << command;
+    EXPECT_TRUE(HashMemoryMissing()) << command;
   }
-  PlayUci("ucinewgame\n");
-  for (HashTable* table : {&EvalHashTable, &PawnHashTable, &TranspositionTable}) {
-    EXPECT_EQ(test::MissingPages(table->entries, table->size * sizeof(HashEntry)), 0U);
-    HashRelease(*table);
-  }
+  HashRelease(TranspositionTable);
 }
-#endif
+
+TEST_F(UciCommands, NoMemoryIsPrefaultedForAnAnswerDuringASearch) {
+  TranspositionTable.size = 100;
+  HashAllocate(TranspositionTable);
+  const std::size_t nMissing = TranspositionTable.nMissing;
+  searchFlags.searching = 1;
+  PlayUci("uci\nisready\n");
+  searchFlags.searching = 0;
+  EXPECT_EQ(TranspositionTable.nMissing, nMissing);
+  HashRelease(TranspositionTable);
+}
 
 TEST_F(UciCommands, UcinewgameForgetsEnPassant) {
   // After b4 Black's pawn on c4 may take en passant on b3.

@@ -6,13 +6,10 @@
 #include "board/key_history.h"
 #include "book/opening_book.h"
 #include "search/game_counters.h"
+#include "search/hash_memory.h"
 #include "search/hash_table.h"
 #include "search/move_order.h"
 #include "tests/protocol/xboard_test_kit.h"
-
-#ifdef __linux__
-#include "tests/support/memory_map.h"
-#endif
 
 namespace mirvo {
 namespace {
@@ -33,19 +30,15 @@ TEST_F(XBoardCommands, AMoveAfterNewIsAnsweredWithBlackAndFillsTheHeader) {
   EXPECT_EQ(xboardGame.gameStarted, 1);
 }
 
-#ifdef __linux__
-TEST_F(XBoardCommands, NewHasTheMemoryOfTheTablesProvided) {
-  for (HashTable* table : {&EvalHashTable, &PawnHashTable, &TranspositionTable}) {
-    table->size = 1;
-    HashAllocate(*table);
-  }
+TEST_F(XBoardCommands, NewPrefaultsAPartOfTheTables) {
+  TranspositionTable.size = 2000;
+  HashAllocate(TranspositionTable);
+  const std::size_t nMissing = TranspositionTable.nMissing;
   Play({"new"});
-  for (HashTable* table : {&EvalHashTable, &PawnHashTable, &TranspositionTable}) {
-    EXPECT_EQ(test::MissingPages(table->entries, table->size * sizeof(HashEntry)), 0U);
-    HashRelease(*table);
-  }
+  EXPECT_LT(TranspositionTable.nMissing, nMissing);
+  EXPECT_TRUE(HashMemoryMissing());
+  HashRelease(TranspositionTable);
 }
-#endif
 
 TEST_F(XBoardCommands, ForceModeRecordsBothSidesWithoutAReply) {
   EXPECT_EQ(Play({"new\n", "force\n", "e2e4\n", "e7e5\n"}), std::string(afterE4) + afterE4E5);

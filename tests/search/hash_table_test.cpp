@@ -4,10 +4,6 @@
 
 #include <cstdlib>
 
-#ifdef __linux__
-#include "tests/support/memory_map.h"
-#endif
-
 namespace mirvo {
 namespace {
 
@@ -65,18 +61,6 @@ TEST(HashAllocation, ASizeThatGivesNoSlotsGivesASmallTable) {
 }
 
 TEST(HashAllocation, NegativeSizesGetATable) { EXPECT_GT(SlotsOf(-5), 0U); }
-
-#ifdef __linux__
-TEST(HashAllocation, AsksForLargePages) {
-  if (!test::KnowsLargePages()) GTEST_SKIP() << "no large pages on this system";
-  HashTable table{};
-  table.size = 64;
-  HashAllocate(table);
-  EXPECT_TRUE(test::AsksForLargePages(&table.entries[table.size / 2]));
-  EXPECT_TRUE(test::AsksForLargePages(&table.entries[table.size - 1]));
-  HashRelease(table);
-}
-#endif
 
 TEST(HashAllocation, ReallocationEmptiesTheTable) {
   HashTable table{};
@@ -300,12 +284,69 @@ TEST_F(HashTableTest, TheSearchResetKeepsTheEvaluationAndDropsTheMove) {
 
 TEST_F(HashTableTest, ClearingReachesTheFirstAndTheLastSlot) {
   for (void (*const clear)(HashTable&) : {HashClear, HashResetSearch}) {
-    for (std::uint32_t i = 0; i < table.size; ++i) table.entries[i].key = 1;
+    for (std::uint32_t i = 0; i < table.size; ++i) HashClaim(table, i, 1);
     clear(table);
     std::uint32_t nEmpty = 0;
     for (std::uint32_t i = 0; i < table.size; ++i) nEmpty += table.entries[i].key == 0 ? 1 : 0;
     EXPECT_EQ(nEmpty, 16384U);
   }
+}
+
+TEST_F(HashTableTest, ClearingTouchesNoUnusedSlot) {
+  HashStore(table, key, 11, 50, exactBound, 5);
+  HashEntry& unused = HashSlot(table, key + 1);
+  unused.score = 31;
+  HashClear(table);
+  HashResetSearch(table);
+  EXPECT_EQ(unused.score, 31);
+  EXPECT_EQ(HashSlot(table, key).score, EmptyScore);
+}
+
+TEST_F(HashTableTest, WhateverAnEmptySlotHoldsCountsForNothing) {
+  HashStore(table, key, 11, 50, exactBound, 5);
+  table.tags[HashIndex(table, key)] = 0;
+  EXPECT_FALSE(Probe(key, -100, 100, 1));
+  EXPECT_EQ(table.conflicts, 1U);
+  HashStore(table, key, noMove, 60, lowerBound, 1);  // neither deeper nor with a move
+  EXPECT_EQ(HashSlot(table, key).depth, 1);
+  EXPECT_EQ(HashSlot(table, key).move, noMove);
+  EXPECT_TRUE(Probe(key, -100, 60, 1));
+}
+
+// Top bytes of keys, the smallest and those that differ in the last bit included.
+TEST_F(HashTableTest, EveryKeyMarksItsSlotAsUsed) {
+  for (std::uint64_t top = 0; top < 256; ++top) {
+    HashStore(table, (top << 56) + 77, 11, 50, exactBound, 5);
+    EXPECT_NE(table.tags[77], 0);
+    EXPECT_TRUE(Probe((top << 56) + 77, -100, 100, 5));
+    HashClear(table);
+    EXPECT_FALSE(Probe((top << 56) + 77, -100, 100, 5));
+  }
+}
+
+void ExpectEmptiedByTags(void (*clear)(HashTable&)) {
+  HashTable table{};
+  table.size = 129;
+  HashAllocate(table);
+  ASSERT_GT(table.size, maxSlotsToWrite);
+  const std::uint64_t keys[] = {1, table.size - 1};
+  for (const std::uint64_t key : keys) HashStore(table, key, 11, 50, exactBound, 5);
+  clear(table);
+  for (const std::uint64_t key : keys) {
+    EXPECT_EQ(HashSlot(table, key).depth, 5);  // left as it is
+    Move move = noMove;
+    std::int32_t score = 0;
+    EXPECT_FALSE(HashProbe(table, key, move, score, -1, 1, 0));
+    EXPECT_EQ(move, noMove);
+    HashStore(table, key, noMove, 7, exactBound, 1);
+    EXPECT_EQ(HashSlot(table, key).depth, 1);
+  }
+  HashRelease(table);
+}
+
+TEST(HashClearing, ALargeTableIsEmptiedByItsTagsAlone) {
+  ExpectEmptiedByTags(HashClear);
+  ExpectEmptiedByTags(HashResetSearch);
 }
 
 TEST(HashClearing, ATableWithoutMemoryIsLeftAlone) {
@@ -315,42 +356,10 @@ TEST(HashClearing, ATableWithoutMemoryIsLeftAlone) {
   EXPECT_EQ(table.entries, nullptr);
 }
 
-#ifdef __linux__
-std::size_t MissingPages(const HashTable& table) {
-  return test::MissingPages(table.entries, table.size * sizeof(HashEntry)) +
-         test::MissingPages(table.tags, table.size);
-}
-
-TEST(HashResidence, AllMemoryIsThereAtOnceAndContentsStay) {
-  constexpr std::uint64_t key = 0x123456789ABCDEF0ULL;
-  for (HashTable* table : {&EvalHashTable, &PawnHashTable, &TranspositionTable}) {
-    table->size = 8;
-    HashAllocate(*table);
-    HashStore(*table, key, 11, 50, exactBound, 5);
-    EXPECT_GT(MissingPages(*table), 0U);
-  }
-  HashMakeResident();
-  for (HashTable* table : {&EvalHashTable, &PawnHashTable, &TranspositionTable}) {
-    EXPECT_EQ(MissingPages(*table), 0U);
-    Move move = noMove;
-    std::int32_t score = 0;
-    EXPECT_TRUE(HashProbe(*table, key, move, score, -1, 1, 5));
-    EXPECT_EQ(score, 50);
-    HashRelease(*table);
-  }
-}
-#endif
-
-TEST(HashResidence, TablesWithoutMemoryAreLeftAlone) {
-  HashRelease(EvalHashTable);
-  HashMakeResident();
-  EXPECT_EQ(EvalHashTable.entries, nullptr);
-}
-
 TEST(HashMoveLookupTest, CopiesTheScoreAndAlwaysSaysNo) {
   EvalHashTable.size = 1;
   HashAllocate(EvalHashTable);
-  HashSlot(EvalHashTable, 77).key = 77;
+  HashClaim(EvalHashTable, HashIndex(EvalHashTable, 77), 77);
   HashSlot(EvalHashTable, 77).score = 31;
   std::int32_t score = 5;
   EXPECT_FALSE(HashMoveLookup(77, score));

@@ -1,62 +1,84 @@
 #include "shell/large_pages.h"
 
 #include <gtest/gtest.h>
-#include <sys/mman.h>
+
+#include <cstdint>
 
 #include "tests/support/memory_map.h"
 
 namespace mirvo {
 namespace {
 
-constexpr std::size_t pageSize = 4096;
-constexpr std::size_t nPages = 2048;
+constexpr std::size_t nPages = 3;
+constexpr std::size_t size = nPages * largePageSize;
 
 class LargePages : public testing::Test {
  protected:
-  LargePages() {
-    void* const given = mmap(nullptr, nPages * pageSize, PROT_READ | PROT_WRITE,
-                             MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (given != MAP_FAILED) memory = static_cast<unsigned char*>(given);
-  }
+  LargePages() { memory = static_cast<unsigned char*>(ReserveMemory(size)); }
   ~LargePages() override {
-    if (memory != nullptr) munmap(memory, nPages * pageSize);
+    if (memory != nullptr) ReleaseMemory(memory, size);
   }
-  void SetUp() override {
-    ASSERT_NE(memory, nullptr);
-    if (!test::KnowsLargePages()) GTEST_SKIP() << "no large pages on this system";
-  }
+  void SetUp() override { ASSERT_NE(memory, nullptr); }
 
   unsigned char* memory = nullptr;
 };
 
-TEST_F(LargePages, AreAskedForFromTheFirstWholePageOn) {
+TEST_F(LargePages, ReservedMemoryIsAlignedAndNotThereYet) {
+  EXPECT_EQ(reinterpret_cast<std::uintptr_t>(memory) % largePageSize, 0U);
+  EXPECT_EQ(test::MissingPages(memory, size), size / 4096);
+  EXPECT_EQ(memory[0], 0);
+  EXPECT_EQ(memory[size - 1], 0);
+}
+
+TEST_F(LargePages, ReservedMemoryComesInSmallPages) {
+  memory[largePageSize + 5] = 1;
+  EXPECT_EQ(test::MissingPages(memory, size), size / 4096 - 1);
+  EXPECT_FALSE(test::AsksForLargePages(memory));
+}
+
+TEST_F(LargePages, PrefaultingIsForOnePage) {
+  PrefaultLargePage(memory + largePageSize);
+  EXPECT_EQ(test::MissingPages(memory + largePageSize, largePageSize), 0U);
+  EXPECT_EQ(test::MissingPages(memory, largePageSize), largePageSize / 4096);
+  EXPECT_EQ(test::MissingPages(memory + 2 * largePageSize, largePageSize), largePageSize / 4096);
+  if (!test::KnowsLargePages()) GTEST_SKIP() << "no large pages on this system";
+  EXPECT_FALSE(test::AsksForLargePages(memory));
+  EXPECT_TRUE(test::AsksForLargePages(memory + largePageSize));
+  EXPECT_TRUE(test::AsksForLargePages(memory + 2 * largePageSize - 1));
+  EXPECT_FALSE(test::AsksForLargePages(memory + 2 * largePageSize));
+}
+
+TEST_F(LargePages, PrefaultingKeepsContents) {
   memory[7] = 1;
-  PreferLargePages(memory + 1, (nPages - 1) * pageSize);
-  EXPECT_FALSE(test::AsksForLargePages(memory));
-  EXPECT_TRUE(test::AsksForLargePages(memory + pageSize));
-  EXPECT_TRUE(test::AsksForLargePages(memory + (nPages - 1) * pageSize - 1));
+  memory[largePageSize - 1] = 2;
+  PrefaultLargePage(memory);
   EXPECT_EQ(memory[7], 1);
+  EXPECT_EQ(memory[largePageSize - 1], 2);
+  EXPECT_EQ(memory[8], 0);
 }
 
-TEST_F(LargePages, AreAskedForFromTheStartWhereAPageBeginsThere) {
-  PreferLargePages(memory + pageSize, pageSize);
-  EXPECT_FALSE(test::AsksForLargePages(memory));
-  EXPECT_TRUE(test::AsksForLargePages(memory + pageSize));
-  EXPECT_FALSE(test::AsksForLargePages(memory + 2 * pageSize));
+TEST_F(LargePages, TouchingProvidesAndKeepsContents) {
+  memory[4096] = 3;
+  TouchMemory(memory, largePageSize);
+  EXPECT_EQ(test::MissingPages(memory, largePageSize), 0U);
+  EXPECT_GT(test::MissingPages(memory + largePageSize, largePageSize), 0U);
+  EXPECT_EQ(memory[4096], 3);
 }
 
-TEST_F(LargePages, AreNotAskedForWithinOnePage) {
-  PreferLargePages(memory + 16, 0);
-  PreferLargePages(memory + 16, pageSize - 16);
-  EXPECT_FALSE(test::AsksForLargePages(memory));
-  EXPECT_FALSE(test::AsksForLargePages(memory + pageSize));
-}
-
-// Addresses that hold nothing are the system's to refuse.
-TEST_F(LargePages, AreNoMatterWhereThereIsNoMemory) {
-  munmap(memory, nPages * pageSize);
-  PreferLargePages(memory, nPages * pageSize);
+TEST_F(LargePages, MemoryIsGivenBackFromItsEnd) {
+  memory[0] = 1;
+  memory[size - 1] = 1;
+  const std::size_t left = ReleaseMemoryEnd(memory, size, largePageSize);
+  EXPECT_EQ(left, size - largePageSize);
+  EXPECT_EQ(memory[0], 1);
+  EXPECT_EQ(test::MissingPages(memory + left, largePageSize), SIZE_MAX);  // nobody's
+  EXPECT_EQ(ReleaseMemoryEnd(memory, left, size), 0U);
+  EXPECT_EQ(test::MissingPages(memory, largePageSize), SIZE_MAX);
   memory = nullptr;
+}
+
+TEST(LargePagesRefused, MoreThanThereAreAddressesIsNull) {
+  EXPECT_EQ(ReserveMemory(std::size_t{1} << 62), nullptr);
 }
 
 }  // namespace

@@ -58,6 +58,7 @@ void EmptyTable(HashTable& table) {
     return;
   }
   std::memset(static_cast<void*>(table.entries), 0, sizeof(HashEntry) * table.size);
+  std::memset(table.tags, 0, table.size);
   table.hits = table.misses = table.conflicts = table.stores = 0;
 }
 
