@@ -16,14 +16,18 @@ import run_transcript
 from case_file import CaseError, read_case
 from normalise import normalise
 
-# A stand-in for the engine: prints its arguments, echoes lines, obeys a few.
+# A stand-in for the engine: prints its arguments, echoes lines, obeys a few. It
+# writes past Python's buffers, like the engine past the C library's: text left
+# in one when a pipe is closed would be written once more at the end, and give
+# the program another exit status.
 PROGRAM = r'''#!%s
-import pathlib, sys, time
-log = open("mirvo_0.2.7_d_log.txt", "w")
+import os, pathlib, sys, time
+log = open("mirvo_0.2.7_d_log.txt", "wb", buffering=0)
+def show(text):
+    os.write(sys.stdout.fileno(), text.encode())
 def say(text):
-    for sink in (sys.stdout, log):
-        sink.write(text)
-        sink.flush()
+    show(text)
+    log.write(text.encode())
 say("args" + "".join(" " + word for word in sys.argv[1:]) + "\n")
 for line in sys.stdin:
     word = line.strip()
@@ -34,7 +38,7 @@ for line in sys.stdin:
     elif word == "hang":
         time.sleep(1000)
     elif word == "console":
-        sys.stdout.write("not logged\n")
+        show("not logged\n")
     elif word == "complain":
         sys.stderr.write("a complaint\n")
     elif word == "save":
