@@ -11,6 +11,7 @@ set -uo pipefail
 root=$(cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")" && pwd)
 cd "$root" || exit 1
 . tools/packages.sh
+. tools/environment.sh
 
 stages=("$@")
 [ ${#stages[@]} -gt 0 ] || stages=(release sanitize windows)
@@ -18,12 +19,9 @@ stages=("$@")
 # Compiler and test library; format check; scripts; instruction counter;
 # referees, peers and clients of the tests that play whole games.
 if ! need_packages g++ cmake ninja-build libgtest-dev libgmock-dev libbenchmark-dev \
-  clang-format cppcheck python3 valgrind polyglot stockfish xboard fairymax xvfb xauth; then
+  clang-format cppcheck python3 dpkg-dev valgrind polyglot stockfish xboard fairymax xvfb xauth; then
   echo "Some packages could not be installed; tests that need them are skipped." >&2
 fi
-# Debian keeps its games in a folder that root's PATH lacks.
-export PATH="$PATH:/usr/games"
-
 # ---- Windows: the cross compiler, the test library's sources, and Wine.
 # Without them nothing can be said about that system: under CI ($CI is set) the
 # stage counts as failed, elsewhere it is left out, which the end of the run
@@ -56,10 +54,11 @@ for stage in "${stages[@]}"; do
     continue
   fi
   results+=("$stage=$result")
-  cmake --preset "$stage" &&
-    cmake --build --preset "$stage" &&
-    ctest --preset "$stage" --parallel "$(nproc)" --output-junit test-results.xml
+  (in_clean_environment bash -c '
+    cmake --preset "$1" && cmake --build --preset "$1" &&
+      exec ctest --preset "$1" --parallel "$(nproc)" --output-junit test-results.xml \
+        --test-output-size-passed 65536' stage "$stage")
 done </dev/null
 
 [ "$windows_is_tested" = yes ] || complain_about_windows
-exec python3 tools/summarise_tests.py "${results[@]}"
+in_clean_environment python3 tools/summarise_tests.py "${results[@]}"

@@ -5,10 +5,16 @@ A stage whose file is missing did not build; it counts as one failure. Tests
 named in SHOWN measure something: what they print is shown even when they pass.
 """
 
+import re
 import sys
 import xml.etree.ElementTree as ElementTree
 
 SHOWN = ["speed.instructions_per_node"]
+
+# How a script, a GoogleTest case and a case of Python's unittest say why.
+SKIP_LINE = re.compile(r"^SKIP: (.*)$", re.MULTILINE)
+GTEST_REASON = re.compile(r": Skipped\n(.*)$", re.MULTILINE)
+SKIPPED_PART = re.compile(r"^(\w+) \(.*\) \.\.\. skipped [\"'](.*)[\"']$", re.MULTILINE)
 
 
 def shown(path):
@@ -16,6 +22,25 @@ def shown(path):
     cases = ElementTree.parse(path).getroot().iter("testcase")
     return [line for case in cases if case.get("name") in SHOWN
             for line in (case.findtext("system-out") or "").strip().splitlines()]
+
+
+def skip_reasons(path):
+    """(test, reason) of every test of a result file that was left out, and of
+    every part of a test that says so itself."""
+    for case in ElementTree.parse(path).getroot().iter("testcase"):
+        name, printed = case.get("name"), case.findtext("system-out") or ""
+        if case.get("status") == "disabled":
+            yield name, "disabled"
+        elif case.find("skipped") is not None:
+            yield name, reason_printed(printed)
+        for part, reason in SKIPPED_PART.findall(printed):
+            yield f"{name}, {part}", reason
+
+
+def reason_printed(text):
+    """The reason among what a skipped test printed."""
+    match = SKIP_LINE.search(text) or GTEST_REASON.search(text)
+    return match[1].strip() if match else "no reason given"
 
 
 def count(path):
@@ -45,6 +70,8 @@ def main():
         stage, path = argument.split("=", 1)
         try:
             passed, failed, skipped, names = count(path)
+            for name, reason in skip_reasons(path):
+                print(f"skipped in {stage}: {name}: {reason}")
             for line in shown(path):
                 print(line)
             if passed + failed + skipped == 0:

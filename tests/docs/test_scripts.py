@@ -113,10 +113,6 @@ class TestScript(unittest.TestCase):
         self.assertEqual(status, 1)
         self.assertTrue(printed.endswith("\n0 passed, 1 failed\n"))
 
-    def test_continuous_integration_says_that_it_is(self):
-        text = (ROOT / ".ci/run").read_text(encoding="utf-8")
-        self.assertIn("CI=true ", text)
-
 
 class RunScript(unittest.TestCase):
     def test_standard_output_is_the_engines_alone(self):
@@ -151,6 +147,19 @@ class Summary(unittest.TestCase):
         self.assertIn("perft: 400.0", lines)
         self.assertIn("search: 4000.0", lines)
         self.assertNotIn("noise", lines)
+
+    def test_reasons_of_skipped_tests_are_shown(self):
+        script = SKIP.replace("/></testcase>",
+                              "/><system-out>noise\nSKIP: no Wine\n</system-out></testcase>")
+        case = script.replace("SKIP: no Wine", "[ RUN ] A.B\na.cpp:7: Skipped\nno links here")
+        part = ('<testcase name="e" status="run"><system-out>test_f (x.Y.test_f) ... skipped '
+                "'no rights'\n</system-out></testcase>")
+        _, lines = summary_lines(f"<testsuite>{PASS + SKIP + script + case + part}</testsuite>")
+        self.assertEqual([line for line in lines if "skipped in" in line],
+                         ["skipped in stage0: c: no reason given",
+                          "skipped in stage0: c: no Wine",
+                          "skipped in stage0: c: no links here",
+                          "skipped in stage0: e, test_f: no rights"])
 
     def test_success_has_status_0(self):
         self.assertEqual(summarise(f"<testsuite>{PASS * 2}</testsuite>"), (0, "2 passed, 0 failed"))

@@ -178,7 +178,7 @@ class RunnerTest(unittest.TestCase):
     def test_skips_cases_of_another_platform(self):
         status, printed = self.run_case("platform posix\noutput\n", "--platform", "windows")
         self.assertEqual(status, 77)
-        self.assertIn("skipped", printed)
+        self.assertIn("SKIP: some.case is about posix systems", printed)
 
     def test_update_puts_in_what_came(self):
         status, _ = self.run_case("send blank\nsend half\nsend quit\noutput\n|old\n# end\n",
