@@ -65,7 +65,7 @@ for program in cppcheck clang-tidy-14 run-clang-tidy-14; do
   command -v $program >/dev/null && continue
   $install cppcheck clang-tidy-14 g++ cmake ninja-build python3 libgtest-dev libbenchmark-dev &&
     break
-  echo "$program is not installed"
+  echo "SKIP: $program is not installed"
   exit 77
 done
 

@@ -1,4 +1,3 @@
-#!/usr/bin/env python3
 """Lets polyglot run Mirvo as a UCI engine over a test suite and compares the
 moves with those of Mirvo's own "-analyze" run at the same depth.
 
@@ -65,7 +64,7 @@ def is_compared(line):
 def main(program, suite, depth):
     polyglot = shutil.which("polyglot", path=os.environ.get("PATH", "") + ":/usr/games")
     if not polyglot:
-        print("no polyglot on this machine")
+        print("SKIP: polyglot is not installed")
         return SKIPPED
     program = os.path.abspath(program)
     suite = pathlib.Path(suite).resolve()

@@ -19,7 +19,7 @@ def main():
     root = pathlib.Path(sys.argv[1])
     tool = next((t for t in TOOLS if shutil.which(t)), None)
     if tool is None:
-        print("clang-format is not installed")
+        print("SKIP: clang-format is not installed")
         return 77
     files = layer_table.sources(root, {".h", ".cpp"})
     for folder in ("tests", "bench"):

@@ -136,7 +136,7 @@ CHECKS = {"Linux": {".deb": check_deb, ".gz": check_tar}, "Windows": {".zip": ch
 
 def main(cpack, build_folder, platform, *loader):
     if platform == "Linux" and not (shutil.which("dpkg-deb") and shutil.which("dpkg-shlibdeps")):
-        print("skipped, needs dpkg-deb and dpkg-shlibdeps")
+        print("SKIP: dpkg-deb and dpkg-shlibdeps (dpkg-dev) are not both installed")
         return SKIPPED
     with tempfile.TemporaryDirectory() as folder:
         made = subprocess.run([cpack, "--config", build_folder + "/CPackConfig.cmake", "-B", folder],

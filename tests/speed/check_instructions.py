@@ -101,7 +101,7 @@ def main(arguments, measure=count, find=shutil.which):
     parser.add_argument("--store", action="store_true", help="store the figures of this build")
     options = parser.parse_args(arguments)
     if not find("valgrind"):
-        print("skipped: valgrind is not installed")
+        print("SKIP: valgrind is not installed")
         return SKIPPED
     compiler, stored = (None, {}) if options.store else read_stored(options.stored_file)
     measured = {name: measure(options.workload, name) for name in WORKLOADS}
@@ -112,7 +112,7 @@ def main(arguments, measure=count, find=shutil.which):
     if compiler != options.compiler:
         for name, value in measured.items():
             print(f"{name}: {value:.1f} instructions per node")
-        print(f"not compared: built by g++ {options.compiler}, the stored figures by g++ {compiler}")
+        print(f"SKIP: not compared, built by g++ {options.compiler}, the stored figures by g++ {compiler}")
         return SKIPPED
     lines, failed = judge(stored, measured)
     print(*lines, sep="\n")

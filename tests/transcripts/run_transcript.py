@@ -163,7 +163,7 @@ def rewrite(case, results):
 def run_case(options, path):
     case = read_case(path)
     if case.platform not in ("any", options.platform):
-        print(f"{path.name}: skipped, needs {case.platform}")
+        print(f"SKIP: {path.name} is about {case.platform} systems")
         return SKIPPED
     results = []
     with tempfile.TemporaryDirectory(prefix="mirvo-transcript-") as folder:
