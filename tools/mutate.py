@@ -140,7 +140,7 @@ def programs():
     paths, slow = set(), set()
     for test in json.loads(shown)["tests"]:
         command = test.get("command") or [""]
-        if any(argument.startswith("--gtest_filter") for argument in command):
+        if "--gtest_shuffle" in command:
             labels = [p["value"] for p in test["properties"] if p["name"] == "LABELS"]
             (slow if labels and "slow" in labels[0] else paths).add(command[0])
     return [Program(path) for path in sorted(paths - slow)]

@@ -27,12 +27,13 @@ run_cppcheck() {
 }
 
 # run_clang_tidy FOLDER...: nothing is built, clang-tidy only needs to know how
-# each file would be compiled.
+# each file would be compiled by itself.
 run_clang_tidy() {
   local folders
   folders=$(IFS='|'; echo "$*")
   cmake -S . -B build/static -G Ninja -DCMAKE_BUILD_TYPE=Debug \
-    -DMIRVO_BENCH=ON -DMIRVO_FUZZ=ON >build/static.log 2>&1 || {
+    -DMIRVO_BENCH=ON -DMIRVO_FUZZ=ON \
+    -DCMAKE_UNITY_BUILD=OFF -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON >build/static.log 2>&1 || {
     cat build/static.log
     return 1
   }

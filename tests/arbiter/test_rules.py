@@ -1,25 +1,27 @@
-"""Tests of rules.py: published perft counts, and how games end.
+"""Tests of rules.py: perft counts, published and by stockfish where that is
+installed, and how games end.
 
 Usage: test_rules.py   (unittest; run by CTest as arbiter.rules)
 """
 
+import pathlib
+import random
+import re
+import shutil
+import subprocess
 import unittest
 
 from rules import START, Position, find_move, find_san, move_text, outcome, perft
 
-# The counts that the chess programming community publishes for these
-# positions; the depths are what plain Python counts in a few seconds.
-PERFT = [
-    ("initial position", START, [20, 400, 8902, 197281]),
-    ("castling, pins, checks", "r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq - 0 1",
-     [48, 2039, 97862]),
-    ("en passant and pins", "8/2p5/3p4/KP5r/1R3p1k/8/4P1P1/8 w - - 0 1", [14, 191, 2812, 43238]),
-    ("promotions", "r3k2r/Pppp1ppp/1b3nbN/nP6/BBP1P3/q4N2/Pp1P2PP/R2Q1RK1 w kq - 0 1",
-     [6, 264, 9467]),
-    ("promotion with check", "rnbq1k1r/pp1Pbppp/2p5/8/2B5/8/PPP1NnPP/RNBQK2R w KQ - 1 8", [44, 1486, 62379]),
-    ("quiet middle game",
-     "r4rk1/1pp1qppp/p1np1n2/2b1p1B1/2B1P1b1/P1NP1N2/1PP1QPPP/R4RK1 w - - 0 10", [46, 2079, 89890]),
-]
+# Published counts, and stockfish's, of positions with every kind of move.
+COUNTS = pathlib.Path(__file__).resolve().parent.parent / "data/perft/fast.txt"
+# What plain Python counts at once. Every case has a depth below it.
+FEW_MOVES = 9500
+
+# Random games that stockfish is asked about as well, and how many plies into
+# each of them.
+N_GAMES = 6
+QUESTIONS = range(4, 100, 8)
 
 # FEN, result and reason; None for a game that goes on.
 ENDINGS = [
@@ -45,12 +47,58 @@ def play_all(position, moves):
     return position, keys
 
 
+def stored_counts():
+    """(name, FEN, depth, count) of the cases with few moves."""
+    for line in COUNTS.read_text(encoding="utf-8").splitlines():
+        if line.startswith("#") or not line:
+            continue
+        name, fen, depth, count = line.split(" | ")
+        if int(count) <= FEW_MOVES:
+            yield name, fen + " 0 1", int(depth), int(count)
+
+
+def positions_of_random_games():
+    choose = random.Random(1)
+    for _ in range(N_GAMES):
+        position = Position()
+        for ply in range(max(QUESTIONS) + 1):
+            moves = position.legal_moves()
+            if not moves:
+                break
+            if ply in QUESTIONS:
+                yield position
+            position = position.play(choose.choice(moves))
+
+
+def stockfish_splits(fens, depth):
+    """For each position: the text of every legal move, and the moves behind it."""
+    lines = [f"position fen {fen}\ngo perft {depth}" for fen in fens]
+    printed = subprocess.run(["stockfish"], input="\n".join([*lines, "quit", ""]), text=True,
+                             capture_output=True, timeout=200, check=True).stdout
+    return [{move: int(count) for move, count in re.findall(r"^([a-h]\S+): (\d+)$", split, re.MULTILINE)}
+            for split in printed.split("Nodes searched")[:-1]]
+
+
 class Rules(unittest.TestCase):
     def test_perft_counts_are_the_published_ones(self):
-        for name, fen, counts in PERFT:
-            for depth, expected in enumerate(counts, 1):
-                with self.subTest(name=name, depth=depth):
-                    self.assertEqual(perft(Position(fen), depth), expected)
+        names = set()
+        for name, fen, depth, count in stored_counts():
+            names.add(name)
+            with self.subTest(name=name, depth=depth):
+                self.assertEqual(perft(Position(fen), depth), count)
+        self.assertGreater(len(names), 30)
+
+    @unittest.skipUnless(shutil.which("stockfish"), "stockfish is not installed")
+    def test_stockfish_finds_the_same_moves_in_random_games(self):
+        positions = list(positions_of_random_games())
+        splits = stockfish_splits([position.fen() for position in positions], 2)
+        self.assertGreater(len(splits), 40)
+        self.assertEqual(len(splits), len(positions))
+        for position, split in zip(positions, splits):
+            with self.subTest(fen=position.fen()):
+                ours = {move_text(move): perft(position.play(move), 1)
+                        for move in position.legal_moves()}
+                self.assertEqual(ours, split)
 
     def test_games_end_by_the_rules(self):
         for fen, expected in ENDINGS:
@@ -101,8 +149,9 @@ class Rules(unittest.TestCase):
         self.assertEqual(move_text(find_san(promotion, "a8=Q")), "a7a8q")
 
     def test_fen_round_trips(self):
-        for _, fen, _ in PERFT:
-            self.assertEqual(Position(fen).fen(), fen)
+        for _, fen, depth, _ in stored_counts():
+            if depth == 1:
+                self.assertEqual(Position(fen).fen(), fen)
         after, _ = play_all(Position(), "e2e4 c7c5 g1f3")
         self.assertEqual(after.fen(), "rnbqkbnr/pp1ppppp/8/2p5/4P3/5N2/PPPP1PPP/RNBQKB1R b KQkq - 1 2")
 

@@ -4,10 +4,18 @@ come out with the time they arrived, and waiting never lasts for ever."""
 import pathlib
 import queue
 import shlex
+import signal
 import subprocess
 import tempfile
 import threading
 import time
+
+
+# A shell's background job and "nohup" ignore signals, and so would every engine
+# started from there: tests send some that must end it.
+for _number in (signal.SIGINT, signal.SIGHUP):
+    if signal.getsignal(_number) is signal.SIG_IGN:
+        signal.signal(_number, signal.SIG_DFL)
 
 
 class EngineFault(Exception):

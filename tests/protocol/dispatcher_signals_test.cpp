@@ -14,6 +14,12 @@ constexpr int cameThrough = 42;
 
 class SessionSignals : public UciTest {
  protected:
+  void SetUp() override {
+    UciTest::SetUp();
+    // The tests may run in a shell's background job, which ignores interrupts.
+    signal(SIGINT, SIG_DFL);
+  }
+
   static void Say(const std::string& text) {
     fakeInput.bytes += text;
     RunIdle();

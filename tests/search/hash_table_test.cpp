@@ -398,6 +398,7 @@ TEST(HashReport, AnUnusedTableReadsTheSameOnEverySystem) {
 }
 
 TEST(HashReport, NamesTheThreeTablesInOrder) {
+  ResetHashCounters();
   EvalHashTable.hits = 1;
   PawnHashTable.conflicts = 1;
   TranspositionTable.misses = 1;

@@ -1,0 +1,92 @@
+# GoogleTest programs: how they are compiled and how CTest runs them.
+
+# The engine is tested as it is shipped, with all optimisation; most tests only
+# call it, and compile in half the time without (measured over one stage:
+# docs/testing.md). Their headers, the test library's above all, are compiled
+# once for all of them.
+add_library(mirvo_test_flags INTERFACE)
+target_compile_options(mirvo_test_flags INTERFACE $<$<CONFIG:Release,Sanitize>:-O0>)
+if(WIN32)
+  # Objects for Windows count their sections in 16 bits otherwise, and every
+  # instance of a template has one.
+  target_compile_options(mirvo_test_flags INTERFACE -Wa,-mbig-obj)
+endif()
+target_compile_definitions(mirvo_test_flags INTERFACE MIRVO_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
+target_link_libraries(mirvo_test_flags INTERFACE mirvo_flags mirvo_warnings GTest::gtest)
+
+file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/test_headers.cpp CONTENT "// Only its headers matter.\n")
+add_library(test_headers OBJECT ${CMAKE_BINARY_DIR}/test_headers.cpp)
+target_link_libraries(test_headers PRIVATE mirvo_test_flags)
+target_precompile_headers(test_headers PRIVATE
+  <gtest/gtest.h> <algorithm> <array> <cstdint> <cstring> <deque> <filesystem> <fstream>
+  <functional> <iterator> <map> <memory> <ostream> <random> <set> <sstream> <string> <utility>
+  <vector>)
+
+# So many sources of a program are compiled as one, unless CMAKE_UNITY_BUILD
+# says otherwise.
+set(sources_together 7)
+
+# mirvo_test(NAME USES layer... SOURCES file... [SEPARATE file...] [LABELS label...]
+#            [SHARDS count] [COST seconds] [ALONE filter...])
+# One GoogleTest program, which links the layers named and nothing above them,
+# and is one test: all its cases run in one process, in an order of chance. What
+# it prints first names the seed of that order (--gtest_random_seed repeats it).
+#   SEPARATE  sources whose names others of the program have as well: compiled
+#             by themselves
+#   SHARDS    so many tests, each with its share of the cases
+#   COST      what to start first where no earlier run tells
+#   ALONE     cases that need a process of their own
+# The results of single cases are in gtest-results/ of the build folder.
+function(mirvo_test name)
+  cmake_parse_arguments(arg "" "SHARDS;COST" "SOURCES;SEPARATE;USES;LABELS;ALONE" ${ARGN})
+  add_executable(${name} ${arg_SOURCES} ${arg_SEPARATE})
+  target_link_libraries(${name} PRIVATE mirvo_test_flags ${arg_USES} GTest::gtest_main)
+  target_precompile_headers(${name} REUSE_FROM test_headers)
+  if(NOT DEFINED CMAKE_UNITY_BUILD)
+    set_target_properties(${name} PROPERTIES
+      UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE ${sources_together})
+  endif()
+  if(arg_SEPARATE)
+    set_source_files_properties(${arg_SEPARATE} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+  endif()
+
+  set(exclude)
+  set(number 0)
+  foreach(filter IN LISTS arg_ALONE)
+    math(EXPR number "${number} + 1")
+    mirvo_test_process(${name} ${name}_alone_${number} --gtest_filter=${filter})
+    string(APPEND exclude ":${filter}")
+  endforeach()
+  if(exclude)
+    string(REGEX REPLACE "^:" "--gtest_filter=-" exclude ${exclude})
+  endif()
+  if(NOT arg_SHARDS)
+    mirvo_test_process(${name} ${name} ${exclude})
+    return()
+  endif()
+  foreach(shard RANGE 1 ${arg_SHARDS})
+    mirvo_test_process(${name} ${name}_${shard} ${exclude})
+    math(EXPR index "${shard} - 1")
+    set_property(TEST ${name}_${shard} APPEND PROPERTY ENVIRONMENT
+      GTEST_TOTAL_SHARDS=${arg_SHARDS} GTEST_SHARD_INDEX=${index})
+  endforeach()
+endfunction()
+
+# mirvo_test_process(PROGRAM TEST [argument...]): one run of a test program.
+# For mirvo_test only, whose labels and costs it takes.
+function(mirvo_test_process program test)
+  set(results ${CMAKE_BINARY_DIR}/gtest-results/${test}.xml)
+  if(CMAKE_CROSSCOMPILING)
+    # Wine's name of the root folder.
+    set(results "Z:${results}")
+  endif()
+  add_test(NAME ${test} COMMAND ${program} --gtest_shuffle ${ARGN})
+  set_tests_properties(${test} PROPERTIES
+    LABELS "${arg_LABELS}" ENVIRONMENT "GTEST_OUTPUT=xml:${results}")
+  if(arg_COST)
+    set_tests_properties(${test} PROPERTIES COST ${arg_COST})
+  endif()
+  if(CMAKE_CROSSCOMPILING)
+    set_tests_properties(${test} PROPERTIES FIXTURES_REQUIRED wine)
+  endif()
+endfunction()
