@@ -139,6 +139,17 @@ TEST_F(RunSuiteTest, AMissingFileGivesItsMessageOnly) {
   EXPECT_EQ(RunFile(path), "File \"" + path + "\" not found.\n");
 }
 
+TEST_F(RunSuiteTest, PositionsThatWereReadBeforeGiveWhatTheirFileGives) {
+  const std::string path = Write(std::string(mateInOne) + "bm Ra8#;\n" + fork + "bm Nc7+;\n");
+  Suite suite;
+  ASSERT_TRUE(ReadSuite(path.c_str(), suite));
+  testing::internal::CaptureStdout();
+  RunSuite(suite, path.c_str(), 1, 5);
+  const std::string text = testing::internal::GetCapturedStdout();
+  EXPECT_EQ(WithoutStatistics(text), WithoutStatistics(RunFile(path, 1, 5)));
+  EXPECT_EQ(ResultLines(text).size(), 1U);
+}
+
 TEST_F(RunSuiteTest, QuietRunsPrintOneLineForEachPosition) {
   const std::string path = Write(std::string(mateInOne) + "bm Ra8#; c0 \"Ra8=10\";\n" + smothered +
                                  "bm Kb2; id \"wrong on purpose\";\n");
