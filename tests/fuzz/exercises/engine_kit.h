@@ -3,6 +3,8 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <cstdio>
 #include <string>
 #include <string_view>
 
@@ -13,20 +15,35 @@ namespace mirvo {
 /// smallest hash tables, and nothing is printed on the console.
 void FreshEngine();
 
+/// What can be seen of the engine since it was made fresh: what it printed into
+/// a PrintedText, the positions it stands at, what its searches counted and how
+/// often it looked at the clock. The same input always leaves the same.
+std::string EngineTrace();
+
 /// A folder of this process that is removed when it ends.
 const std::string& ScratchFolder();
 
 /// Writes a file of exactly these bytes into the folder; returns its path.
 std::string WriteScratchFile(const char* name, std::string_view bytes);
 
-/// Keeps what `Output` prints from its construction on; afterwards the log
-/// that was there before is in use again.
-class PrintedText {
+/// Drops what `Output` prints from its construction on; afterwards console and
+/// log are used as before.
+class Silence {
+ public:
+  Silence();
+  ~Silence();
+  Silence(const Silence&) = delete;
+  Silence& operator=(const Silence&) = delete;
+
+ private:
+  std::FILE* const formerLog;
+  const std::int32_t formerConsole;
+};
+
+/// The same, but keeps it.
+class PrintedText : Silence {
  public:
   PrintedText();
-  ~PrintedText();
-  PrintedText(const PrintedText&) = delete;
-  PrintedText& operator=(const PrintedText&) = delete;
 
   /// Everything so far.
   std::string Text() const;

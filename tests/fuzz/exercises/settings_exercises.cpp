@@ -151,7 +151,7 @@ BrokenPromise ExerciseConfigFile(std::string_view input) {
 
 BrokenPromise ExerciseCommandLine(std::string_view input) {
   FreshEngine();
-  const PrintedText printed;
+  const Silence silence;
   std::vector<std::string> words = LinesOf(input);
   ReplaceFiles(words);
   std::vector<const char*> arguments = {"mirvo"};
