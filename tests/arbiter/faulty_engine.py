@@ -1,5 +1,6 @@
 """A UCI engine that plays the first legal move and commits one fault on its
-third move, or in every game: what the arbiter and the soak must notice.
+third move, or in every game: what the arbiter and the soak must notice. "slow"
+takes its time for every move, which is a fault only where the clock is short.
 
 Usage: faulty_engine.py FAULT   (see `answer` and `begin_game`; "none" for none)
 """
@@ -43,6 +44,8 @@ def answer(fault, position, ponders=False):
         move = "0000"
     elif fault == "time":
         time.sleep(1.2)
+    elif fault == "slow":
+        time.sleep(0.1)
     elif fault == "hang":
         return
     elif fault == "double":
@@ -80,7 +83,8 @@ def main():
             pondering = True
         elif line.startswith("go") or (pondering and line in ("stop", "ponderhit")):
             searches, pondering = searches + 1, False
-            answer(fault if searches == 3 else "none", position, ponders)
+            due = searches == 3 or fault == "slow"
+            answer(fault if due else "none", position, ponders)
         elif line == "quit":
             sys.exit(4 if fault == "status" else 0)
 

@@ -16,6 +16,7 @@ import sys
 import time
 
 from rules import START, Position, find_move, move_text, outcome
+from time_control import Clock, TimeControl, go_words
 from uci_engine import EngineFault, UciEngine
 
 # Seconds past its clock after which a silent engine counts as hanging.
@@ -41,10 +42,9 @@ class Referee:
 class Player:
     """One engine, its clock and what it ponders on."""
 
-    def __init__(self, engine, clock, increment):
+    def __init__(self, engine, control):
         self.engine = engine
-        self.remaining = clock
-        self.increment = increment
+        self.clock = Clock(control)
         self.ponder_move = ""  # expected reply while it ponders, else empty
 
     def start_pondering(self, line, clocks, expected):
@@ -96,14 +96,14 @@ def check_line(name, position, line):
 def read_answer(player, position, start, margin):
     """Waits for the bestmove and books the time it took."""
     name = player.engine.name
-    limit = player.remaining / 1000 + HANG_LIMIT
+    limit = player.clock.left / 1000 + HANG_LIMIT
     arrival, line, before = player.engine.wait_for("bestmove", limit)
     elapsed = 1000 * (arrival - start)
     for report in before:
         check_line(name, position, report)
-    if elapsed > player.remaining + margin:
-        raise EngineFault(f"{name} lost on time: {elapsed:.0f} of {player.remaining:.0f} ms")
-    player.remaining = max(player.remaining - elapsed, 0) + player.increment
+    if elapsed > player.clock.left + margin:
+        raise EngineFault(f"{name} lost on time: {elapsed:.0f} of {player.clock.left:.0f} ms")
+    player.clock.book(elapsed)
     words = line.split()
     if len(words) not in (2, 4) or (len(words) == 4 and words[2] != "ponder"):
         raise EngineFault(f"{name} answers in an unknown form: {line}")
@@ -121,10 +121,9 @@ class Game:
         self.moves = []
         self.keys = [self.position.repetition_key()]
 
-    def clocks(self):
-        white, black = (p.remaining for p in self.players)
-        increments = f"winc {self.players[0].increment} binc {self.players[1].increment}"
-        return f"wtime {white:.0f} btime {black:.0f} {increments}"
+    def clocks(self, player):
+        """As the player is told them."""
+        return go_words(self.players[0].clock, self.players[1].clock, player.clock)
 
     def ask_referee(self):
         if self.referee is None:
@@ -138,8 +137,8 @@ class Game:
         """One move of the side to move; then it ponders on, if it may."""
         player = self.players[0 if self.position.white else 1]
         self.ask_referee()
-        start = player.begin_turn(position_line(self.options.fen, self.moves), self.clocks(),
-                                  self.moves[-1] if self.moves else "")
+        start = player.begin_turn(position_line(self.options.fen, self.moves),
+                                  self.clocks(player), self.moves[-1] if self.moves else "")
         answer = read_answer(player, self.position, start, self.options.margin)
         move = find_move(self.position, answer.move)
         if move is None:
@@ -163,7 +162,7 @@ class Game:
                     self.position, self.keys, self.options.plies):
                 player.start_pondering(
                     position_line(self.options.fen, self.moves + [answer.expected]),
-                    self.clocks(), answer.expected)
+                    self.clocks(player), answer.expected)
         for player in self.players:
             if player.ponder_move:
                 player.stop_pondering()
@@ -175,7 +174,8 @@ def parse_arguments(arguments):
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("--white", required=True, help="command of the first engine")
     parser.add_argument("--black", required=True, help="command of the second engine")
-    parser.add_argument("--clock", default="2000+20", help="milliseconds, + increment")
+    parser.add_argument("--clock", default=TimeControl(0, 2000, 20), type=TimeControl.parse,
+                        help="milliseconds, + increment, behind MOVES/ for so many moves")
     parser.add_argument("--fen", default=START, help="position to start from")
     parser.add_argument("--games", type=int, default=1, help="engines change colours every game")
     parser.add_argument("--ponder", action="store_true", help="let the engines ponder")
@@ -183,6 +183,8 @@ def parse_arguments(arguments):
     parser.add_argument("--margin", type=float, default=200,
                         help="milliseconds a clock may be overdrawn (a busy machine's delays)")
     parser.add_argument("--referee", help="engine that lists legal moves, for a cross-check")
+    parser.add_argument("--settings", default=None,
+                        help="contents of both engines' config.txt, as in MoveOverhead=50")
     parser.add_argument("--option", action="append", default=[], metavar="NAME=VALUE",
                         help="UCI option for both engines")
     return parser.parse_args(arguments)
@@ -193,14 +195,13 @@ def play_one(options, number, referee):
     commands = [("white", options.white), ("black", options.black)]
     if number % 2:
         commands = [("white", options.black), ("black", options.white)]
-    clock, _, increment = options.clock.partition("+")
     engines = []
     try:
         for name, command in commands:
-            engines.append(UciEngine(f"{name} ({command.split()[0]})", command))
+            engines.append(UciEngine(f"{name} ({command.split()[0]})", command, options.settings))
         for engine in engines:
             engine.start([f"Ponder={'true' if options.ponder else 'false'}", *options.option])
-        players = [Player(engine, float(clock), int(increment or 0)) for engine in engines]
+        players = [Player(engine, options.clock) for engine in engines]
         game = Game(players, options, referee)
         result, reason = game.play()
         for engine in engines:
@@ -212,7 +213,7 @@ def play_one(options, number, referee):
     finally:
         for engine in engines:
             engine.close()
-    left = ", ".join(f"{player.remaining / 1000:.1f} s" for player in players)
+    left = ", ".join(f"{player.clock.left / 1000:.1f} s" for player in players)
     print(f"game {number + 1}: {result} by {reason} after {len(game.moves)} plies, left {left}")
     print(" ".join(game.moves))
 

@@ -2,7 +2,7 @@
 
 import dataclasses
 
-COLUMNS = ["protocol", "clock", "ponder", "games", "plies", "99 %", "most", "past clock"]
+COLUMNS = ["protocol", "clock", "ponder", "games", "lost", "plies", "99 %", "most", "past clock"]
 
 
 def share(values, part):
@@ -15,6 +15,7 @@ class Control:
     """Games under one protocol and clock. Times are milliseconds."""
 
     games: int = 0
+    lost: int = 0  # games in which a clock ran out by more than the margin
     plies: int = 0
     oversteps: list = dataclasses.field(default_factory=list)  # past the allotted time
     walls: list = dataclasses.field(default_factory=list)  # the same by the wall's clock
@@ -31,6 +32,7 @@ class Control:
 
     def merge(self, other):
         self.games += other.games
+        self.lost += other.lost
         self.plies += other.plies
         self.oversteps += other.oversteps
         self.walls += other.walls
@@ -38,7 +40,7 @@ class Control:
         self.past_clock = max(self.past_clock, other.past_clock)
 
     def row(self):
-        return [str(self.games), str(self.plies), f"{share(self.oversteps, 0.99):.1f}",
+        return [str(self.games), str(self.lost), str(self.plies), f"{share(self.oversteps, 0.99):.1f}",
                 f"{share(self.oversteps, 1):.1f}", f"{self.past_clock:.1f}"]
 
 
@@ -46,8 +48,7 @@ def printed_table(controls):
     """Prints a row for every control; the whole of them."""
     whole = Control()
     print(" | ".join(COLUMNS))
-    for (protocol, clock, increment, ponders), control in sorted(controls.items()):
+    for (protocol, clock, ponders), control in sorted(controls.items()):
         whole.merge(control)
-        print(" | ".join([protocol, f"{clock}+{increment}", "on" if ponders else "off",
-                          *control.row()]))
+        print(" | ".join([protocol, str(clock), "on" if ponders else "off", *control.row()]))
     return whole

@@ -1,20 +1,19 @@
 """One game of a soak as its referee sees it: position, moves and clocks."""
 
-import collections
+import dataclasses
 
 import starts  # noqa: F401  (finds the arbiter's folder)
 from rules import Position, find_move
+from time_control import Clock, go_words
 
-Clocks = collections.namedtuple("Clocks", "white own other increment")
 
-
-class TurnClocks(Clocks):
+@dataclasses.dataclass(frozen=True)
+class TurnClocks:
     """Both clocks as the side to move is told them, in milliseconds."""
 
-    def words(self):
-        white, black = (self.own, self.other) if self.white else (self.other, self.own)
-        return (f"wtime {white:.0f} btime {black:.0f} "
-                f"winc {self.increment} binc {self.increment}")
+    own: float
+    other: float
+    words: str  # behind "go"
 
     def limit(self):
         return self.own / 1000
@@ -23,12 +22,13 @@ class TurnClocks(Clocks):
 class Game:
     """One game's position, moves and clocks."""
 
-    def __init__(self, fen, moves, clock, increment):
+    def __init__(self, fen, moves, control):
         self.fen, self.moves = fen, list(moves)
-        self.clock, self.increment = clock, increment
+        self.control = control
         self.position = Position(fen)
         self.keys = [self.position.repetition_key()]
-        self.left = {True: float(clock), False: float(clock)}  # by colour, white is True
+        self.forfeited = False
+        self.sides = {True: Clock(control), False: Clock(control)}  # white is True
         for text in moves:
             self.position = self.position.play(find_move(self.position, text))
             self.keys.append(self.position.repetition_key())
@@ -39,5 +39,10 @@ class Game:
         self.keys.append(self.position.repetition_key())
 
     def clocks(self):
-        white = self.position.white
-        return TurnClocks(white, self.left[white], self.left[not white], self.increment)
+        own, other = self.own_clock(), self.sides[not self.position.white]
+        words = go_words(self.sides[True], self.sides[False], own)
+        return TurnClocks(own.left, other.left, words)
+
+    def own_clock(self):
+        """The clock of the side to move."""
+        return self.sides[self.position.white]

@@ -148,7 +148,7 @@ class UciPlayer(Player):
         self.position = game.position
         first = not self.searched
         turn = Turn(self.engine)
-        self.send("ponderhit" if hit else f"go {clocks.words()}")
+        self.send("ponderhit" if hit else f"go {clocks.words}")
         words = self.read_reply(turn, clocks.limit() + HANG_LIMIT)
         if first and turn.allotted is not None:
             turn.allotted *= 2
@@ -166,7 +166,7 @@ class UciPlayer(Player):
         if self.wanted:
             self.expected = self.wanted
             self.send(self.lines(game, [self.expected]))
-            self.send(f"go ponder {clocks.words()}")
+            self.send(f"go ponder {clocks.words}")
 
     def stop_pondering(self):
         self.position = None
@@ -211,8 +211,9 @@ class XBoardPlayer(Player):
         self.engine.transcript.clear()
         self.after_own = None
         self.ponders, self.expected, self.searched, self.playing = ponders, "", False, False
-        seconds = max(game.clock // 1000, 1)
-        level = f"level 0 0:{seconds:02d} {game.increment / 1000:g}"
+        control = game.control
+        seconds = max(control.time // 1000, 1)
+        level = f"level {control.moves} 0:{seconds:02d} {control.increment / 1000:g}"
         for line in ("new", level, "post", "hard" if ponders else "easy", "computer",
                      "force"):
             self.send(line)

@@ -14,8 +14,9 @@ system itself counts it). An engine that is past its clock by more than --margin
 forfeits. "late" counts moves past their clock and margin by the wall's clock
 alone: the machine's delays, not the engine's; they are no fault.
 
-The margin has to cover one choice of the engine: with an increment and less than
-100 ms left it takes 30 ms for a move, be the clock as short as it likes.
+The engines' settings have MoveOverhead=50, as everyone's should in a match. Without
+it (--overhead 0) they overdraw their clocks by choice: the last move before a time
+control may take all that is left, and a short clock with an increment even more.
 """
 
 import argparse
@@ -33,13 +34,16 @@ from players import Fault, Unjudged, UciPlayer, XBoardPlayer
 from process_figures import open_files, status_kilobytes
 from rules import outcome
 from starts import choose_start, opening_lines
+from time_control import TimeControl
 
-# Milliseconds and increment of both sides.
-CLOCKS = "1000+10,1000+0,500+5,300+0,200+2,100+1,50+5"
+# Of both sides, in milliseconds: the whole game's or MOVES/ for so many moves,
+# and the increment.
+CLOCKS = "1000+10,1000+0,500+5,300+0,200+2,100+1,50+5,10/500+0,20/1000+50,300+300"
+PONDERS = {"turns": [False, True], "on": [True], "off": [False]}  # of four games each
 KINDS = {"uci": [UciPlayer], "xboard": [XBoardPlayer], "both": [UciPlayer, XBoardPlayer]}
 
 # Small tables are full after a few games; what grows then is lost memory.
-SETTINGS = "TTHashSize=2 PawnHashSize=1 EvalHashSize=2 LoggingMode=1 "
+SETTINGS = "TTHashSize=2 PawnHashSize=1 EvalHashSize=2 LoggingMode=1"
 
 FAULTS = ["illegal", "forfeits", "crashes", "hangs", "stray", "memory", "exits"]
 
@@ -87,11 +91,12 @@ class Soak:
         self.counts = collections.Counter()
         self.reasons = collections.Counter()
         self.controls = collections.defaultdict(Control)
-        without = SETTINGS + "UseOpeningBook=0\n"
-        book = SETTINGS + f"UseOpeningBook=1 Book={options.book}\n" if options.book else without
+        settings = f"{SETTINGS} MoveOverhead={options.overhead}"
+        without = settings + " UseOpeningBook=0\n"
+        book = settings + f" UseOpeningBook=1 Book={options.book}\n" if options.book else without
         self.pairs = [Pair(kind, options.engine, settings) for settings in (without, book)
                       for kind in KINDS[options.protocol]]
-        self.clocks = [tuple(map(int, clock.split("+"))) for clock in options.clocks.split(",")]
+        self.clocks = [TimeControl.parse(clock) for clock in options.clocks.split(",")]
 
     def report(self, kind, number, text, pair):
         self.counts[kind] += 1
@@ -102,21 +107,22 @@ class Soak:
 
     def judge_time(self, number, game, turn, player):
         """Books a move's time; a forfeit does not end the game."""
-        white = game.position.white
-        left = game.left[white]
+        clock = game.own_clock()
+        left = clock.left
         self.control(player, game).add(turn, left)
         if turn.own > left + self.options.margin:
             self.counts["forfeits"] += 1
+            game.forfeited = True
             print(f"FAULT (forfeits) in game {number}: {player.engine.name} took "
                   f"{turn.own:.1f} ms of {left:.1f}, {turn.wall:.1f} by the wall's clock, "
                   f"{turn.allotted} allotted, after {len(game.moves)} plies", flush=True)
         elif turn.wall > left + self.options.margin:
             self.counts["late"] += 1
-        game.left[white] = max(left - turn.own, 0.0) + game.increment
+        clock.book(turn.own)
 
     def control(self, player, game):
         """The figures of the games under the same protocol and clock."""
-        return self.controls[player.PROTOCOL, game.clock, game.increment, player.ponders]
+        return self.controls[player.PROTOCOL, game.control, player.ponders]
 
     def play_moves(self, number, game, order):
         """Plays to the end: (result, reason)."""
@@ -132,10 +138,10 @@ class Soak:
             mover.after(game, game.clocks())
 
     def play_game(self, number, pair):
-        ponders = number // 4 % 2 == 1
-        clock, increment = self.clocks[number // 8 % len(self.clocks)]
+        turns = PONDERS[self.options.ponder]
+        ponders = turns[number // 4 % len(turns)]
         fen, moves = choose_start(self.random, self.lines, number)
-        game = Game(fen, moves, clock, increment)
+        game = Game(fen, moves, self.clocks[number // 8 % len(self.clocks)])
         order = pair.players if self.random.random() < 0.5 else pair.players[::-1]
         for player in order:
             player.begin(game, ponders)
@@ -147,8 +153,9 @@ class Soak:
             player.finish(game, over[0])
         self.reasons[over[1]] += 1
         self.control(order[0], game).games += 1
+        self.control(order[0], game).lost += game.forfeited
         if self.options.verbose:
-            print(f"game {number}: {order[0].PROTOCOL}, ponder {ponders}, {clock}+{increment}, "
+            print(f"game {number}: {order[0].PROTOCOL}, ponder {ponders}, {game.control}, "
                   f"{over[0]} by {over[1]}, {len(game.moves)} plies, {pair.sizes()}", flush=True)
 
     def check_memory(self, number, pair):
@@ -211,6 +218,10 @@ def parse_arguments(arguments):
     parser.add_argument("--book", default="", help="book file; without it no game uses one")
     parser.add_argument("--protocol", choices=KINDS, default="both")
     parser.add_argument("--clocks", default=CLOCKS, help="of eight games each, by turns")
+    parser.add_argument("--ponder", choices=PONDERS, default="turns",
+                        help="in every game, in none, or in four of eight")
+    parser.add_argument("--overhead", type=int, default=50,
+                        help="MoveOverhead of both engines, milliseconds; 0 for none")
     parser.add_argument("--games", type=int, default=500)
     parser.add_argument("--plies", type=int, default=200, help="a longer game is a draw")
     parser.add_argument("--seed", type=int, default=1)
