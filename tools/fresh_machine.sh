@@ -6,7 +6,7 @@
 #
 #   tools/fresh_machine.sh                    all three
 #   tools/fresh_machine.sh run                both starts of run.sh only
-#   tools/fresh_machine.sh test [STAGE...]    test.sh only, with these stages
+#   tools/fresh_machine.sh test [WORD...]     test.sh only, with these words
 #   tools/fresh_machine.sh shell              a shell there, for looking around
 #
 #   --folder FOLDER   where the machine is made (default: a folder in /var/tmp)
@@ -40,7 +40,7 @@ read_options() {
     case $1 in
       --folder) machine=${2:?--folder needs a folder} && shift ;;
       --keep) keep=yes ;;
-      run | test | shell) action=$1 && shift && stages=("$@") && return ;;
+      run | test | shell) action=$1 && shift && words=("$@") && return ;;
       *) give_up "unknown word: $1 (see the head of $0)" ;;
     esac
     shift
@@ -185,9 +185,11 @@ play_both() {
 }
 
 run_tests() {
-  say "test.sh ${stages[*]:-}"
+  local quoted=
+  [ ${#words[@]} -eq 0 ] || printf -v quoted '%q ' "${words[@]}"
+  say "test.sh $quoted"
   put_clone root || return 1
-  inside root "cd mirvo && ./test.sh ${stages[*]:-}"
+  inside root "cd mirvo && ./test.sh $quoted"
   local status=$?
   say "test.sh: $([ $status -eq 0 ] && echo well || echo FAILED)"
   return $status
@@ -208,15 +210,15 @@ work_inside() {
 if [ "${1:-}" = --inside ]; then
   shift
   machine=$1 kit=$2 server=$3 action=$4
-  stages=("${@:5}")
+  words=("${@:5}")
   work_inside
   exit
 fi
 
 action=everything
-stages=()
+words=()
 read_options "$@"
 prepare
 trap tidy_up EXIT
 as_root unshare --mount --propagation private --pid --fork --kill-child \
-  "$here/tools/fresh_machine.sh" --inside "$machine" "$kit" "$server" "$action" "${stages[@]}"
+  "$here/tools/fresh_machine.sh" --inside "$machine" "$kit" "$server" "$action" "${words[@]}"

@@ -32,7 +32,7 @@ VARYING = [
 
 
 def documents(root):
-    return [root / "README.md", *sorted((root / "docs").glob("*.md"))]
+    return [root / "README.md", root / "CONTRIBUTING.md", *sorted((root / "docs").glob("*.md"))]
 
 
 def names_something(root, name):

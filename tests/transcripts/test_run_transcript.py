@@ -116,7 +116,7 @@ class RunnerTest(unittest.TestCase):
     def test_ends_a_program_that_hangs(self):
         start = time.monotonic()
         self.fails("time-limit 0.5\nsend hang\noutput\n|args\n", "did not end in time")
-        self.assertLess(time.monotonic() - start, 10)
+        self.assertLess(time.monotonic() - start, 100)
 
     def test_ends_a_wait_for_a_line_that_does_not_come(self):
         self.fails("time-limit 0.5\nexpect ^never$\nsend quit\noutput\n|args\n",

@@ -1,0 +1,1 @@
+"""What tools/run_tests.py is made of."""
