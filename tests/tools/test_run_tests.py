@@ -402,7 +402,8 @@ class Quick(unittest.TestCase):
 
     def test_nothing_changed_still_tries_the_program(self):
         choice = self.choice()
-        self.assertEqual(choice.targets, ["shell/mirvo", "tests/search/signature_test"])
+        self.assertEqual(choice.targets,
+                         ["shell/mirvo", "opening_book", "tests/search/signature_test"])
         self.assertEqual(self.chosen(choice, ("transcript.uci.x", [], ["transcript"]),
                                      ("transcript.runner", [], []),
                                      ("layers.includes_point_downwards", [], []),
@@ -459,7 +460,7 @@ class QuickRun(MadeUpProject):
 
     def test_it_runs_what_was_chosen_until_it_passes(self):
         text = (PROJECT + "add_custom_command(OUTPUT shell/mirvo COMMAND touch shell/mirvo)\n"
-                + "add_custom_target(program ALL DEPENDS shell/mirvo)\n"
+                + "add_custom_target(opening_book ALL DEPENDS shell/mirvo)\n"
                 + "file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/shell)\n"
                 + 'shell(transcript.uci.a "true")\nshell(transcript.uci.b "test ! -e ../broken")\n'
                 + 'shell(soak.c "false")\nshell(docs.names_exist "true")\n')

@@ -13,15 +13,13 @@ import pathlib
 import re
 import subprocess
 
-from testrun import costs
-
 STATE = "build/quick-state.json"
 
 # Folders of the engine, whose unit tests are GoogleTest programs.
 LAYERS = ["shell", "board", "eval", "search", "protocol", "book", "epd"]
 
 # Always built and run.
-PROGRAM = "shell/mirvo"
+PROGRAMS = ["shell/mirvo", "opening_book"]
 SIGNATURE = "tests/search/signature_test"
 ALWAYS = re.compile(r"^(transcript\.(?!runner)|layers\.(includes_point|sources_are))")
 
@@ -45,7 +43,9 @@ BY_FILE = [
 EVERYTHING = re.compile(r"(.*/)?CMakeLists\.txt$|CMakePresets\.json$|cmake/|tests/support/")
 
 UNWANTED_LABELS = {"slow", "game", "process", "speed", "clock"}
-LONGEST = 20.0  # seconds; longer tests are left to the whole run
+# Tests that take longer by their COST property are left to the whole run. What
+# they took here tells more about what else the machine did.
+LONGEST = 20.0  # seconds
 
 
 def list_files(root):
@@ -129,7 +129,7 @@ class Choice:
         layers = layers_of(changed)
         self.pattern = name_pattern(changed, layers)
         self.programs = programs_of(layers, programs)
-        self.targets = [PROGRAM, *self.programs]
+        self.targets = [*PROGRAMS, *self.programs]
         self.folder = pathlib.Path(build)
         self.left_out = []
 
@@ -141,11 +141,10 @@ class Choice:
     def select(self, tests):
         """Names of the tests to be run."""
         chosen = []
-        seconds = costs.known(self.folder, tests)
         for name, test in tests.items():
             if not self.is_wanted(test):
                 continue
-            if test.labels & UNWANTED_LABELS or seconds.get(name, 0) > LONGEST:
+            if test.labels & UNWANTED_LABELS or test.cost > LONGEST:
                 self.left_out.append(name)
             else:
                 chosen.append(name)
