@@ -12,6 +12,7 @@
 #include "board/make_move.h"
 #include "board/notation.h"
 #include "tests/support/board_support.h"
+#include "tests/support/repetitions.h"
 #include "tests/support/slow_board.h"
 
 namespace mirvo {
@@ -100,7 +101,7 @@ void ExpectUnmade(Board& board, Move word) {
 
 TEST(MakeMoveRules, HoldForGeneratedMovesAndWhatTheirWordsMayLeaveOpen) {
   const auto scratch = std::make_unique<Board>();
-  test::PlayRandomGames(41, 12, 60, [&scratch](Board& board) {
+  test::PlayRandomGames(41, test::Repetitions(12, 6), 60, [&scratch](Board& board) {
     for (const Move word : test::AllMoves(board)) {
       const Move words[] = {word, word | unreadBits, word & ~captureFlag, word ^ otherColour,
                             word | static_cast<Move>(unknownKind) << moveKindShift};

@@ -21,6 +21,7 @@
 #include "search/search_hooks.h"
 #include "shell/clock.h"
 #include "shell/config.h"
+#include "tests/support/repetitions.h"
 #include "tests/support/search_support.h"
 
 namespace mirvo {
@@ -272,20 +273,23 @@ class XBoardRandomLines : public testing::Test {
   EngineConfig saved;
 };
 
+// Sessions of each kind.
+constexpr unsigned nSessions = test::Repetitions(10, 3);
+
 TEST_F(XBoardRandomLines, SensibleOnesAtEveryPoll) {
-  for (unsigned seed = 1; seed <= 10; ++seed) RandomSession(seed, 600, true, 1).Run();
+  for (unsigned seed = 1; seed < 1 + nSessions; ++seed) RandomSession(seed, 600, true, 1).Run();
 }
 
 TEST_F(XBoardRandomLines, SensibleOnesNowAndThen) {
-  for (unsigned seed = 11; seed <= 20; ++seed) RandomSession(seed, 300, true, 40).Run();
+  for (unsigned seed = 11; seed < 11 + nSessions; ++seed) RandomSession(seed, 300, true, 40).Run();
 }
 
 TEST_F(XBoardRandomLines, AnythingAtEveryPoll) {
-  for (unsigned seed = 21; seed <= 30; ++seed) RandomSession(seed, 600, false, 1).Run();
+  for (unsigned seed = 21; seed < 21 + nSessions; ++seed) RandomSession(seed, 600, false, 1).Run();
 }
 
 TEST_F(XBoardRandomLines, AnythingNowAndThen) {
-  for (unsigned seed = 31; seed <= 40; ++seed) RandomSession(seed, 300, false, 40).Run();
+  for (unsigned seed = 31; seed < 31 + nSessions; ++seed) RandomSession(seed, 300, false, 40).Run();
 }
 
 }  // namespace
