@@ -1,5 +1,5 @@
-// The reversible-move counter of the game, kept for the record: nothing claims
-// a draw from it.
+// The reversible-move counter of the game, kept for debuggers; nothing reads it,
+// and no draw is claimed from it.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,7 @@ struct GameCounters {
   std::uint8_t hundredReached = 0;   // set when the count becomes exactly 100
 };
 
-/// Owner: game_counters.cpp. Writers: the root search, the XBoard front end.
+/// Owner: game_counters.cpp. Writers: Think, the XBoard front end.
 extern GameCounters gameCounters;
 
 /// Counts one half-move: a reversible one adds 1, any other starts again at 0.

@@ -13,8 +13,8 @@ struct PercentText {
   char text[32];
 };
 
-/// A percentage to two places. C libraries spell a quotient that is no number
-/// in different ways; every build of this engine spells it "-nan".
+// A percentage with two decimals. C libraries print a quotient that is not a
+// number in different ways; every build of this engine prints "-nan".
 PercentText FormatPercent(double percent) {
   PercentText result{"-nan"};
   if (!std::isnan(percent)) std::snprintf(result.text, sizeof result.text, "%.2f", percent);

@@ -33,9 +33,9 @@ struct HashTable {
   std::uint32_t stores;
   std::uint32_t size;  // megabytes before allocation, slots afterwards
   HashEntry* entries;
-  void* block;  // memory of the slots and, behind them, the tags
-  std::int32_t lastIndex;
-  std::uint64_t lastKey;
+  void* block;               // memory of the slots and, behind them, the tags
+  std::int32_t lastIndex;    // of the newest probe or store; kept for debuggers, nothing reads it
+  std::uint64_t lastKey;     // likewise
   std::uint64_t reciprocal;  // of `size`, for HashIndex; set by allocation
   std::uint8_t* tags;        // by slot: HashTag of the key that it holds, 0 when empty
   std::size_t nPages;        // large ones of the block; 0 when it is the heap's
@@ -157,8 +157,8 @@ bool HashProbe(HashTable& table, std::uint64_t key, Move& move, std::int32_t& sc
 void HashStore(HashTable& table, std::uint64_t key, Move move, std::int32_t score, HashBound bound,
                std::int32_t depth);
 
-/// The driver's look at the evaluation cache: copies the score field of a slot
-/// that holds `key` and always answers false, so nothing follows from it.
+/// Copies the score field of the evaluation cache's slot if it holds `key`, and
+/// returns false in any case. Kept for drivers of the search; nothing calls it.
 bool HashMoveLookup(std::uint64_t key, std::int32_t& score);
 
 /// "Cache usage:" line of one table.

@@ -27,7 +27,7 @@ constexpr std::int32_t maxIterationDepth = 400;
 
 constexpr std::uint32_t ponderWaitSleep = 20;  // ms between two polls of a ponder wait
 
-/// What the iterations of one search remember.
+// What one search keeps from iteration to iteration.
 struct Iteration {
   PvLine pv{};
   std::uint32_t previousNodes = 0;  // of the iteration before
@@ -43,7 +43,8 @@ bool SameLine(const PvLine& a, const PvLine& b) {
   return a.length == b.length && std::equal(a.moves, a.moves + a.length, b.moves);
 }
 
-// A repeated iteration says nothing new unless its score or line changed.
+// Iterations repeated during a ponder wait are reported only when score or line
+// have changed.
 void Report(const SearchRecord& record, Iteration& iteration, std::int32_t score) {
   const bool changed =
       score != iteration.reportedScore || !SameLine(iteration.pv, iteration.reportedPv);
@@ -78,8 +79,8 @@ void WaitWhilePondering(SearchState& state, Iteration& iteration) {
   if (IsPondering(state)) SleepMilliseconds(ponderWaitSleep);
 }
 
-// A setting of any size gives bounds whose difference and negation still fit
-// in 32 bits.
+// Clamped so that with any value of the setting the bounds' difference and
+// negations fit in 32 bits.
 std::int32_t WindowBound(std::int32_t score, std::int64_t distance) {
   constexpr std::int64_t largest = 1000000000;
   return static_cast<std::int32_t>(std::clamp(score + distance, -largest, largest));
@@ -102,7 +103,7 @@ void Deepen(SearchRecord& record, Iteration& iteration) {
     iteration.completedDepth = depth;
     CountBranching(record, iteration);
 
-    // A mate ends the search, but not the opponent's time to think.
+    // A mate ends the search; while pondering only after the opponent's move.
     if (score >= mateThreshold || score <= -mateThreshold) {
       Report(record, iteration, score);
       if (IsPondering(state)) WaitWhilePondering(state, iteration);
@@ -115,7 +116,7 @@ void Deepen(SearchRecord& record, Iteration& iteration) {
     SavePreviousPv(iteration.pv);
     Report(record, iteration, score);
 
-    // A score outside the window says only on which side: the same depth again.
+    // A score outside the window is only a bound: the same depth again, open.
     if (score >= beta || score <= alpha) {
       alpha = -infiniteScore;
       beta = infiniteScore;
@@ -131,7 +132,7 @@ void Deepen(SearchRecord& record, Iteration& iteration) {
   }
 }
 
-// The expected reply is only worth thinking about when it can be played.
+// The expected reply is handed out only if it can be played.
 Move LegalReply(Board& board, Move best, Move reply) {
   if (best == noMove || reply == noMove) return noMove;
   MakeMove(board, best);
@@ -156,7 +157,7 @@ SearchResult Iterate(SearchRecord& record) {
   record.state = SearchState{};
   record.state.reportStyle = record.limits.reportStyle;
   StopCommanded(record.state);  // a stop may have come before the search
-  ResetHashCounters();          // an evaluation asked for between searches counts too
+  ResetHashCounters();          // evaluations between searches have counted as well
   Iteration iteration;
   Deepen(record, iteration);
   CopyBoard(*record.board, *record.gameBoard);
@@ -169,8 +170,8 @@ SearchResult Iterate(SearchRecord& record) {
   return result;
 }
 
-// Asks the book until its first miss; from then on the game is out of it, and
-// the first move of one's own takes twice the time.
+// Probes the book until its first miss. Then the game is out of the book, and the
+// search for its first move gets twice the time.
 bool AskBook(Board& board, Move& move) {
   if (searchFlags.BookInUse == 0) return false;
   if (ProbeBook(openingBook, board, move)) return true;

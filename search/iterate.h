@@ -5,10 +5,11 @@
 
 namespace mirvo {
 
-/// Searches record.gameBoard within the limits of the settings and flags and
-/// returns the best move and the expected reply (also left in
-/// searchFlags.ponderMove). Clears the stop flag, polls input through the hook
-/// while it runs, prints the iteration reports and the hash report.
+/// Searches record.gameBoard within the record's limits and the time of the
+/// settings and returns the best move and the expected reply (also left in
+/// searchFlags.ponderMove). The caller clears searchFlags.StopSearch before. Polls
+/// input through the hook, prints the iteration reports and the hash report, and
+/// doubles the allotted time of the first search after the book.
 SearchResult Think(SearchRecord& record);
 
 /// Prepares a record for a search of `gameBoard` on search slot 0 with the limits

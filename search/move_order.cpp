@@ -40,7 +40,7 @@ KillerEntry& KillersAt(int ply) { return KillerTable[std::clamp(ply, 0, nKillerP
 void AddKiller(int ply, Move move, std::uint32_t weight) {
   KillerEntry& entry = KillersAt(ply);
   if (SameMove(move, entry.first) || SameMove(move, entry.second)) return;
-  // The killer set longer ago, by weight, gives way.
+  // Replaces the older killer: the one with the smaller weight.
   if (entry.firstWeight < entry.secondWeight) {
     entry.first = move;
     entry.firstWeight = weight;

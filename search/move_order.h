@@ -26,8 +26,8 @@ extern KillerEntry KillerTable[nKillerPlies];
 /// [side to move][from][to]; every entry stays within +-historyLimit.
 extern std::int32_t HistoryTable[nSides][nSquares][nSquares];
 
-/// Line of the last completed iteration; a shorter line leaves the tail of an
-/// older one standing, so `length` only grows.
+/// Line of the last completed iteration. A shorter line overwrites only its own
+/// length of an older one, so `length` only grows.
 extern PvLine previousPv;
 
 /// Most-valuable-victim / least-valuable-attacker score. [victim][attacker]
@@ -38,7 +38,7 @@ KillerEntry& KillersAt(int ply);
 
 void AddKiller(int ply, Move move, std::uint32_t weight);
 void AddHistoryBonus(Move move, int depth, int side);
-/// For each of the tried moves but `best`.
+/// For each of the tried moves except `best`.
 void AddHistoryMalus(const Move* tried, int nTried, Move best, int depth, int side);
 
 void ClearKillers();

@@ -12,7 +12,7 @@ struct PonderStats {
   std::uint32_t misses = 0;
 };
 
-/// Owner: pondering.cpp. Writers: the front ends through the calls below.
+/// Owner: pondering.cpp. Writers: PonderHit; the XBoard front end counts misses.
 extern PonderStats ponderStats;
 
 /// The opponent played the expected move: the running search becomes a timed

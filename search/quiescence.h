@@ -9,7 +9,7 @@
 namespace mirvo {
 
 /// Score of the position in the side to move's view. `qply` counts plies below
-/// the horizon; a mate scores qply - mateScore.
+/// the horizon; being mated scores qply - mateScore.
 std::int32_t Quiesce(SearchState& state, Board& board, std::int32_t alpha, std::int32_t beta,
                      std::int32_t qply);
 

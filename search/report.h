@@ -1,5 +1,5 @@
-// What a running search prints: a line per iteration in the form that suits
-// whoever drives the engine, and now and then the root move it is at.
+// What a running search prints: a line per iteration, in the form of the protocol
+// or for the console, and at times the root move being searched.
 #pragma once
 
 #include <cstdint>
@@ -14,8 +14,9 @@ namespace mirvo {
 /// `score` is in centipawns, in the view of the side to move at the root.
 void ReportIteration(const SearchRecord& record, const PvLine& pv, std::int32_t score);
 
-/// Prints the line's moves, each followed by a blank; the expected reply in
-/// parentheses first while pondering.
+/// Prints the line's moves, each followed by a blank; while pondering the expected
+/// reply comes first in parentheses. Kept as a printer of lines for debugging;
+/// the reports put their lines together whole.
 void PrintPV(const PvLine& pv, bool san);
 
 /// Prints the root move about to be searched, at most once a second: under UCI

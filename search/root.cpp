@@ -11,15 +11,13 @@
 #include "search/reductions.h"
 #include "search/report.h"
 #include "search/search.h"
-#include "search/search_move.h"
 #include "search/search_stats.h"
 #include "shell/config.h"
 
 namespace mirvo {
 namespace {
 
-constexpr int firstReducedMove = 6;  // picker's running number, from 0
-constexpr int minReducedDepth = 3;
+constexpr int firstReducedMove = 6;  // counts every move of the picker, from 0
 
 std::int32_t ExtensionLimit(std::int32_t depth) {
   const float limit =

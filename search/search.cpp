@@ -16,7 +16,6 @@
 #include "search/move_picker.h"
 #include "search/quiescence.h"
 #include "search/reductions.h"
-#include "search/search_move.h"
 #include "search/search_stats.h"
 #include "search/static_exchange.h"
 #include "search/try_move.h"
@@ -27,13 +26,11 @@ namespace {
 constexpr std::int32_t pruningMargin = 400;  // centipawns, razoring and futility
 constexpr std::int32_t captureMargin = 100;  // centipawns, futility of captures
 
-// Children of at most this depth are searched in so short a time that the slot
-// of the move after the next one is prefetched as well.
+// Children of at most this depth are searched so fast that the slot for the next
+// move in line is prefetched as well.
 constexpr std::int32_t shallowDepth = 2;
 
-// Late-move reductions: the least depth of a node, and the number of its first
-// move that may be reduced.
-constexpr std::int32_t minReducedDepth = 3;
+// Late-move reductions: the first move of a node that may be reduced.
 constexpr std::int32_t firstReducedMove = 4;
 constexpr std::int32_t firstReducedPvMove = 6;
 

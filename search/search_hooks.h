@@ -1,5 +1,5 @@
-// What the search asks of the layers above it, as plain function pointers that
-// start-up fills in. A null pointer means there is nothing to ask.
+// Calls from the search into the layers above it, as function pointers that
+// start-up fills in. A null pointer means that there is nothing to call.
 #pragma once
 
 namespace mirvo {

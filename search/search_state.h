@@ -18,8 +18,8 @@ inline constexpr std::int32_t mateThreshold = 31000;
 
 inline constexpr int pvCapacity = 100;
 
-/// A line of moves, best move first. Only the first `length` moves are set in a
-/// line that was not made empty as a whole ("{}"): every node has one.
+/// A line of moves, best move first. Moves from index `length` on have no value
+/// unless the line was value-initialised ("{}"), which nodes leave out for speed.
 struct PvLine {
   std::int32_t length = 0;
   Move moves[pvCapacity];
@@ -59,18 +59,18 @@ enum class StopCause : std::uint8_t {
 /// depth also at the start of each iteration.
 struct SearchState {
   StopCause stopCause = StopCause::none;
-  ReportStyle reportStyle = ReportStyle::protocol;  // of the record's limits
-  std::uint32_t nodeCount = 0;                      // moves searched, all kinds
-  std::int32_t selectiveDepth = 0;                  // largest quiescence ply entered
-  std::int32_t extensions = 0;                      // on the current path
+  std::uint32_t nodeCount = 0;      // moves searched, all kinds
+  std::int32_t selectiveDepth = 0;  // largest quiescence ply entered
+  std::int32_t extensions = 0;      // on the current path
   std::int32_t extensionLimit = 0;
   std::int32_t iterationDepth = 0;  // of the running iteration
   std::uint32_t clockPolls = 0;     // node entries since the clock was read
   std::uint32_t nextInputPoll = 0;  // node count at which input is polled next
   std::uint32_t movesAtLook = 0;    // node count at the last look while memory was missing
+  ReportStyle reportStyle = ReportStyle::protocol;
 };
 
-/// One search, owned by the caller.
+/// One search, owned by its caller: made by PrepareSearch, used by Think.
 struct SearchRecord {
   Board* gameBoard;  // the position to search; left as it is
   Board* board;      // the search's own copy (a board of BoardPool), left as it began

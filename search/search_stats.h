@@ -5,7 +5,7 @@
 
 namespace mirvo {
 
-/// Process-wide; reset only by ResetSearchStats.
+/// Process-wide sums over all searches; nothing resets them.
 struct SearchStats {
   std::int32_t nNodes = 0;    // moves searched by the main and root search
   std::int32_t nQSNodes = 0;  // moves searched by the quiescence search

@@ -15,7 +15,7 @@ namespace mirvo {
 inline constexpr std::int32_t exchangeValue[nKinds] = {pawnValue, knightValue, bishopValue,
                                                        rookValue, queenValue,  20000};
 
-/// Kind of the piece that `move` captures; pawn when its target is empty (en
+/// Kind of the piece that `move` captures: a pawn when its target is empty (en
 /// passant).
 int CaptureVictim(const Board& board, Move move);
 
@@ -28,11 +28,11 @@ std::int32_t StaticExchange(const Board& board, Move move, int victim);
 /// valuable attacker.
 inline std::int32_t CaptureScore(Move move, int victim) { return MvvLva[victim][MovingKind(move)]; }
 
-/// What a capture, its victim noted in the word, loses: its exchange value if
-/// that is negative, else 0. A capture that loses has it for an ordering score.
+/// The exchange value of a capture if it is negative, else 0: the ordering score
+/// of a capture that loses material. The word must name the victim.
 inline std::int32_t ExchangeLoss(const Board& board, Move move) {
   const int victim = CapturedKind(move);
-  // Nothing is lost where the first recapture wins no more than was taken.
+  // Nothing is lost when the recapture wins no more than the capture took.
   if (exchangeValue[MovingKind(move)] <= exchangeValue[victim]) return 0;
   const std::int32_t exchange = StaticExchange(board, move, victim);
   return exchange < 0 ? exchange : 0;

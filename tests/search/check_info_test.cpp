@@ -16,7 +16,7 @@ struct Counts {
   int checks = 0;
 };
 
-/// Asks about every generated move and compares with what making it shows.
+/// Compares the answers for every generated move with making it.
 void CompareWithMaking(Board& board, Counts& counts) {
   const std::vector<Move> moves = test::AllMoves(board);
   const CheckInfo checkInfo(board, InCheck(board, board.sideToMove));
@@ -63,7 +63,7 @@ struct LegalityCase {
 
 class CheckInfoOfMove : public testing::TestWithParam<LegalityCase> {};
 
-TEST_P(CheckInfoOfMove, IsTold) {
+TEST_P(CheckInfoOfMove, IsKnown) {
   const LegalityCase& c = GetParam();
   Board board = test::BoardFrom(c.fen);
   const Move move = test::FindMove(board, c.move);
@@ -115,7 +115,7 @@ TEST(CheckInfo, KnowsNothingUnlessEachSideHasOneKing) {
   }
 }
 
-// Then any move may leave that king attacked.
+// There any move may leave that king attacked.
 TEST(CheckInfo, KnowsNothingWhereTheEnemyKingCouldBeTaken) {
   for (const char* fen :
        {"4k3/8/8/8/8/8/8/K3R3 w -", "4k3/8/8/8/B7/8/8/K7 w -", "4k3/3P4/8/8/8/8/8/K7 w -",

@@ -109,7 +109,7 @@ TEST_F(Thinking, AStartDepthPastTheLastDepthSearchesNothing) {
   const SearchResult result = Run(middleGame, 4);
   EXPECT_EQ(nodes, 0U);
   EXPECT_EQ(CountLines("seldepth"), 0);
-  // The first legal capture answers for it.
+  // The first legal capture is the result.
   EXPECT_EQ(result.best, FirstLegalMove(board));
   EXPECT_NE(result.best, noMove);
 }
@@ -215,7 +215,7 @@ TEST_F(Thinking, AStopAtAnyPollLeavesALegalMove) {
   }
 }
 
-TEST_F(Thinking, StoppedBeforeAnyMoveTheFirstLegalMoveAnswers) {
+TEST_F(Thinking, StoppedBeforeAnyMoveItPlaysTheFirstLegalMove) {
   searchHooks.pollInput = [] { searchFlags.StopSearch = 1; };
   const SearchResult result = Run(middleGame, 40);
   EXPECT_EQ(result.best, FirstLegalMove(board));
@@ -232,14 +232,14 @@ TEST_F(Thinking, WithoutABookTheTimeDoublesOnce) {
   EXPECT_EQ(engineConfig.FixedTimePerMove, 1400);
 }
 
-TEST_F(Thinking, PonderingHoldsTheLastDepthUntilTheHit) {
+TEST_F(Thinking, PonderingRepeatsTheLastDepthUntilTheHit) {
   searchFlags.pondering = 1;
   searchHooks.pollInput = [] {
     if (++nPolls > 400) searchFlags.pondering = 0;
   };
   Run("8/8/8/3k4/8/8/3P4/3K4 w -", 2);
   EXPECT_GT(nPolls, 400);
-  // The repeated depth is reported once as long as it says the same.
+  // A repeated depth is reported only once while score and line stay.
   EXPECT_LE(CountLines("info depth 2 seldepth"), 2);
 }
 
@@ -249,7 +249,7 @@ TEST_F(Thinking, ARepeatedDepthThatSaysSomethingNewIsReportedAgain) {
   heldBoard = &board;
   searchFlags.pondering = 1;
   searchHooks.pollInput = [] {
-    // Behind the first report the position is another one.
+    // After the first report the position is exchanged for another one.
     if (++nPolls == 10) test::SetPosition(*heldBoard, "8/8/8/3k4/8/8/3Q4/3K4 w -");
     if (nPolls > 40) searchFlags.StopSearch = 1;
   };
@@ -274,8 +274,8 @@ TEST_F(Thinking, PonderingOnAMateWaitsForTheHit) {
   EXPECT_EQ(CountLines("score cp 32768"), 1);
 }
 
-// Whoever wants no polling may end the search from elsewhere: here, the clock.
-TEST_F(Thinking, AHeldSearchPollsNeitherWithoutAHookNorWhenToldNotTo) {
+// Without polling the ponder wait can end by other means: here by the clock.
+TEST_F(Thinking, APonderWaitPollsNeitherWithoutAHookNorWithPollingOff) {
   SetTickSource([]() -> std::uint32_t {
     if (++nTicks > 200) searchFlags.pondering = 0;
     return 1;

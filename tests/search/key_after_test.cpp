@@ -13,10 +13,10 @@ namespace mirvo {
 namespace {
 
 // Positions without castling rights, en passant, promotions and double steps:
-// every move's key is told exactly.
+// the key after every move is exact.
 class PlainMoves : public testing::TestWithParam<const char*> {};
 
-TEST_P(PlainMoves, HaveTheKeyThatWasTold) {
+TEST_P(PlainMoves, HaveTheKeyThatWasComputed) {
   test::ColdStart();
   Board board;
   test::SetPosition(board, GetParam());

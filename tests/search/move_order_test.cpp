@@ -33,7 +33,7 @@ TEST(MvvLvaTable, FollowsVictimsAndAttackers) {
 }
 
 TEST_F(MoveOrder, TheFirstKillerGoesToTheSecondSlot) {
-  AddKiller(5, kingPawn, 10);  // equal weights of 0: the second one gives way
+  AddKiller(5, kingPawn, 10);  // equal weights of 0: the second one is replaced
   EXPECT_EQ(KillerTable[5].second, kingPawn);
   EXPECT_EQ(KillerTable[5].secondWeight, 10U);
   EXPECT_EQ(KillerTable[5].first, noMove);

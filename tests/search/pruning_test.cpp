@@ -1,6 +1,6 @@
-// What the main search leaves out, shortens and lengthens, seen from outside:
-// by the depths that its children left in the transposition table and by the
-// number of horizon nodes it entered.
+// What the main search prunes, reduces and extends, observed from outside: by
+// the depths that its children stored in the transposition table and by the
+// number of horizon nodes that it entered.
 #include <gtest/gtest.h>
 
 #include "board/keys.h"
@@ -50,7 +50,7 @@ class Pruning : public testing::Test {
 
   Move MoveOf(const char* text) const { return MoveFromCoordinates(text, board, board.sideToMove); }
 
-  /// Leaves a move to begin with in the table, at a depth that decides nothing.
+  /// Stores a hash move for the position, at a depth too small to decide anything.
   void SuggestMove(const char* text) {
     HashStore(TranspositionTable, board.positionKey, MoveOf(text), 0, noBound, 0);
   }
@@ -184,7 +184,7 @@ TEST_F(Pruning, RazoringLooksThroughTheNegatedWindow) {
   EXPECT_EQ(state.nodeCount, 0U);
   EvalRecord record;
   EXPECT_EQ(score, Evaluate(record, board, white));
-  // A capture that brings alpha forbids it: the node is searched on.
+  // A capture that reaches alpha rules it out: the node is searched further.
   EXPECT_GT(RunCold(position, 0, 1, 2), 0);
   EXPECT_EQ(Slot().key, board.positionKey);
 }
@@ -266,7 +266,7 @@ INSTANTIATE_TEST_SUITE_P(
         FutilityCase{"inCheck", "k6r/8/8/8/8/8/5N2/5N1K w -", nullptr, 4, 4}),
     [](const auto& instance) { return instance.param.name; });
 
-TEST_F(Pruning, WithEveryMoveLeftOutTheNodeScoresAlpha) {
+TEST_F(Pruning, WithEveryMovePrunedTheNodeScoresAlpha) {
   // White's only legal moves take a pawn each.
   EXPECT_EQ(RunCold("8/8/8/8/8/1p4b1/2p2k2/N6K w -", farAway, farAway + 1, 1), farAway);
   EXPECT_EQ(state.nodeCount, 2U);
@@ -291,7 +291,7 @@ TEST_F(Pruning, FutilityBeginsAboveItsMargin) {
   EXPECT_EQ(state.clockPolls, 6U);
 }
 
-// Internal iterative deepening. Searching the halved depth oneself before
+// Internal iterative deepening. Searching with half the depth first, by hand,
 // takes exactly as many nodes.
 
 constexpr char middleGame[] = "r4rk1/1pp1qppp/p1np1n2/2b1p1B1/2B1P1b1/P1NP1N2/1PP1QPPP/R4RK1 w -";

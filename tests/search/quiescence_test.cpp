@@ -152,7 +152,7 @@ TEST_F(Quiescence, APromotingCaptureIsTriedHoweverFarAlphaIs) {
   }
 }
 
-TEST_F(Quiescence, CapturesThatAreLeftOutCountWhenTheyAreLegal) {
+TEST_F(Quiescence, PrunedCapturesCountWhenTheyAreLegal) {
   // White can take a pawn each time; the pinned knight may not.
   const char* const illegal = "4r1k1/8/8/8/5p2/8/4N3/4K3 w -";
   EXPECT_EQ(Run(illegal, 4000, 4001), 0);
@@ -166,9 +166,9 @@ TEST_F(Quiescence, CapturesThatAreLeftOutCountWhenTheyAreLegal) {
   EXPECT_EQ(Run("4k3/8/2p5/3p4/8/8/8/3RK3 w -", eval, eval + 1), eval);
 }
 
-// Every capture is left out so far above the static score: the answer tells
+// So far above the static score every capture is pruned: the result shows
 // whether one of them is legal.
-TEST_F(Quiescence, OfCapturesLeftOutOneLegalOneKeepsTheStaticScore) {
+TEST_F(Quiescence, OneLegalOneOfThePrunedCapturesKeepsTheStaticScore) {
   struct Case {
     const char* position;
     bool legal;
@@ -178,11 +178,11 @@ TEST_F(Quiescence, OfCapturesLeftOutOneLegalOneKeepsTheStaticScore) {
            {"4r2k/8/8/8/8/8/4p3/4K3 w -", false},   // which a rook defends
            {"4k3/4P3/8/8/8/8/8/4R2K b -", false},
            {"7k/8/8/b7/8/1p6/3N4/4K3 w -", false},    // pinned on a diagonal
-           {"7k/8/8/b7/1N6/3p4/8/4K3 w -", false},    // and farther from the king
+           {"7k/8/8/b7/1N6/3p4/8/4K3 w -", false},    // the same farther from the king
            {"7k/p7/8/8/n7/8/1N6/4K3 w -", true},      // on no line with it
-           {"7k/8/8/8/1p6/3N4/8/3K4 w -", true},      // on a line that nobody uses
+           {"7k/8/8/8/1p6/3N4/8/3K4 w -", true},      // on a line without an attacker
            {"4r2k/8/8/8/8/8/4R3/4K3 w -", true},      // takes what pins it
-           {"r3r2k/8/8/n7/8/1N6/4Q3/4K3 w -", true},  // two takers, neither held back
+           {"r3r2k/8/8/n7/8/1N6/4Q3/4K3 w -", true},  // two pieces can take, neither is pinned
            {"4r2k/8/8/8/2p5/8/4N2p/4K3 w -", true},   // nothing to take
        }) {
     const std::int32_t eval = StaticScore(c.position);
@@ -201,8 +201,8 @@ TEST_F(Quiescence, EnPassantAloneCountsWhenItIsLegal) {
   for (const Case& c : {
            Case{"7k/8/8/3pP3/8/8/8/4K3 w -", true},
            {"7k/8/8/K2pP2r/8/8/8/8 w -", false},   // both pawns leave the rank
-           {"b6k/8/8/3pP3/8/8/8/7K w -", false},   // the pawn taken screened the king
-           {"3r3k/8/8/3pP3/8/8/8/3K4 w -", true},  // the taker screens it now
+           {"b6k/8/8/3pP3/8/8/8/7K w -", false},   // the pawn taken blocked the bishop
+           {"3r3k/8/8/3pP3/8/8/8/3K4 w -", true},  // the capturing pawn blocks the rook now
            {"8/6bk/8/3pP3/8/8/1K6/8 w -", false},  // a pinned pawn
        }) {
     SetEnPassant(c.position);
@@ -226,7 +226,7 @@ TEST_F(Quiescence, EnPassantIsTakenForAPawn) {
   }
 }
 
-TEST_F(Quiescence, ACaptureLeftOutCountsWhereTheOthersAreIllegal) {
+TEST_F(Quiescence, APrunedCaptureCountsWhereTheOthersAreIllegal) {
   // The knight on e2 is pinned: it may not take the queen, nor the pawn. Whether
   // the other knight may take the pawn makes the difference.
   for (const auto& [position, legal] : {std::pair{"4r1k1/8/8/8/3q1p2/8/4N3/4K3 w -", false},
@@ -238,9 +238,9 @@ TEST_F(Quiescence, ACaptureLeftOutCountsWhereTheOthersAreIllegal) {
   }
 }
 
-TEST_F(Quiescence, WherePiecesShareASquareALeftOutCaptureIsMadeToBeKnown) {
+TEST_F(Quiescence, WherePiecesShareASquareAPrunedCaptureIsMadeToKnowItsLegality) {
   // A white knight and a black pawn on e4. When the other knight takes the pawn,
-  // the two knights cancel out and nothing screens the king any more.
+  // the two knights cancel out and nothing blocks the rook any more.
   const char* const position = "7k/4r3/5N2/8/4N2-p/8/8/4K3 w -";
   ASSERT_NE(StaticScore(position), 0);
   ASSERT_EQ(board.hasOverlaps, 1);
@@ -259,7 +259,7 @@ TEST_F(Quiescence, InCheckALosingCaptureComesAtItsLoss) {
   EXPECT_EQ(HashSlot(EvalHashTable, board.positionKey).key, board.positionKey);
 }
 
-TEST_F(Quiescence, InCheckNoCaptureIsLeftOut) {
+TEST_F(Quiescence, InCheckNoCaptureIsPruned) {
   // The king takes the pawn that gives check, or steps to d1, f1 or f2.
   Run("4r1k1/8/8/8/8/8/3p4/4K3 w -", 5000, 5001);
   EXPECT_EQ(state.nodeCount, 4U);
@@ -292,7 +292,7 @@ TEST_F(Quiescence, InCheckQuietMovesFollowTheirHistory) {
 }
 
 TEST_F(Quiescence, ALosingPromotionCaptureDoesNotEndTheLoop) {
-  // b7xa8 promotes; the exchange alone says nothing of the new queen.
+  // b7xa8 promotes; the exchange value leaves the new queen out.
   const std::string position = "r3k3/1P6/8/8/8/8/8/4K3 w -";
   const std::int32_t eval = StaticScore(position);
   Run(position, eval, eval + 1);
@@ -317,7 +317,7 @@ TEST_F(Quiescence, LeavesTheBoardAsItWas) {
 }
 
 TEST_F(Quiescence, BoardsFullOfQueensEnd) {
-  // The horizon swallows any number of captures without leaving its arrays.
+  // However long the line of captures, no array overflows.
   test::SetPosition(board, "qqqqqqqk/8/8/8/8/8/8/QQQQQQQK w -");
   state = SearchState{};
   Quiesce(state, board, -1, 0, 0);

@@ -32,7 +32,7 @@ Taken TakeAll(ScoredMoveList& list, std::int32_t minimum) {
   return taken;
 }
 
-/// Places by falling score, the earlier of equals first.
+/// Indices by falling score, the earlier of equals first.
 Taken Sorted(const Scores& scores) {
   std::vector<int> order(scores.size());
   std::iota(order.begin(), order.end(), 0);
@@ -115,7 +115,7 @@ TEST(ScoredMoveList, ListsOfEveryLengthAreSorted) {
   ScoredMoveList list;
   for (const int length : lengths) {
     for (int round = 0; round < 20; ++round) {
-      // An earlier list has left its keys behind the end.
+      // Keys of the list before are still there past the end.
       Fill(list, RandomScores(random, moveListCapacity));
       const Scores scores = RandomScores(random, length);
       Fill(list, scores);
@@ -181,8 +181,8 @@ TEST(ScoredMoveList, AReturnedMoveStandsAmongItsEqualsByIndex) {
   EXPECT_EQ(TakeAll(list, anyScore), (Taken{{0, 7}, {1, 7}, {2, 7}}));
 }
 
-// What the search does: the losses of some moves are found out when their turn
-// comes, those that lose nothing are taken first.
+// As the search uses it: whether a move loses is found out when its turn comes,
+// and moves that lose nothing are taken first.
 TEST(ScoredMoveList, LossesFoundOutLateGiveTheOrderOfLossesKnown) {
   std::mt19937 random(9);
   for (const int length : lengths) {

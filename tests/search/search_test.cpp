@@ -267,7 +267,7 @@ TEST_F(MainSearch, AHopelessNodeNextToTheHorizonFailsLow) {
 }
 
 TEST_F(MainSearch, ANullMoveResultKeepsTheKnownMoveOfTheSlot) {
-  // A queen up, any pass still beats beta.
+  // A queen up, even passing beats beta.
   const std::string position = "4k3/8/8/8/8/8/8/Q3K3 w -";
   test::SetPosition(board, position);
   const Move known = BuildMove(0, 8, white, queen);
@@ -283,8 +283,7 @@ TEST_F(MainSearch, ANullMoveResultKeepsTheKnownMoveOfTheSlot) {
 }
 
 TEST_F(MainSearch, ASideWithPawnsAloneDoesNotPass) {
-  // With an own piece the node is cut by passing; with pawns alone moves are
-  // searched first.
+  // With a piece the null move cuts off; with pawns alone moves are searched.
   Run("4k3/8/8/8/8/8/PPPPPP2/4K3 w -", 0, 1, 4);
   EXPECT_NE(HashSlot(TranspositionTable, board.positionKey).move, noMove);
 }

@@ -8,8 +8,7 @@
 namespace mirvo {
 namespace {
 
-// Whatever is known before and whatever has to be made to be known: both must
-// tell the same as making the move.
+// The answer equals that of making the move, whether CheckInfo knew it or not.
 TEST(TryMove, TellsLegalityAndCheckInRandomGames) {
   int nUnknown = 0;
   test::PlayRandomGames(16, 24, 120, [&nUnknown](Board& board) {
