@@ -70,7 +70,7 @@ Bitboard Ray(int square, Step step, Bitboard blockers) {
   return ray;
 }
 
-// The lowest square of the line through `square`: walks backwards along `step`.
+// The first square of the line through `square`, found by walking against `step`.
 int LineStart(int square, Step step) {
   int rank = RankOf(square);
   int file = FileOf(square);
@@ -170,8 +170,9 @@ void BuildPawnAttacks() {
   }
 }
 
-// Line masks are constant data (occupancy_maps.h); the step stays in the list
-// so that start-up shows the same progress on every build.
+// Nothing to build: file masks are constant data (occupancy_maps.h), and the masks
+// of diagonals are built with the sliding attacks. Kept so that start-up shows as
+// many steps of progress as it always has.
 void BuildMasks() {}
 
 }  // namespace

@@ -18,7 +18,7 @@ extern Bitboard DiagA1H8Attacks[nSquares][nLineStates];
 extern Bitboard DiagA8H1Attacks[nSquares][nLineStates];
 
 // Where the line through a square starts in its occupancy view, how many
-// squares a diagonal has, and the mask of that many bits.
+// squares a diagonal has, and a mask of as many bits.
 extern std::uint8_t RankShift[nSquares];
 extern std::uint8_t FileShift[nSquares];
 extern std::uint8_t DiagA1H8Shift[nSquares];
@@ -33,8 +33,8 @@ extern Bitboard KingAttacks[nSquares];
 /// Squares a pawn of the side on the square attacks. [side][square]
 extern Bitboard PawnAttacks[nSides][nSquares];
 
-/// The four occupancy views that slider lookups read. A board's own views, or
-/// a working copy of them (static exchange, x-ray attacks).
+/// The four occupancy views that slider lookups read: a board's own, or a
+/// working copy from which pieces are removed (static exchange).
 struct OccupancyViews {
   std::uint64_t occupied;
   std::uint64_t rot90;
@@ -66,9 +66,8 @@ inline Bitboard RookAttacks(int square, std::uint64_t occupied, std::uint64_t ro
          FileAttacks[square][(rot90 >> FileShift[square]) & 255];
 }
 
-/// The occupancy of one file as FileAttacks is indexed by it, rank 1 in the
-/// lowest bit: for sets that no rotated view was kept of. The product puts bit
-/// 8r of the file to bit 56 + r.
+/// The index of FileAttacks for one file of a set that has no rotated view; rank
+/// 1 is the lowest bit. The multiplication moves bit 8r of the file to 56 + r.
 constexpr unsigned FileState(Bitboard occupied, int file) {
   return static_cast<unsigned>(((occupied >> file & FileSet(fileA)) * 0x0102040810204080ULL) >> 56);
 }
@@ -99,8 +98,8 @@ using TableBuilder = void (*)();
 
 inline constexpr int nTableBuilders = 13;
 
-/// The thirteen board table builders in start-up order; start-up runs them one
-/// by one and shows progress after each.
+/// The builders of the board's tables, in the order in which start-up runs them.
+/// It shows progress after each.
 extern const TableBuilder boardTableBuilders[nTableBuilders];
 
 /// Runs all of them. Safe to call more than once (tests do).

@@ -18,7 +18,8 @@ inline bool SquareAttacked(const Board& board, int attacker, int square) {
          (RookAttacks(board, square) & (enemy[rook] | enemy[queen])) != 0;
 }
 
-/// The same with the square given as rank and file.
+/// The same with the square given as rank and file. Kept beside it; nothing calls
+/// it.
 inline bool SquareAttacked(const Board& board, int attacker, int rank, int file) {
   return SquareAttacked(board, attacker, SquareAt(rank, file));
 }
@@ -71,8 +72,8 @@ inline Bitboard ExposedOrigins(Board& board, int side) {
   return kings | Blockers(board, square, side ^ 1);
 }
 
-/// After a move: whether the side that has just moved left its king attacked,
-/// which makes the move illegal.
+/// After a move: whether it was illegal because the king of the side that moved
+/// is attacked.
 inline bool MoverLeftInCheck(const Board& board) {
   const int mover = board.sideToMove ^ 1;
   return SquareAttacked(board, board.sideToMove, KingSquare(board, mover));

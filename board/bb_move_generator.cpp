@@ -66,8 +66,8 @@ inline void BBMoveGenerator2::AddPieceMoves(Bitboard targets, Move flags) {
   }
 }
 
-// Pawns that attack no victim are not looked at; of the others each has its
-// captures from the highest target down, en passant last.
+// Only pawns that attack a victim, from the highest down; each from its highest
+// target down, en passant last.
 template <int us>
 void BBMoveGenerator2::AddPawnCaptures() {
   constexpr int them = us ^ 1;
@@ -97,16 +97,16 @@ void BBMoveGenerator2::AddPawnCaptures() {
   }
 }
 
-// From the highest pawn that can step down; its double step follows its step.
+// From the highest pawn down; a double step follows the single step.
 template <int us>
 void BBMoveGenerator2::AddPawnPushes() {
   constexpr Move common = SideBits(us) | KindBits(pawn);
   constexpr int forward = us == white ? 8 : -8;
-  // What a step adds to a move word; a step down takes from it.
+  // What a step adds to a move word; for Black it is negative.
   constexpr Move step = static_cast<Move>(forward) << moveToShift;
   constexpr Move inPlace = 1 | 1 << moveToShift;
   const Bitboard empty = ~board->occupied;
-  // Steps off the board leave no bit behind.
+  // Origins of steps to empty squares. Shifts drop steps off the board.
   const Bitboard free = us == white ? empty >> 8 : empty << 8;
   const Bitboard free2 = us == white ? empty >> 16 : empty << 16;
   const Bitboard doubles = free2 & RelativeRankSet(us, rank2);

@@ -13,15 +13,15 @@ namespace mirvo {
 /// A legal position has at most 218 moves; moves past the end are dropped.
 inline constexpr int moveListCapacity = 256;
 
-/// Most moves one piece adds at a time: the list is checked once a piece, and
-/// what a piece writes past the capacity is cut off afterwards.
+/// Most moves that one piece adds. The list is checked before each piece, so a
+/// piece may write past the capacity; that is cut off at the end.
 inline constexpr int moveListSlack = 32;
 
 class BBMoveGenerator2 final : public MoveGenerator {
  public:
   /// Generates for `mover` on `position`, which must outlive the generator.
   /// `mover` may be the side not to move.
-  // cppcheck-suppress uninitMemberVar ; only entries below `count` are ever read.
+  // cppcheck-suppress uninitMemberVar ; only entries that were written are read.
   BBMoveGenerator2(Board& position, int mover)
       : count(0), side(mover), opponent(mover ^ 1), board(&position), next(moves) {}
 
@@ -30,7 +30,9 @@ class BBMoveGenerator2 final : public MoveGenerator {
   void GenerateNonCaptures() override;
   void GenerateCaptures() override;
 
-  Move moves[moveListCapacity + moveListSlack];  // entries 0..count-1 are valid
+  /// Entries 0..count-1 are the list. A caller may lower `count`; what it cut off
+  /// stays behind it until the next pass.
+  Move moves[moveListCapacity + moveListSlack];
   std::int32_t count;
   std::int32_t side;
   std::int32_t opponent;

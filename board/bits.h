@@ -1,7 +1,8 @@
-// Bit scanning and counting on sets of squares, and the two 16-bit lookup
-// tables for them. The tables are built once at start-up and never change.
+// Finding and counting the members of sets of squares. The tables are built once
+// at start-up and never change.
 #pragma once
 
+#include <bit>
 #include <cstdint>
 
 #include "board/coding.h"
@@ -9,6 +10,9 @@
 namespace mirvo {
 
 inline constexpr int nChunks16 = 65536;
+
+// The four tables are kept among those that start-up builds; nothing reads them,
+// since HighestSquare, PopCount and Bit are faster.
 
 /// Number of set bits of each 16-bit value.
 extern std::uint8_t PopCount16[nChunks16];
@@ -26,7 +30,8 @@ void BuildPopCount16();
 void BuildSquareBit();
 void BuildSquareClear();
 
-/// Index of the highest member; `set` must not be empty.
+/// Index of the highest member; `set` must not be empty. Not std::countl_zero,
+/// which tests for the empty set first: 3 % of perft's instructions.
 inline int HighestSquare(Bitboard set) { return 63 ^ __builtin_clzll(set); }
 
 /// Removes the highest member of a non-empty set and returns its index. Sets
@@ -37,11 +42,11 @@ inline int PopHighest(Bitboard& set) {
   return square;
 }
 
-/// For a function that counts many bits: a build for any x86-64 compiles it
-/// twice, with everything it calls built in, and takes the version with the
-/// processor's own instruction (which the compiler sees in PopCount's lines)
-/// where the program finds one at its start. Nothing where the build may count
-/// so anyhow, nor where such a choice is not to be had.
+/// Marks a function that counts many bits. A build for any x86-64 processor
+/// compiles it twice, with and without the bit-count instruction, inlines what
+/// it calls, and chooses when the program starts. (GCC recognises the count in
+/// PopCount's lines.) Empty where the build may use the instruction anyway, and
+/// where compiler or system cannot choose.
 #if defined(__x86_64__) && defined(__GLIBC__) && defined(__OPTIMIZE__) && !defined(__clang__) && \
     !defined(__POPCNT__) && !defined(__SANITIZE_ADDRESS__)
 #define MIRVO_COUNTS_BITS [[gnu::flatten, gnu::target_clones("default", "popcnt")]]
@@ -49,10 +54,10 @@ inline int PopHighest(Bitboard& set) {
 #define MIRVO_COUNTS_BITS
 #endif
 
-/// Number of members. Uses the processor's instruction where the build may.
+/// Number of members.
 inline int PopCount(Bitboard set) {
 #ifdef __POPCNT__
-  return __builtin_popcountll(set);
+  return std::popcount(set);
 #else
   set -= (set >> 1) & 0x5555555555555555ULL;
   set = (set & 0x3333333333333333ULL) + ((set >> 2) & 0x3333333333333333ULL);

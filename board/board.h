@@ -23,8 +23,8 @@ struct CastlingFlags {
 };
 static_assert(sizeof(CastlingFlags) == 8);
 
-/// The part of a position that UnmakeMove puts back as it was instead of
-/// computing it: one line of the processor's cache, copied whole.
+/// The part of a position that UnmakeMove restores from its record instead of
+/// computing it: one cache line, copied whole.
 struct alignas(64) PositionState {
   // The four views of all pieces, in the order of RotatedBits.
   std::uint64_t occupied;
@@ -37,9 +37,10 @@ struct alignas(64) PositionState {
   std::uint8_t epRank;  // square just skipped by a double step, 255 = none
   std::uint8_t epFile;
   std::uint8_t epColour;  // side whose pawn made the double step
-  /// 1 while the search has a null move on the board.
+  /// 1 while the search has a null move on the board. Kept as part of the
+  /// position; nothing reads it.
   std::uint8_t nullMoveMade;
-  std::uint32_t unused;  // fills the line, so that every byte has a value
+  std::uint32_t unused;  // padding with a name, so that every byte has a value
 };
 static_assert(sizeof(PositionState) == 64);
 
@@ -104,7 +105,7 @@ inline constexpr int nBoards = 8;
 extern Board BoardPool[nBoards];
 
 /// Empties the position. Leaves side to move, king squares, en-passant fields,
-/// history index and key alone; the caller sets what it needs.
+/// history index and key alone: callers set them.
 void ClearBoard(Board& board);
 
 /// Sets up the initial position and its key. Leaves the en-passant fields alone.
@@ -134,8 +135,8 @@ std::uint64_t ComputeKey(const Board& board);
 /// The piece keys of all pawns, from scratch. Without the side to move.
 std::uint64_t ComputePawnKey(const Board& board);
 
-/// Makes `destination` an independent copy; derived sets and the keys are
-/// recomputed, the undo records are copied whole.
+/// Makes `destination` an independent copy. Derived sets and keys are
+/// recomputed, undo records copied whole.
 void CopyBoard(Board& destination, const Board& source);
 
 /// Kind of the piece of `side` on `square`, or noPiece. Where several share the

@@ -9,14 +9,13 @@ namespace mirvo {
 /// Width of the buffers for one FEN word, terminator included.
 inline constexpr int fenWordCapacity = 100;
 
-/// Loads placement, side to move and castling rights. Lenient: nothing is
-/// validated, unknown characters shift the file, squares wrap modulo 64. Does
-/// not touch the en-passant fields, the key or the key history. Each text may
-/// have leading blanks; its first word (side: first character) counts.
+/// Loads placement, side to move and castling rights. Nothing is validated:
+/// unknown characters shift the file, squares wrap modulo 64. Does not touch the
+/// en-passant fields, the key or the key history. Each text may have leading
+/// blanks; only its first word is read (of the side, its first character).
 void SetupFromFen(const char* placement, const char* side, const char* castling, Board& board);
 
-/// Step one of the above: puts the pieces of a placement word on a cleared
-/// board, nothing else.
+/// Puts the pieces of a placement word on a cleared board, nothing else.
 void PlacePieces(const char* word, Board& board);
 
 /// Sets all castling flags, then clears those that the word names ("KQkq").

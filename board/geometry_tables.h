@@ -18,7 +18,7 @@ extern std::int32_t ChebyshevDistance[nSquares][nSquares];
 extern Bitboard ManhattanWithin[nSquares][maxBallRadius + 1];
 
 /// All squares on higher (White) or lower (Black) ranks on the square's file
-/// and the files beside it: where enemy pawns could stop this pawn.
+/// and the files beside it: where enemy pawns can block or capture this pawn.
 extern Bitboard FrontSpanWhite[nSquares];
 extern Bitboard FrontSpanBlack[nSquares];
 

@@ -31,9 +31,9 @@ void MakeAnyMove(Board& board, Move move);
 /// Unmakes the move in `undo`; the caller has already popped the record.
 void UnmakeAnyMove(Board& board, const UndoRecord& undo);
 
-/// Whether an en-passant capture is possible now: the square was made by the
-/// move just played (or came with the position and nothing was played yet), is
-/// empty, and the pawn to take stands behind it.
+/// Whether an en-passant capture is possible now: the square is empty, the pawn
+/// to capture stands behind it, and that pawn has just made its double step (or
+/// nothing was played since set-up).
 bool EnPassantAvailable(const Board& board);
 
 /// Passes the turn without a move, for the null-move search. The newest undo
@@ -41,8 +41,8 @@ bool EnPassantAvailable(const Board& board);
 void MakeNullMove(Board& board);
 void UnmakeNullMove(Board& board);
 
-/// Passes the turn: the side and its key change and a stale check answer is
-/// dropped, nothing else.
+/// Gives the turn to the other side, without a move: for null moves, and for a
+/// text move that moves nothing. Keeps the key true and drops the check cache.
 void PassTurn(Board& board);
 
 /// Passes the turn in a game, for a text that names no move: as after any move

@@ -35,7 +35,7 @@ inline constexpr Move fromToMask = 0xFFF;
 /// Fields that identify a move for ordering: from, to, colour and moving kind.
 inline constexpr Move sameMoveMask = 0x39FFF;
 
-/// Promotion flag and kind together, as generator and text readers add them.
+/// Promotion flag and kind.
 constexpr Move PromotionBits(int kind) {
   return promotionFlag | (static_cast<Move>(kind) << movePromotionShift);
 }
@@ -53,8 +53,8 @@ constexpr int PromotionKind(Move move) {
 constexpr bool IsCapture(Move move) { return (move & captureFlag) != 0; }
 constexpr bool IsPromotion(Move move) { return (move & promotionFlag) != 0; }
 
-/// What is the same in two words that name the same move for ordering purposes
-/// (promotion and capture bits are ignored).
+/// The fields by which move ordering compares moves; promotion and capture bits
+/// are ignored.
 constexpr Move Identity(Move move) { return move & sameMoveMask; }
 constexpr bool SameMove(Move a, Move b) { return Identity(a) == Identity(b); }
 

@@ -3,8 +3,9 @@
 
 namespace mirvo {
 
-/// Fills a list with the pseudo-legal moves of one side: castling looks at
-/// attacked squares, every other move is tested by the caller after MakeMove.
+/// Fills a list with the pseudo-legal moves of one side. Castling is only
+/// generated over squares that are not attacked; whether another move leaves the
+/// own king attacked is for the caller to test after MakeMove.
 class MoveGenerator {
  public:
   virtual ~MoveGenerator() = default;

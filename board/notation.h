@@ -11,6 +11,9 @@ namespace mirvo {
 /// Room for any move text, terminator included.
 inline constexpr int moveTextCapacity = 16;
 
+// MoveToText and its modes are kept for the three ways of writing a move; the
+// engine uses MoveToCoordinates and MoveToSan, and nothing calls it.
+
 /// What MoveToText does with its scratch text.
 enum class MoveTextMode { build = 0, copyScratch = 1, coordinates = 2 };
 
@@ -24,10 +27,9 @@ void MoveToCoordinates(Move move, char* text);
 void MoveToText(Move move, char* destination, bool algebraic, MoveTextMode mode, char* scratch);
 
 /// The move word of a coordinate text for `side`: from, to, colour, the kind of
-/// that side's piece on the from-square (unknownKind's bits when there is
-/// none), promotion. Squares are masked to the board. Never sets the capture
-/// flag and never checks that the text is a move. `text` ends with a 0; missing
-/// characters read as square a1's.
+/// that side's piece on the from-square (unknownKind when there is none), and
+/// promotion. Squares are masked to the board; missing characters read as those
+/// of "a1a1". Does not set the capture flag and does not check the move.
 Move MoveFromCoordinates(const char* text, const Board& board, int side);
 
 /// Whether the text begins with two squares: [a-h][1-8][a-h][1-8].

@@ -17,7 +17,7 @@ extern const std::array<std::int32_t, nSquares> DiagA1H8Map;
 /// Diagonals in a8-h1 direction, from the a1 corner to the h8 corner, each in
 /// rising rank.
 extern const std::array<std::int32_t, nSquares> DiagA8H1Map;
-/// square ^ 56.
+/// square ^ 56. Kept beside the other maps; nothing reads it (Flip computes it).
 extern const std::array<std::int32_t, nSquares> FlipMap;
 
 /// The bit that a square has in each of the four views of the occupancy, in
@@ -30,7 +30,8 @@ struct alignas(32) RotatedBits {
 };
 extern const std::array<RotatedBits, nSquares> RotatedBitsOf;
 
-/// All squares of a file, and of a file with the files beside it.
+/// All squares of a file, and of a file with the files beside it. Kept beside the
+/// maps; nothing reads them (FileSet and AdjacentFileSet compute them).
 extern const std::array<Bitboard, 8> FileMask;
 extern const std::array<Bitboard, 8> FileSpan3;
 

@@ -20,7 +20,7 @@ std::uint64_t nPerftMoves;
 
 namespace {
 
-// Helper searchers that took part: none, the engine counts alone.
+// Helper searchers that took part. Kept for the "Splits" line; always 0.
 std::int32_t nPerftSplits = 0;
 
 }  // namespace

@@ -12,11 +12,13 @@ inline constexpr int maxPerftDepth = 10;
 
 /// Entry p counts the legal moves found at ply p.
 extern std::uint64_t PerftCounts[maxPerftDepth];
-/// Counts of helper searchers; perft clears them and never fills them.
+/// Counts of helper searchers. Kept for the sum that PerftCountAtDepth falls back
+/// to; the engine has no helpers, so they stay 0.
 extern std::uint64_t PerftSplitCounts[2][maxPerftDepth];
 /// Depth at which the recursion stops.
 extern std::int32_t PerftTargetDepth;
-/// Moves made by perft since the process started, legal or not.
+/// Moves made by perft since the process started, legal or not. Kept for
+/// measurements; the engine does not read it.
 extern std::uint64_t nPerftMoves;
 
 /// Adds the legal moves below `board` to PerftCounts from index `ply` on.

@@ -27,7 +27,7 @@ constexpr Move toRankMask = Move{7} << (moveToShift + 3);
 constexpr Move fromFileMask = Move{7};
 constexpr Move fromRankMask = Move{7} << 3;
 
-/// One algebraic text being read.
+// One algebraic text being read.
 struct SanReader {
   const char* text;
   std::size_t length;
@@ -59,8 +59,8 @@ bool EndsLikeAMove(std::string_view text) {
 
 void Replace(Move& move, Move mask, Move bits) { move = (move & ~mask) | bits; }
 
-// "O-O" is three characters; anything longer reads as long castling, also
-// "O-O+": this reader keeps it so.
+// "O-O" is three characters; any longer text reads as long castling, "O-O+" too:
+// a choice of this reader that is kept.
 void ReadCastling(SanReader& reader, int side) {
   const int file = reader.length == 3 ? fileG : fileC;
   const int to = SquareAt(side == black ? rank8 : rank1, file);
@@ -68,8 +68,8 @@ void ReadCastling(SanReader& reader, int side) {
   reader.done = true;
 }
 
-// The piece letter, then a file or rank that tells two such pieces apart; the
-// short forms ("Nf3", "Nf3+") have no room for one. The rest is destination.
+// The piece letter, then the file or rank that distinguishes two such pieces,
+// which short forms ("Nf3", "Nf3+") do not have. The rest is the destination.
 void ReadPieceLetter(SanReader& reader, int kind) {
   Replace(reader.move, Move{7} << moveKindShift, static_cast<Move>(kind) << moveKindShift);
   ++reader.at;

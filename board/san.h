@@ -1,5 +1,5 @@
-// Short algebraic text: a minimal writer for lines and game records, and a
-// reader that fills only what a text states.
+// Short algebraic notation: a minimal writer for lines and game records, and a
+// reader that sets only the fields that a text names.
 #pragma once
 
 #include <string_view>

@@ -1,5 +1,6 @@
-// The scratch record of one evaluation: the terms read and write it, nothing
-// in it survives to the next evaluation but what a pawn-cache hit leaves.
+// The scratch record of one evaluation, which the terms read and write. Each
+// evaluation resets it, but for the rows of `terms` that it does not reach: after
+// a hit of the pawn cache the row of the pawns is that of an earlier evaluation.
 #pragma once
 
 #include <cstdint>
@@ -21,12 +22,12 @@ enum EvalTerm {
   queensTerm,
   kingsTerm,
   develTerm,
-  nEvalTerms = 9  // one row is spare
+  nEvalTerms = 9  // one row is kept spare; nothing reads it
 };
 
 /// Index of the union of all five kinds in `attacks` (0..4 are the kinds).
 inline constexpr int unionAttacks = 5;
-inline constexpr int nAttackSets = 7;  // one set is spare
+inline constexpr int nAttackSets = 7;  // one set is kept spare; nothing reads it
 
 struct EvalRecord {
   Board* board;       // borrowed

@@ -4,10 +4,10 @@ namespace mirvo {
 
 namespace {
 
-/// A table as it is written below: row 1 is rank 8, files a to h.
+// A table as it is written below: row 1 is rank 8, files a to h.
 using PrintedTable = std::int16_t[nSquares];
 
-/// Black reads the vertical mirror of White's table.
+// Black reads the vertical mirror of White's table.
 constexpr SquareValues Mirrored(const PrintedTable& printed) {
   SquareValues values{};
   for (int square = 0; square < nSquares; ++square) {
@@ -17,7 +17,7 @@ constexpr SquareValues Mirrored(const PrintedTable& printed) {
   return values;
 }
 
-/// Both sides read White's table.
+// Both sides read White's table.
 constexpr SquareValues Shared(const PrintedTable& printed) {
   SquareValues values{};
   for (int square = 0; square < nSquares; ++square) {
@@ -27,7 +27,7 @@ constexpr SquareValues Shared(const PrintedTable& printed) {
   return values;
 }
 
-/// A king that has left the shelter pays twice in the middle game.
+// A king that has left the shelter pays twice in the middle game.
 constexpr SquareValues NegativesDoubled(SquareValues values) {
   for (auto& side : values.of) {
     for (auto& value : side) {

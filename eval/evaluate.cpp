@@ -17,15 +17,15 @@ namespace mirvo {
 
 namespace {
 
-/// Whether the slot answers for `key`; counts the probe.
+// Whether the slot answers for `key`; counts the probe.
 bool CountProbe(HashTable& table, std::uint32_t index, std::uint64_t key) {
   const bool hit = HashHolds(table, index, key);
   ++(hit ? table.hits : table.conflicts);
   return hit;
 }
 
-/// Claims the slot for `key` with a score. False, and nothing stored, for the
-/// key that empty slots have.
+// Stores the score of `key` in its slot. False, and nothing stored, for key 0,
+// which empty slots have.
 bool StoreScore(HashTable& table, std::uint32_t index, std::uint64_t key, std::int32_t score) {
   if (key == 0) return false;
   HashClaim(table, index, key);
@@ -64,8 +64,8 @@ EvalStage StageOf(const EvalRecord& record) {
   return littleLeft ? Endgame : Middlegame;
 }
 
-/// Runs one term for both sides, keeps the results for the report and returns
-/// White's minus Black's.
+// Runs one term for both sides, keeps the results for the report and returns
+// White's minus Black's.
 template <typename Term>
 ScorePair TermDifference(EvalRecord& record, EvalTerm row, Term term) {
   const ScorePair whites = term(record, white);
@@ -75,20 +75,20 @@ ScorePair TermDifference(EvalRecord& record, EvalTerm row, Term term) {
   return whites - blacks;
 }
 
-/// Key of the pawn structure, with the side to move: scores are kept in the
-/// view of one side.
+// Key of the pawn structure, with the side to move: scores are kept in the
+// view of one side.
 std::uint64_t PawnKey(const Board& board) {
   return board.pawnKey ^ (board.sideToMove == white ? SideKey() : 0);
 }
 
-/// A score of White's view in that of the side that asks.
+// A score of White's view in that of the side that asks.
 std::int32_t OwnView(const EvalRecord& record, std::int32_t score) {
   return record.side == white ? score : -score;
 }
 
-/// Pawn structure through its cache. A hit adds the blended score of the
-/// position that stored it to both halves, so it differs slightly from a miss
-/// at another phase; this engine accepts that for the speed.
+// Pawn structure through its cache. A hit adds the score that was blended at the
+// phase of the position that stored it, to both halves; at another phase a miss
+// would give a slightly different score. This engine accepts that for the speed.
 ScorePair PawnStructure(EvalRecord& record, float phase) {
   const std::uint64_t key = PawnKey(*record.board);
   const std::uint32_t index = HashLocate(PawnHashTable, key);
@@ -125,8 +125,8 @@ ScorePair DevelopmentOf(const EvalRecord& record, int side, std::int32_t mgSoFar
   return {EvaluateDevelopment(record, side, given, mgSoFar, minors), 0};
 }
 
-/// What is computed before the pawn cache has answered: sets, material, phase
-/// and stage, and the terms that need nothing else.
+// What is computed before the pawn cache has answered: sets, material, phase
+// and stage, and the terms that need nothing else.
 struct Prologue {
   ScorePair sum;  // White's minus Black's, so far
   float phase;
@@ -149,7 +149,7 @@ MIRVO_COUNTS_BITS Prologue EvaluatePrologue(EvalRecord& record, Board& board, in
   return prologue;
 }
 
-/// The terms that need the pawn structure and those behind them.
+// The terms that need the pawn structure and those behind them.
 ScorePair SumTerms(EvalRecord& record, const Prologue& prologue) {
   ScorePair sum = prologue.sum;
   sum += PawnStructure(record, prologue.phase);

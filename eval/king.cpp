@@ -21,7 +21,7 @@ void BuildKingDangerTable() {
 
 namespace {
 
-/// One king with the sets that most of its amounts look at.
+// One king, with the sets that most of its amounts read.
 template <int side>
 struct KingView {
   explicit KingView(const EvalRecord& evalRecord)
@@ -51,13 +51,13 @@ ScorePair PlaceAmount(const KingView<side>& view) {
   return {KingMiddlegameSquare.of[side][view.square], KingEndgameSquare.of[side][view.square]};
 }
 
-/// Files (as bits of one rank) that hold one of `pawns` on a relative rank.
+// Files, as bits of rank 1, on which one of `pawns` stands on a relative rank.
 template <int side>
 Bitboard FilesOnRank(Bitboard pawns, int relativeRank) {
   return (pawns >> (8 * RelativeRank(side, relativeRank))) & RankSet(rank1);
 }
 
-/// Pawn shelter on the wing a side has castled to; middle game only.
+// Pawn shelter on the wing a side has castled to; middle game only.
 template <int side>
 std::int32_t CastledShelter(const KingView<side>& view) {
   const Bitboard wing = (view.file < fileE ? filesAToC : filesFToH) & RankSet(rank1);
@@ -72,7 +72,7 @@ std::int32_t CastledShelter(const KingView<side>& view) {
   return view.relativeRank > rank2 ? amount / 2 : amount;
 }
 
-/// A side that has not castled: what it has lost and what shelter it keeps.
+// A side that has not castled: its lost castling rights and its pawn shelter.
 template <int side>
 ScorePair UncastledAmount(const KingView<side>& view) {
   constexpr Bitboard wings = ~centreFiles & RankSet(rank1);
@@ -89,8 +89,8 @@ ScorePair UncastledAmount(const KingView<side>& view) {
   return score;
 }
 
-/// Open files at the king: its own and those beside it, without an own pawn;
-/// middle game only.
+// Open files at the king: its own and those beside it, without an own pawn;
+// middle game only.
 template <int side>
 std::int32_t OpenFilesAtKing(const KingView<side>& view) {
   const Bitboard pawns = view.own[pawn];
@@ -101,7 +101,7 @@ std::int32_t OpenFilesAtKing(const KingView<side>& view) {
   return amount;
 }
 
-/// King on the back rank behind its own pawns, and the enemy has a rook or queen.
+// King on the back rank behind its own pawns, and the enemy has a rook or queen.
 template <int side>
 bool HasBackRankWeakness(const KingView<side>& view) {
   if (view.relativeRank != rank1 || (view.enemy[rook] | view.enemy[queen]) == 0) return false;
@@ -109,7 +109,7 @@ bool HasBackRankWeakness(const KingView<side>& view) {
   return (exits & ~view.own[pawn]) == 0;
 }
 
-/// Own against enemy pieces close to the king; pawns and kings do not count.
+// Own against enemy pieces close to the king; pawns and kings do not count.
 template <int side>
 std::int32_t Presence(const KingView<side>& view) {
   const Bitboard near = ManhattanWithin[view.square][presenceRadius];
@@ -118,7 +118,7 @@ std::int32_t Presence(const KingView<side>& view) {
   return zonePresence * (PopCount(near & own) - PopCount(near & enemy));
 }
 
-/// Enemy pawns in the king's quarter of the board; middle game only.
+// Enemy pawns in the king's quarter of the board; middle game only.
 template <int side>
 std::int32_t PawnStorm(const KingView<side>& view) {
   if (view.relativeRank > rank2) return 0;
@@ -127,8 +127,8 @@ std::int32_t PawnStorm(const KingView<side>& view) {
   return pawnStorm * PopCount(view.enemy[pawn] & files & ranks);
 }
 
-/// Danger points by zone squares the enemy has to itself and by the number
-/// and weight of the pieces that bear on the zone.
+// Danger points by the zone squares that only the enemy attacks, and by number
+// and weight of the enemy pieces that attack the zone.
 template <int side>
 std::int32_t Danger(const KingView<side>& view) {
   const EvalRecord& record = view.record;

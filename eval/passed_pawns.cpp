@@ -11,8 +11,8 @@ namespace mirvo {
 
 namespace {
 
-/// Rooks and queens on the pawn's file, each way counted once; what stands
-/// between does not matter.
+// Rooks and queens on the pawn's file, counted once in front and once behind;
+// pieces between do not matter.
 template <int side>
 std::int32_t MajorsOnFile(const Board& board, Bitboard front, Bitboard behind) {
   const Bitboard ownMajors = PiecesOf(board, side)[rook] | PiecesOf(board, side)[queen];
@@ -24,9 +24,9 @@ std::int32_t MajorsOnFile(const Board& board, Bitboard front, Bitboard behind) {
   return amount;
 }
 
-/// Whether the enemy king, alone with its pawns, is too far from the queening
-/// square. The tempo counts against the side to move: a cautious estimate
-/// that this engine keeps.
+// Whether the enemy king, alone with its pawns, is too far from the queening
+// square. The tempo counts against the side to move: a cautious estimate
+// that this engine keeps.
 template <int side>
 bool WinsRace(const EvalRecord& record, int square) {
   if (record.nonPawnMaterial[side ^ 1] != 0) return false;
@@ -37,8 +37,8 @@ bool WinsRace(const EvalRecord& record, int square) {
   return ChebyshevDistance[square][promotion] - ChebyshevDistance[enemyKing][promotion] + tempo < 0;
 }
 
-/// End-game amount for a pawn on the a or h file, which a lone minor piece
-/// can hardly stop and a heavy piece easily holds.
+// End-game amount for a pawn on the a or h file, which a lone minor piece
+// hardly stops and a rook or queen stops easily.
 template <int side>
 std::int32_t RookPawnAmount(const EvalRecord& record) {
   if (record.nonPawnMaterial[side ^ 1] <= rookPawnMaterial) return rookPawnFree;

@@ -11,7 +11,7 @@ namespace mirvo {
 
 namespace {
 
-/// The side's pawn structure seen whole; one per call of the term.
+// The sets that the terms of a side's pawns read.
 template <int side>
 struct PawnView {
   explicit PawnView(const Board& board)
@@ -30,7 +30,7 @@ struct PawnView {
   std::int32_t doubled;  // amount for a doubled pawn before its own circumstances
 };
 
-/// Amount for a pawn with another own pawn ahead of it on its file.
+// Amount for a pawn with another own pawn ahead of it on its file.
 template <int side>
 std::int32_t DoubledAmount(const PawnView<side>& view, int rank, Bitboard front) {
   std::int32_t amount = view.doubled;
@@ -39,8 +39,8 @@ std::int32_t DoubledAmount(const PawnView<side>& view, int rank, Bitboard front)
   return amount;
 }
 
-/// No own pawn beside or behind can ever protect the pawn, and its next step
-/// runs into an enemy pawn's capture. A pawn on its last rank has no step.
+// Whether no own pawn behind it on the files beside can protect the pawn, and an
+// enemy pawn attacks the square before it. A pawn on its last rank has none.
 template <int side>
 bool IsBackward(const PawnView<side>& view, int square, Bitboard adjacent) {
   if ((adjacent & RanksBehind(side, RankOf(square)) & view.own) != 0) return false;

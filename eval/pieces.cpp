@@ -13,17 +13,17 @@ namespace mirvo {
 
 namespace {
 
-/// The inner four squares of the centre count twice.
+// The inner four squares of the centre count twice.
 static_assert(centreSquare == 2 * ringSquare);
 
-/// Ring squares of a set and twice its centre squares, to be multiplied by
-/// `ringSquare`.
+// Ring squares of a set and twice its centre squares, to be multiplied by
+// `ringSquare`.
 std::int32_t CentreCount(Bitboard set) {
   constexpr Bitboard centreBlock = extendedCentreRing | centreSquares;  // c3 to f6
   return PopCount(set & centreBlock) + PopCount(set & centreSquares);
 }
 
-/// What every piece of a side is measured against.
+// The sets that the terms of a side's pieces read.
 template <int side>
 struct PieceView {
   explicit PieceView(const EvalRecord& record)
@@ -48,18 +48,18 @@ struct PieceView {
   const std::int32_t* const enemyKingDistance;  // by square
 };
 
-/// What the pieces of one kind add up to. What is weighted alike for all of them
-/// is mostly summed as a count and multiplied once, in Finish.
+// Sums over the pieces of one kind. What has one weight for all of them is mostly
+// counted, and multiplied once in Finish.
 template <int side, int kind>
 struct KindSums {
-  /// Adds what all kinds share, for one piece that attacks `mobility` directly
-  /// and `xRays` with what it attacks through own pieces.
+  // Adds what all kinds share, for one piece that attacks `mobility` directly
+  // and `xRays` with what it attacks through own pieces.
   void AddCommon(const PieceView<side>& view, int square, Bitboard mobility, Bitboard xRays) {
-    // Seldom any: a branch is cheaper than counting nothing.
+    // Seldom any, so a branch is cheaper than a count.
     if (const Bitboard hits = xRays & view.enemyIsolated; hits != 0) {
       both += isolatedPawnHit * PopCount(hits);
     }
-    // As often as not: counting is cheaper than a branch guessed wrongly.
+    // Some in half of all cases, so a count is cheaper than a mispredicted branch.
     const Bitboard zoneHits = xRays & view.enemyZone;
     both += enemyZoneSquare * PopCount(zoneHits);
     attackers += zoneHits != 0 ? 1 : 0;
@@ -69,7 +69,8 @@ struct KindSums {
     kingDistance += view.enemyKingDistance[square];
   }
 
-  /// Hands the sums over to the record; `pieces` are those of the kind.
+  // Writes the sums to the record and returns the score; `pieces` are those of the
+  // kind.
   ScorePair Finish(const PieceView<side>& view, EvalRecord& record, Bitboard pieces) {
     const int count = PopCount(pieces);
     record.attacks[side][kind] = attacks;
@@ -93,8 +94,8 @@ struct KindSums {
   std::int32_t centreCount = 0;
 };
 
-/// Bishop-like attacks that pass through the own pieces in `transparent`. Only
-/// a piece that is hit can open the line, so most calls return `plain`.
+// Bishop-like x-ray attacks, through the own pieces in `transparent`. Where none
+// of them is attacked they are the `plain` attacks, which is most of the time.
 Bitboard DiagonalXRay(const Board& board, int square, Bitboard plain, Bitboard transparent) {
   if ((plain & transparent) == 0) return plain;
   std::uint64_t diagA1H8 = board.occupiedDiagA1H8;
@@ -107,8 +108,7 @@ Bitboard DiagonalXRay(const Board& board, int square, Bitboard plain, Bitboard t
   return BishopAttacks(square, diagA1H8, diagA8H1);
 }
 
-/// Rook-like attacks that pass through some pieces: the own rooks and queens,
-/// which share one.
+// Rook-like x-ray attacks through the own rooks and queens.
 struct LineXRay {
   LineXRay(const Board& board, Bitboard set) : transparent(set), occupied(board.occupied & ~set) {}
 
@@ -124,10 +124,9 @@ struct LineXRay {
 
 // ------------------------------------------------------------------ knights
 
-/// An outpost counts for more when an own pawn supports it and when no enemy
-/// minor piece can challenge it. Which bishops could is told by the parity of
-/// the square's number: that is the wrong colour on every other rank, a habit
-/// of this engine's play that is kept.
+// An outpost counts for more when an own pawn supports it and when no enemy
+// minor piece can challenge it. The colour of the square is taken from the parity
+// of its number, which is wrong on every other rank: a choice that is kept.
 template <int side>
 std::int32_t OutpostAmount(const PieceView<side>& view, int square) {
   const std::int32_t outpost = KnightOutpost.of[side][square];
@@ -158,7 +157,8 @@ ScorePair KnightsOf(const PieceView<side>& view, EvalRecord& record) {
 
 // ------------------------------------------------------------------ bishops
 
-/// What the number of bishops is worth before any of them is looked at.
+// Amount for the number of bishops: the pair, or a single one and the pawns on
+// squares of its colour.
 template <int side>
 ScorePair BishopCountAmount(const Board& board, Bitboard bishops) {
   const Bitboard others = bishops & (bishops - 1);
@@ -171,8 +171,8 @@ ScorePair BishopCountAmount(const Board& board, Bitboard bishops) {
   return (others & (others - 1)) == 0 ? bishopPair : ScorePair{};
 }
 
-/// A bishop that took the rook pawn and cannot get out: White's on a7 behind
-/// black pawns on b6 and c7, on h7 behind g6 and f7, Black's mirrored.
+// A bishop that took the rook pawn and cannot get out: White's on a7 behind
+// black pawns on b6 and c7, on h7 behind g6 and f7, Black's mirrored.
 template <int side>
 bool IsTrappedBishop(const Board& board, int square) {
   constexpr Bitboard a7 = Bit(RelativeSquare(side, rank7, fileA));
@@ -202,7 +202,7 @@ ScorePair BishopsOf(const PieceView<side>& view, EvalRecord& record) {
     const Bitboard plain = BishopAttacks(view.board, square);
     const Bitboard xRays = DiagonalXRay(view.board, square, plain, transparent) & ~view.own;
     const Bitboard mobility = plain & ~view.own;
-    // No square of a bishop is beside it: what is not ahead is behind.
+    // A bishop attacks no square of its own rank: what is not ahead is behind.
     const int ahead = PopCount(mobility & RanksAhead(side, rank));
     const int behind = PopCount(mobility) - ahead;
     sums.both +=
@@ -216,7 +216,7 @@ ScorePair BishopsOf(const PieceView<side>& view, EvalRecord& record) {
 
 // -------------------------------------------------------------------- rooks
 
-/// Whether the whole file is free of own pawns, or of all pawns.
+// A rook on a file with an own pawn, on a half-open or on an open file.
 template <int side>
 std::int32_t RookFileAmount(const Board& board, int file, std::int32_t nEnemyPawns) {
   const Bitboard squares = FileSet(file);
@@ -225,8 +225,8 @@ std::int32_t RookFileAmount(const Board& board, int file, std::int32_t nEnemyPaw
   return nEnemyPawns + rookOpenFile;
 }
 
-/// Back-rank squares outside a king that went that way without castling; a rook
-/// on one is trapped.
+// Back-rank squares between a king that did not castle and the corner; a rook on
+// one of them is trapped.
 template <int side>
 Bitboard RookCage(const Board& board) {
   constexpr std::uint8_t ab = 0x03;
@@ -237,7 +237,7 @@ Bitboard RookCage(const Board& board) {
   return side == white ? cage : cage << 56;
 }
 
-/// Bonus of a rook on the enemy's second rank; the same for every rook there.
+// Bonus of a rook on the enemy's second rank; the same for every rook there.
 template <int side>
 std::int32_t SeventhRankAmount(const Board& board) {
   std::int32_t amount = 0;
@@ -287,7 +287,7 @@ ScorePair QueensOf(const PieceView<side>& view, const LineXRay& xRay, EvalRecord
         (DiagonalXRay(view.board, square, diagonals, onDiagonals) | xRay.Attacks(square, lines)) &
         ~view.own;
     const Bitboard mobility = (diagonals | lines) & ~view.own;
-    // A queen's mobility counts what stands open behind its own helpers too.
+    // A queen's mobility counts its x-ray attacks too.
     const int count = PopCount(xRays);
     sums.mg += QueenMobilityMg[count];
     sums.eg += QueenMobilityEg[count];

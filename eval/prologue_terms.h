@@ -34,10 +34,10 @@ inline int MinorsAtHome(const Board& board, int side) {
                   RelativeRankSet(side, rank1));
 }
 
-/// The opening stage's whole development value (middle game only): `given`,
-/// the driver's penalty for the minors at home, and the queen and rook terms.
-/// An early queen holds the minors back; rooks belong in a corner until the
-/// king is safe. The running middle-game score is offered but not needed.
+/// Development in the opening stage (middle game only): `given`, the penalty for
+/// the minors at home, and the queen and rook terms. An early queen holds the
+/// minors back; a rook belongs in a corner until the king is safe. The running
+/// middle-game score is kept as a parameter; nothing reads it.
 inline std::int32_t EvaluateDevelopment(const EvalRecord& record, int side, std::int32_t given,
                                         std::int32_t /*mgSoFar*/, int minorsAtHome) {
   constexpr Bitboard cornerFiles = FileSet(fileA) | FileSet(fileH);
@@ -51,7 +51,7 @@ inline std::int32_t EvaluateDevelopment(const EvalRecord& record, int side, std:
 
 // ----------------------------------- amounts that the term report has no row for
 
-/// Minor pieces in front of unmoved d and e pawns; middle game only.
+/// Penalty for minor pieces in front of unmoved d and e pawns; middle game only.
 inline std::int32_t EvaluateCentreBlockade(const EvalRecord& record, int side) {
   const Bitboard* own = PiecesOf(*record.board, side);
   const Bitboard minors = own[knight] | own[bishop];
@@ -60,7 +60,8 @@ inline std::int32_t EvaluateCentreBlockade(const EvalRecord& record, int side) {
   return centreBlockade * PopCount(unmoved & belowMinors);
 }
 
-/// Long-range pieces while there are pawns on the wings; end game only.
+/// Bonus for bishops, rooks and queens while there are pawns on the wings; end
+/// game only.
 inline std::int32_t EvaluateWingPawns(const EvalRecord& record, int side) {
   const Board& board = *record.board;
   const Bitboard pawns = PiecesOf(board, white)[pawn] | PiecesOf(board, black)[pawn];

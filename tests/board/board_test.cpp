@@ -108,7 +108,7 @@ TEST_F(BoardSetUp, ClearBoardEmptiesOnlyThePosition) {
   board.epColour = black;
   board.plyCount = 9;
   board.nullMoveMade = 1;
-  board.hasOverlaps = 1;
+  board.hasOverlaps = true;
   board.undoDepth = 4;
   board.historyIndex = 17;
   board.positionKey = 99;
@@ -130,7 +130,7 @@ TEST_F(BoardSetUp, ClearBoardEmptiesOnlyThePosition) {
   }
   EXPECT_EQ(board.plyCount, 0);
   EXPECT_EQ(board.nullMoveMade, 0);
-  EXPECT_EQ(board.hasOverlaps, 0);
+  EXPECT_FALSE(board.hasOverlaps);
   EXPECT_EQ(board.undoDepth, 0);
   EXPECT_EQ(board.inCheckCache, -1);
   // What set-up callers provide themselves stays.
@@ -162,13 +162,13 @@ TEST_F(BoardSetUp, ASideWithoutKingHasAKingSquareOnTheBoard) {
 TEST_F(BoardSetUp, TwoPiecesOnASquareOverlap) {
   Board board;
   DetectOverlaps(board);
-  EXPECT_EQ(board.hasOverlaps, 0);
+  EXPECT_FALSE(board.hasOverlaps);
   board.pieces[PieceIndex(white, queen)] |= test::Squares("e7");
   DetectOverlaps(board);
-  EXPECT_EQ(board.hasOverlaps, 1);
+  EXPECT_TRUE(board.hasOverlaps);
   board.pieces[PieceIndex(black, pawn)] &= ~test::Squares("e7");
   DetectOverlaps(board);
-  EXPECT_EQ(board.hasOverlaps, 0);
+  EXPECT_FALSE(board.hasOverlaps);
 }
 
 TEST(PieceOn, NamesTheKindOfOneSide) {
@@ -236,7 +236,7 @@ TEST_F(CopiedBoard, KeepsItsOverlaps) {
   source->pieces[PieceIndex(white, queen)] |= test::Squares("e7");
   DetectOverlaps(*source);
   CopyBoard(*copy, *source);
-  EXPECT_EQ(copy->hasOverlaps, 1);
+  EXPECT_TRUE(copy->hasOverlaps);
 }
 
 TEST_F(CopiedBoard, LeavesItsSourceAlone) {

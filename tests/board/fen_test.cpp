@@ -159,10 +159,10 @@ TEST(SetupFromFen, TwoPiecesOnASquareAreNoticed) {
   Board board = WithPlacement("P2-Q6/8/8/4k3/8/8/4K3/8");
   EXPECT_EQ(board.pieces[pawn], Bit(56));
   EXPECT_EQ(board.pieces[queen], Bit(56));
-  EXPECT_EQ(board.hasOverlaps, 1);
+  EXPECT_TRUE(board.hasOverlaps);
   StartKeyHistory(board);
   test::ExpectConsistent(board);
-  EXPECT_EQ(WithPlacement(startPlacement).hasOverlaps, 0);
+  EXPECT_FALSE(WithPlacement(startPlacement).hasOverlaps);
 }
 
 TEST(SetupFromFen, AnyBytesGiveABoardThatCanBeUsed) {

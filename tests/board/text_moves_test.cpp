@@ -193,7 +193,7 @@ TEST(TextMoves, APieceMayLandOnAnOwnOne) {
   PlayCoordinateMove("a1a2", board, white);
   EXPECT_EQ(board.pieces[PieceIndex(white, rook)], test::Squares("a2"));
   EXPECT_EQ(board.pieces[PieceIndex(white, pawn)], test::Squares("a2"));
-  EXPECT_EQ(board.hasOverlaps, 1);
+  EXPECT_TRUE(board.hasOverlaps);
   ExpectConsistent(board);
 }
 

@@ -197,7 +197,7 @@ void SlowBoard::ExpectSame(const Board& board) const {
   EXPECT_EQ(board.epFile, state.epFile);
   EXPECT_EQ(board.epColour, state.epColour);
   EXPECT_EQ(board.nullMoveMade, state.nullMoveMade);
-  EXPECT_EQ(board.hasOverlaps, hasOverlaps ? 1 : 0);
+  EXPECT_EQ(board.hasOverlaps, hasOverlaps);
   EXPECT_EQ(board.sideToMove, state.side);
   EXPECT_EQ(board.plyCount, plyCount);
   EXPECT_EQ(board.undoDepth, undoDepth);
