@@ -3,11 +3,12 @@
 #include "board/attack_tables.h"
 #include "board/fen.h"
 #include "eval/king.h"
-#include "search/hash_memory.h"
+#include "search/hash/hash_allocation.h"
+#include "search/hash/hash_memory.h"
 #include "search/move_order.h"
 #include "search/reductions.h"
-#include "shell/config.h"
-#include "shell/output.h"
+#include "shell/base/output.h"
+#include "shell/config/config.h"
 
 namespace mirvo::bench {
 

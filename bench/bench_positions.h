@@ -2,7 +2,7 @@
 #pragma once
 
 #include "board/board.h"
-#include "search/hash_table.h"
+#include "search/hash/hash_table.h"
 
 namespace mirvo::bench {
 

@@ -3,7 +3,7 @@
 
 #include "bench/bench_positions.h"
 #include "eval/evaluate.h"
-#include "shell/config.h"
+#include "shell/config/config.h"
 
 namespace mirvo::bench {
 namespace {

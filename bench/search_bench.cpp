@@ -6,7 +6,7 @@
 #include "search/iterate.h"
 #include "search/search_stats.h"
 #include "search/static_exchange.h"
-#include "shell/config.h"
+#include "shell/config/config.h"
 
 namespace mirvo::bench {
 namespace {

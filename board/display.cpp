@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "shell/output.h"
+#include "shell/base/output.h"
 
 namespace mirvo {
 namespace {

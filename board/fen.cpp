@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "board/key_history.h"
-#include "shell/text.h"
+#include "shell/base/text.h"
 
 namespace mirvo {
 

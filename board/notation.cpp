@@ -5,8 +5,8 @@
 
 #include "board/make_move.h"
 #include "board/san.h"
-#include "shell/output.h"
-#include "shell/text.h"
+#include "shell/base/output.h"
+#include "shell/base/text.h"
 
 namespace mirvo {
 namespace {

@@ -8,8 +8,8 @@
 #include "board/bb_move_generator.h"
 #include "board/key_history.h"
 #include "board/make_move.h"
-#include "shell/clock.h"
-#include "shell/output.h"
+#include "shell/base/clock.h"
+#include "shell/base/output.h"
 
 namespace mirvo {
 

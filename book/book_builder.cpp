@@ -5,7 +5,7 @@
 #include "board/make_move.h"
 #include "book/book_writer.h"
 #include "book/pgn_reader.h"
-#include "shell/output.h"
+#include "shell/base/output.h"
 
 namespace mirvo {
 namespace {

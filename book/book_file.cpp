@@ -5,7 +5,7 @@
 
 #include "board/coding.h"
 #include "book/opening_book.h"
-#include "shell/config.h"
+#include "shell/config/config.h"
 
 namespace mirvo {
 namespace {

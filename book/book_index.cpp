@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "book/book_entry.h"
-#include "shell/clock.h"
+#include "shell/base/clock.h"
 
 namespace mirvo {
 namespace {

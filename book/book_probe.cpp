@@ -6,7 +6,7 @@
 #include "board/make_move.h"
 #include "board/notation.h"
 #include "book/opening_book.h"
-#include "shell/output.h"
+#include "shell/base/output.h"
 
 namespace mirvo {
 namespace {

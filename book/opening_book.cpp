@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-#include "shell/text.h"
+#include "shell/base/text.h"
 
 namespace mirvo {
 namespace {

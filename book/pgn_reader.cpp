@@ -10,7 +10,7 @@
 #include "board/make_move.h"
 #include "board/san.h"
 #include "book/pgn_scanner.h"
-#include "shell/output.h"
+#include "shell/base/output.h"
 
 namespace mirvo {
 namespace {

@@ -11,7 +11,7 @@
 #include "board/fen.h"
 #include "board/key_history.h"
 #include "board/san.h"
-#include "shell/text.h"
+#include "shell/base/text.h"
 
 namespace mirvo {
 namespace {

@@ -9,15 +9,15 @@
 #include "board/san.h"
 #include "epd/epd_reader.h"
 #include "epd/epd_score.h"
-#include "search/hash_memory.h"
-#include "search/hash_table.h"
+#include "search/hash/hash_memory.h"
+#include "search/hash/hash_table.h"
 #include "search/iterate.h"
 #include "search/move_order.h"
 #include "search/search_flags.h"
 #include "search/search_stats.h"
-#include "shell/config.h"
-#include "shell/output.h"
-#include "shell/text.h"
+#include "shell/base/output.h"
+#include "shell/base/text.h"
+#include "shell/config/config.h"
 
 namespace mirvo {
 namespace {

@@ -4,8 +4,8 @@
 
 #include "eval/evaluate.h"
 #include "eval/material.h"
-#include "search/hash_table.h"
-#include "shell/output.h"
+#include "search/hash/hash_table.h"
+#include "shell/base/output.h"
 
 namespace mirvo {
 

@@ -11,7 +11,7 @@
 #include "eval/pieces.h"
 #include "eval/prologue_terms.h"
 #include "eval/threats.h"
-#include "search/hash_table.h"
+#include "search/hash/hash_table.h"
 
 namespace mirvo {
 

@@ -5,7 +5,7 @@
 #include <random>
 
 #include "board/attack_tables.h"
-#include "shell/output.h"
+#include "shell/base/output.h"
 
 namespace mirvo {
 namespace {

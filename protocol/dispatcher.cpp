@@ -10,11 +10,11 @@
 #include "protocol/uci.h"
 #include "protocol/xboard.h"
 #include "protocol/xboard_ponder.h"
-#include "search/hash_memory.h"
+#include "search/hash/hash_memory.h"
 #include "search/search_flags.h"
-#include "shell/clock.h"
-#include "shell/output.h"
-#include "shell/text.h"
+#include "shell/base/clock.h"
+#include "shell/base/output.h"
+#include "shell/base/text.h"
 
 namespace mirvo {
 namespace {

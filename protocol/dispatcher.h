@@ -3,7 +3,7 @@
 #pragma once
 
 #include "protocol/input.h"
-#include "protocol/protocol_mode.h"
+#include "shell/base/protocol_mode.h"
 
 namespace mirvo {
 

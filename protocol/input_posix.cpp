@@ -5,7 +5,7 @@
 #include <cerrno>
 
 #include "protocol/input.h"
-#include "shell/clock.h"
+#include "shell/base/clock.h"
 
 namespace mirvo {
 namespace {

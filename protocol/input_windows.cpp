@@ -1,7 +1,7 @@
 #include <windows.h>
 
 #include "protocol/input.h"
-#include "shell/clock.h"
+#include "shell/base/clock.h"
 
 namespace mirvo {
 namespace {

@@ -1,6 +1,6 @@
 #include "protocol/position_line.h"
 
-#include "shell/output.h"
+#include "shell/base/output.h"
 
 namespace mirvo {
 namespace {

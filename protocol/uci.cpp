@@ -10,12 +10,12 @@
 #include "protocol/uci_options.h"
 #include "protocol/uci_position.h"
 #include "protocol/uci_session.h"
-#include "search/hash_memory.h"
-#include "search/hash_table.h"
+#include "search/hash/hash_memory.h"
+#include "search/hash/hash_table.h"
 #include "search/move_order.h"
 #include "search/search_flags.h"
-#include "shell/output.h"
-#include "shell/text.h"
+#include "shell/base/output.h"
+#include "shell/base/text.h"
 
 namespace mirvo {
 

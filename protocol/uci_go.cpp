@@ -9,9 +9,9 @@
 #include "search/pondering.h"
 #include "search/search_flags.h"
 #include "search/time_control.h"
-#include "shell/config.h"
-#include "shell/output.h"
-#include "shell/text.h"
+#include "shell/base/output.h"
+#include "shell/base/text.h"
+#include "shell/config/config.h"
 
 namespace mirvo {
 namespace {

@@ -3,10 +3,11 @@
 #include <cstdint>
 #include <cstring>
 
-#include "search/hash_table.h"
-#include "shell/config.h"
-#include "shell/output.h"
-#include "shell/text.h"
+#include "search/hash/hash_allocation.h"
+#include "search/hash/hash_table.h"
+#include "shell/base/output.h"
+#include "shell/base/text.h"
+#include "shell/config/config.h"
 
 namespace mirvo {
 namespace {

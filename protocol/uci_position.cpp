@@ -4,7 +4,7 @@
 
 #include "board/fen.h"
 #include "board/notation.h"
-#include "shell/text.h"
+#include "shell/base/text.h"
 
 namespace mirvo {
 namespace {

@@ -12,8 +12,8 @@
 #include "protocol/xboard_play.h"
 #include "protocol/xboard_ponder.h"
 #include "search/search_flags.h"
-#include "shell/config.h"
-#include "shell/text.h"
+#include "shell/base/text.h"
+#include "shell/config/config.h"
 
 namespace mirvo {
 namespace {

@@ -9,13 +9,13 @@
 #include "protocol/game_board.h"
 #include "protocol/xboard_ponder.h"
 #include "search/game_counters.h"
-#include "search/hash_memory.h"
+#include "search/hash/hash_memory.h"
 #include "search/move_order.h"
 #include "search/pondering.h"
 #include "search/search_flags.h"
-#include "shell/config.h"
-#include "shell/output.h"
-#include "shell/text.h"
+#include "shell/base/output.h"
+#include "shell/base/text.h"
+#include "shell/config/config.h"
 
 namespace mirvo {
 

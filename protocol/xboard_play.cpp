@@ -10,8 +10,8 @@
 #include "search/pondering.h"
 #include "search/search_flags.h"
 #include "search/time_control.h"
-#include "shell/config.h"
-#include "shell/output.h"
+#include "shell/base/output.h"
+#include "shell/config/config.h"
 
 namespace mirvo {
 namespace {

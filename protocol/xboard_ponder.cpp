@@ -2,7 +2,7 @@
 
 #include "board/notation.h"
 #include "search/search_flags.h"
-#include "shell/text.h"
+#include "shell/base/text.h"
 
 namespace mirvo {
 

@@ -2,7 +2,7 @@
 // from memory takes longer than making a move, so it is started before.
 #pragma once
 
-#include "search/hash_table.h"
+#include "search/hash/hash_table.h"
 #include "search/key_after.h"
 
 namespace mirvo {

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include "search/hash_memory.h"
+#include "search/hash/hash_memory.h"
 #include "search/search_hooks.h"
 #include "search/time_control.h"
-#include "shell/config.h"
+#include "shell/config/config.h"
 
 namespace mirvo {
 namespace {

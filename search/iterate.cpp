@@ -7,7 +7,7 @@
 #include "board/make_move.h"
 #include "book/opening_book.h"
 #include "search/game_counters.h"
-#include "search/hash_table.h"
+#include "search/hash/hash_table.h"
 #include "search/interruption.h"
 #include "search/move_order.h"
 #include "search/report.h"
@@ -15,8 +15,8 @@
 #include "search/search_flags.h"
 #include "search/search_stats.h"
 #include "search/time_control.h"
-#include "shell/clock.h"
-#include "shell/config.h"
+#include "shell/base/clock.h"
+#include "shell/config/config.h"
 
 namespace mirvo {
 namespace {

@@ -1,6 +1,6 @@
 #include "search/move_picker.h"
 
-#include "search/hash_table.h"
+#include "search/hash/hash_table.h"
 #include "search/move_order.h"
 #include "search/static_exchange.h"
 

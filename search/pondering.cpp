@@ -2,8 +2,8 @@
 
 #include "search/search_flags.h"
 #include "search/time_control.h"
-#include "shell/clock.h"
-#include "shell/output.h"
+#include "shell/base/clock.h"
+#include "shell/base/output.h"
 
 namespace mirvo {
 

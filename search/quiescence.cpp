@@ -12,7 +12,7 @@
 #include "eval/evaluate.h"
 #include "search/check_info.h"
 #include "search/child_prefetch.h"
-#include "search/hash_table.h"
+#include "search/hash/hash_table.h"
 #include "search/interruption.h"
 #include "search/move_order.h"
 #include "search/scored_move_list.h"
@@ -127,8 +127,7 @@ std::int32_t Quiesce(SearchState& state, Board& board, std::int32_t alpha, std::
   const bool mayPrune = !inCheck && !isPv;
   const std::int32_t needed = alpha - margin;
   int nDeltaPruned = 0;
-  if (mayPrune && needed > exchangeValue[pawn] && !board.hasOverlaps &&
-      !MayPromote(board, side)) {
+  if (mayPrune && needed > exchangeValue[pawn] && !board.hasOverlaps && !MayPromote(board, side)) {
     nDeltaPruned = PutDeltaPrunedLast(board, needed, generator);
     generator.count -= nDeltaPruned;
     if (generator.count == 0) {

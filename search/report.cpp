@@ -6,13 +6,13 @@
 #include "board/legal_moves.h"
 #include "board/notation.h"
 #include "board/san.h"
-#include "protocol/protocol_mode.h"
 #include "search/search_flags.h"
 #include "search/search_stats.h"
 #include "search/time_control.h"
-#include "shell/clock.h"
-#include "shell/config.h"
-#include "shell/output.h"
+#include "shell/base/clock.h"
+#include "shell/base/output.h"
+#include "shell/base/protocol_mode.h"
+#include "shell/config/config.h"
 
 namespace mirvo {
 namespace {

@@ -4,7 +4,7 @@
 #include "board/key_history.h"
 #include "board/legal_moves.h"
 #include "board/make_move.h"
-#include "search/hash_table.h"
+#include "search/hash/hash_table.h"
 #include "search/interruption.h"
 #include "search/move_picker.h"
 #include "search/quiescence.h"
@@ -12,7 +12,7 @@
 #include "search/report.h"
 #include "search/search.h"
 #include "search/search_stats.h"
-#include "shell/config.h"
+#include "shell/config/config.h"
 
 namespace mirvo {
 namespace {

@@ -6,7 +6,7 @@
 
 #include "board/board.h"
 #include "board/move.h"
-#include "search/hash_table.h"
+#include "search/hash/hash_table.h"
 #include "search/interruption.h"
 #include "search/search_state.h"
 #include "search/search_stats.h"

@@ -1,6 +1,6 @@
 #include "search/search_stats.h"
 
-#include "shell/output.h"
+#include "shell/base/output.h"
 
 namespace mirvo {
 

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "shell/clock.h"
-#include "shell/output.h"
-#include "shell/text.h"
+#include "shell/base/clock.h"
+#include "shell/base/output.h"
+#include "shell/base/text.h"
 
 namespace mirvo {
 

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "shell/config.h"
+#include "shell/config/config.h"
 
 namespace mirvo {
 

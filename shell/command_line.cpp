@@ -8,8 +8,8 @@
 #include "board/perft.h"
 #include "book/book_builder.h"
 #include "book/opening_book.h"
-#include "shell/process.h"
-#include "shell/text.h"
+#include "shell/base/process.h"
+#include "shell/base/text.h"
 
 namespace mirvo {
 

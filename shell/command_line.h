@@ -1,7 +1,7 @@
 // The command-line options.
 #pragma once
 
-#include "shell/config.h"
+#include "shell/config/config.h"
 
 namespace mirvo {
 

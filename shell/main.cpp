@@ -1,5 +1,5 @@
 // The entry point.
-#include "shell/config.h"
+#include "shell/config/config.h"
 #include "shell/run_modes.h"
 #include "shell/startup.h"
 

@@ -6,9 +6,9 @@
 #include "epd/epd_runner.h"
 #include "eval/eval_report.h"
 #include "protocol/dispatcher.h"
-#include "protocol/protocol_mode.h"
 #include "search/search_flags.h"
-#include "shell/output.h"
+#include "shell/base/output.h"
+#include "shell/base/protocol_mode.h"
 
 namespace mirvo {
 

@@ -1,7 +1,7 @@
 // The run-mode switch after start-up.
 #pragma once
 
-#include "shell/config.h"
+#include "shell/config/config.h"
 
 namespace mirvo {
 

@@ -6,16 +6,17 @@
 #include "book/opening_book.h"
 #include "eval/king.h"
 #include "protocol/dispatcher.h"
-#include "search/hash_table.h"
+#include "search/hash/hash_allocation.h"
+#include "search/hash/hash_table.h"
 #include "search/reductions.h"
 #include "search/search_flags.h"
 #include "search/search_hooks.h"
-#include "shell/clock.h"
+#include "shell/base/clock.h"
+#include "shell/base/output.h"
+#include "shell/base/process.h"
 #include "shell/command_line.h"
-#include "shell/config.h"
-#include "shell/config_file.h"
-#include "shell/output.h"
-#include "shell/process.h"
+#include "shell/config/config.h"
+#include "shell/config/config_file.h"
 
 namespace mirvo {
 

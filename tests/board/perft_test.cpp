@@ -4,7 +4,7 @@
 #include <regex>
 #include <utility>
 
-#include "shell/clock.h"
+#include "shell/base/clock.h"
 #include "tests/board/perft_cases.h"
 
 namespace mirvo::test {

@@ -15,8 +15,8 @@
 #include "board/board.h"
 #include "board/fen.h"
 #include "book/opening_book.h"
-#include "shell/clock.h"
-#include "shell/config.h"
+#include "shell/base/clock.h"
+#include "shell/config/config.h"
 
 namespace mirvo {
 

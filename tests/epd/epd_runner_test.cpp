@@ -18,13 +18,13 @@
 #include "board/display.h"
 #include "board/legal_moves.h"
 #include "epd/epd_reader.h"
-#include "search/hash_table.h"
+#include "search/hash/hash_table.h"
 #include "search/search_flags.h"
 #include "search/search_hooks.h"
 #include "search/search_stats.h"
-#include "shell/clock.h"
-#include "shell/config.h"
-#include "shell/output.h"
+#include "shell/base/clock.h"
+#include "shell/base/output.h"
+#include "shell/config/config.h"
 #include "tests/support/search_support.h"
 
 namespace mirvo {

@@ -11,7 +11,8 @@
 #include "eval/eval_report.h"
 #include "eval/evaluate.h"
 #include "eval/king.h"
-#include "search/hash_table.h"
+#include "search/hash/hash_allocation.h"
+#include "search/hash/hash_table.h"
 
 namespace mirvo {
 

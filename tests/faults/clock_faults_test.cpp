@@ -5,12 +5,12 @@
 #include <string>
 #include <vector>
 
-#include "protocol/protocol_mode.h"
 #include "search/iterate.h"
 #include "search/search_flags.h"
 #include "search/search_hooks.h"
-#include "shell/clock.h"
-#include "shell/config.h"
+#include "shell/base/clock.h"
+#include "shell/base/protocol_mode.h"
+#include "shell/config/config.h"
 #include "tests/support/search_support.h"
 
 namespace mirvo {

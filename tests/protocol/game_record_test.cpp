@@ -11,7 +11,7 @@
 #include <system_error>
 
 #include "protocol/xboard_game.h"
-#include "shell/config.h"
+#include "shell/config/config.h"
 #include "tests/protocol/xboard_test_kit.h"
 
 #ifdef __linux__

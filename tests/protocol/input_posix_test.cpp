@@ -7,7 +7,7 @@
 #include <string>
 
 #include "protocol/input.h"
-#include "shell/clock.h"
+#include "shell/base/clock.h"
 
 namespace mirvo {
 namespace {

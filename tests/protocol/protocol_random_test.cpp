@@ -4,7 +4,8 @@
 #include <random>
 #include <string>
 
-#include "search/hash_table.h"
+#include "search/hash/hash_allocation.h"
+#include "search/hash/hash_table.h"
 #include "search/iterate.h"
 #include "search/search_hooks.h"
 #include "tests/protocol/uci_test_kit.h"

@@ -1,6 +1,7 @@
 #include "protocol/uci_options.h"
 
-#include "search/hash_table.h"
+#include "search/hash/hash_allocation.h"
+#include "search/hash/hash_table.h"
 #include "tests/protocol/uci_test_kit.h"
 
 namespace mirvo {

@@ -1,7 +1,8 @@
 #include "protocol/uci.h"
 
-#include "search/hash_memory.h"
-#include "search/hash_table.h"
+#include "search/hash/hash_allocation.h"
+#include "search/hash/hash_memory.h"
+#include "search/hash/hash_table.h"
 #include "search/move_order.h"
 #include "tests/protocol/uci_test_kit.h"
 

@@ -21,7 +21,7 @@
 #include "search/pondering.h"
 #include "search/search_flags.h"
 #include "search/time_control.h"
-#include "shell/config.h"
+#include "shell/config/config.h"
 #include "tests/protocol/fake_input.h"
 
 namespace mirvo {

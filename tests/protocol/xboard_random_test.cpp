@@ -19,8 +19,8 @@
 #include "protocol/xboard_ponder.h"
 #include "search/search_flags.h"
 #include "search/search_hooks.h"
-#include "shell/clock.h"
-#include "shell/config.h"
+#include "shell/base/clock.h"
+#include "shell/config/config.h"
 #include "tests/support/repetitions.h"
 #include "tests/support/search_support.h"
 

@@ -6,8 +6,9 @@
 #include "board/key_history.h"
 #include "book/opening_book.h"
 #include "search/game_counters.h"
-#include "search/hash_memory.h"
-#include "search/hash_table.h"
+#include "search/hash/hash_allocation.h"
+#include "search/hash/hash_memory.h"
+#include "search/hash/hash_table.h"
 #include "search/move_order.h"
 #include "tests/protocol/xboard_test_kit.h"
 

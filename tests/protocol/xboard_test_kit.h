@@ -19,7 +19,7 @@
 #include "protocol/xboard_ponder.h"
 #include "search/pondering.h"
 #include "search/search_flags.h"
-#include "shell/config.h"
+#include "shell/config/config.h"
 
 namespace mirvo {
 

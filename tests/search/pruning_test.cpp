@@ -7,10 +7,10 @@
 #include "board/make_move.h"
 #include "board/notation.h"
 #include "eval/evaluate.h"
-#include "search/hash_table.h"
+#include "search/hash/hash_table.h"
 #include "search/move_order.h"
 #include "search/search.h"
-#include "shell/config.h"
+#include "shell/config/config.h"
 #include "tests/support/search_support.h"
 
 namespace mirvo {

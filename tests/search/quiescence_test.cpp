@@ -6,7 +6,7 @@
 
 #include "board/make_move.h"
 #include "eval/evaluate.h"
-#include "search/hash_table.h"
+#include "search/hash/hash_table.h"
 #include "search/move_order.h"
 #include "search/search_stats.h"
 #include "tests/support/search_support.h"

@@ -2,7 +2,7 @@
 // iteration's depth, score, nodes and line, cache usage and statistics.
 #include <gtest/gtest.h>
 
-#include "search/hash_table.h"
+#include "search/hash/hash_table.h"
 #include "tests/support/search_support.h"
 
 namespace mirvo {

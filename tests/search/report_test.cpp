@@ -4,12 +4,12 @@
 
 #include <string>
 
-#include "protocol/protocol_mode.h"
 #include "search/search_flags.h"
 #include "search/search_stats.h"
 #include "search/time_control.h"
-#include "shell/clock.h"
-#include "shell/config.h"
+#include "shell/base/clock.h"
+#include "shell/base/protocol_mode.h"
+#include "shell/config/config.h"
 #include "tests/support/search_support.h"
 
 namespace mirvo {

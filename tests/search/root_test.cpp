@@ -5,10 +5,10 @@
 
 #include "board/make_move.h"
 #include "board/notation.h"
-#include "search/hash_table.h"
+#include "search/hash/hash_table.h"
 #include "search/move_order.h"
 #include "search/search_hooks.h"
-#include "shell/config.h"
+#include "shell/config/config.h"
 #include "tests/support/search_support.h"
 
 namespace mirvo {

@@ -4,7 +4,7 @@
 
 #include "board/attacks.h"
 #include "board/notation.h"
-#include "search/hash_table.h"
+#include "search/hash/hash_table.h"
 #include "search/interruption.h"
 #include "search/move_order.h"
 #include "search/quiescence.h"
@@ -12,8 +12,8 @@
 #include "search/search_hooks.h"
 #include "search/search_stats.h"
 #include "search/time_control.h"
-#include "shell/clock.h"
-#include "shell/config.h"
+#include "shell/base/clock.h"
+#include "shell/config/config.h"
 #include "tests/support/search_support.h"
 
 namespace mirvo {

@@ -6,7 +6,7 @@
 
 #include "search/iterate.h"
 #include "search/search_flags.h"
-#include "shell/config.h"
+#include "shell/config/config.h"
 #include "tests/support/search_support.h"
 
 namespace mirvo::test {

@@ -9,7 +9,7 @@
 
 #include "search/pondering.h"
 #include "search/search_flags.h"
-#include "shell/clock.h"
+#include "shell/base/clock.h"
 
 namespace mirvo {
 namespace {

@@ -11,9 +11,10 @@
 #include "board/perft.h"
 #include "book/opening_book.h"
 #include "eval/king.h"
-#include "search/hash_table.h"
+#include "search/hash/hash_allocation.h"
+#include "search/hash/hash_table.h"
 #include "search/search_flags.h"
-#include "shell/text.h"
+#include "shell/base/text.h"
 #include "tests/shell/temporary_folder.h"
 
 namespace mirvo {

@@ -13,13 +13,14 @@
 #include "eval/eval_tables.h"
 #include "eval/king.h"
 #include "protocol/dispatcher.h"
-#include "search/hash_table.h"
+#include "search/hash/hash_allocation.h"
+#include "search/hash/hash_table.h"
 #include "search/reductions.h"
 #include "search/search_flags.h"
 #include "search/search_hooks.h"
-#include "shell/clock.h"
-#include "shell/config.h"
-#include "shell/config_file.h"
+#include "shell/base/clock.h"
+#include "shell/config/config.h"
+#include "shell/config/config_file.h"
 #include "tests/shell/temporary_folder.h"
 
 namespace mirvo {

@@ -9,10 +9,11 @@
 #include <vector>
 
 #include "book/opening_book.h"
-#include "search/hash_table.h"
-#include "shell/config.h"
+#include "search/hash/hash_allocation.h"
+#include "search/hash/hash_table.h"
+#include "shell/base/streams.h"
+#include "shell/config/config.h"
 #include "shell/startup.h"
-#include "shell/streams.h"
 #include "tests/shell/temporary_folder.h"
 
 namespace mirvo {

@@ -11,7 +11,7 @@
 
 #include "board/board.h"
 #include "board/perft.h"
-#include "shell/output.h"
+#include "shell/base/output.h"
 #include "tests/search/signature.h"
 #include "tests/support/search_support.h"
 

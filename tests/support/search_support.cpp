@@ -9,8 +9,8 @@
 #include "board/fen.h"
 #include "board/notation.h"
 #include "eval/king.h"
-#include "protocol/protocol_mode.h"
-#include "search/hash_table.h"
+#include "search/hash/hash_allocation.h"
+#include "search/hash/hash_table.h"
 #include "search/iterate.h"
 #include "search/move_order.h"
 #include "search/pondering.h"
@@ -18,7 +18,8 @@
 #include "search/search_flags.h"
 #include "search/search_hooks.h"
 #include "search/search_stats.h"
-#include "shell/config.h"
+#include "shell/base/protocol_mode.h"
+#include "shell/config/config.h"
 
 namespace mirvo::test {
 namespace {

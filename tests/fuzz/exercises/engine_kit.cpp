@@ -17,7 +17,8 @@
 #include "protocol/xboard_game.h"
 #include "protocol/xboard_ponder.h"
 #include "search/game_counters.h"
-#include "search/hash_table.h"
+#include "search/hash/hash_allocation.h"
+#include "search/hash/hash_table.h"
 #include "search/move_order.h"
 #include "search/pondering.h"
 #include "search/reductions.h"
@@ -25,9 +26,9 @@
 #include "search/search_hooks.h"
 #include "search/search_stats.h"
 #include "search/time_control.h"
-#include "shell/clock.h"
-#include "shell/config.h"
-#include "shell/output.h"
+#include "shell/base/clock.h"
+#include "shell/base/output.h"
+#include "shell/config/config.h"
 
 namespace mirvo {
 namespace {

@@ -1,8 +1,8 @@
 // Lines of one protocol, as they come.
 #include <string>
 
-#include "protocol/protocol_mode.h"
-#include "shell/text.h"
+#include "shell/base/protocol_mode.h"
+#include "shell/base/text.h"
 #include "tests/fuzz/exercises/exercises.h"
 #include "tests/fuzz/exercises/scripted_interface.h"
 

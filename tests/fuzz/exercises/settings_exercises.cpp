@@ -6,10 +6,10 @@
 
 #include "board/perft.h"
 #include "protocol/game_board.h"
+#include "shell/base/output.h"
 #include "shell/command_line.h"
-#include "shell/config.h"
-#include "shell/config_file.h"
-#include "shell/output.h"
+#include "shell/config/config.h"
+#include "shell/config/config_file.h"
 #include "shell/run_modes.h"
 #include "tests/fuzz/exercises/board_checks.h"
 #include "tests/fuzz/exercises/engine_kit.h"

@@ -8,7 +8,7 @@
 #include "epd/epd_reader.h"
 #include "epd/epd_runner.h"
 #include "epd/epd_score.h"
-#include "shell/config.h"
+#include "shell/config/config.h"
 #include "tests/fuzz/exercises/board_checks.h"
 #include "tests/fuzz/exercises/engine_kit.h"
 #include "tests/fuzz/exercises/exercises.h"

@@ -1,7 +1,0 @@
-#include "protocol/protocol_mode.h"
-
-namespace mirvo {
-
-constinit ProtocolMode protocolMode;
-
-}  // namespace mirvo

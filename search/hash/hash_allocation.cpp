@@ -1,0 +1,57 @@
+#include "search/hash/hash_allocation.h"
+
+#include <cstddef>
+#include <cstdint>
+
+#include "search/hash/hash_memory.h"
+
+namespace mirvo {
+namespace {
+
+constexpr int megabyteShift = 20;
+constexpr int slotShift = 6;
+constexpr std::size_t slotSize = sizeof(HashEntry);
+constexpr std::size_t tagSize = sizeof(std::uint8_t);
+static_assert(slotSize == std::size_t{1} << slotShift);
+
+/// Bytes for slots and tags, wherever the block begins.
+std::size_t BlockSize(std::uint32_t nSlots) {
+  return nSlots * (slotSize + tagSize) + (slotSize - 1);
+}
+
+}  // namespace
+
+void HashInitialise(HashTable& table) {
+  HashRelease(table);
+  table = HashTable{};
+  HashClear(table);
+}
+
+void HashAllocate(HashTable& table) {
+  HashRetire(table);
+  table.entries = nullptr;
+  table.tags = nullptr;
+  // The megabytes are counted in 32 bits: sizes from 4096 on wrap around.
+  std::uint32_t nSlots = (table.size << megabyteShift) >> slotShift;
+  if (nSlots == 0) nSlots = minHashSlots;
+  while (nSlots != 0 && !HashReserve(table, BlockSize(nSlots))) nSlots /= 2;
+  table.size = nSlots;
+  table.reciprocal = nSlots == 0 ? 0 : ~std::uint64_t{0} / nSlots + 1;
+  if (table.block == nullptr) return;
+  // Fresh memory is zero, and an all-zero slot counts as empty.
+  const auto address = reinterpret_cast<std::uintptr_t>(table.block);
+  const std::uintptr_t aligned = (address + slotSize - 1) & ~std::uintptr_t{slotSize - 1};
+  // Rounding an address up takes the way over an integer; it is done once.
+  // NOLINTNEXTLINE(performance-no-int-to-ptr)
+  table.entries = reinterpret_cast<HashEntry*>(aligned);
+  table.tags = reinterpret_cast<std::uint8_t*>(table.entries + nSlots);
+}
+
+void HashRelease(HashTable& table) {
+  HashRetire(table);
+  table.entries = nullptr;
+  table.tags = nullptr;
+  table.size = 0;
+}
+
+}  // namespace mirvo

@@ -1,0 +1,94 @@
+#include "search/hash/hash_table.h"
+
+#include <cstring>
+
+namespace mirvo {
+
+constinit HashTable TranspositionTable{};
+constinit HashTable PawnHashTable{};
+constinit HashTable EvalHashTable{};
+
+namespace {
+
+/// Calls `visit(i)` for each slot in use. Unused slots are passed over eight at
+/// a time, so that memory that nobody touched yet stays so.
+template <typename Visitor>
+void ForEachUsedSlot(const HashTable& table, Visitor visit) {
+  static_assert(minHashSlots % sizeof(std::uint64_t) == 0);
+  for (std::uint32_t i = 0; i < table.size; i += sizeof(std::uint64_t)) {
+    std::uint64_t eightTags = 0;
+    std::memcpy(&eightTags, table.tags + i, sizeof eightTags);
+    if (eightTags == 0) continue;
+    for (std::uint32_t j = i; j < i + sizeof(std::uint64_t); ++j) {
+      if (table.tags[j] != 0) visit(j);
+    }
+  }
+}
+
+/// Empties the slots in use, each written by `empty(slot)` unless there are too
+/// many.
+template <typename Writer>
+void EmptyUsedSlots(HashTable& table, Writer empty) {
+  if (table.entries == nullptr) return;
+  const bool writesSlots = table.size <= maxSlotsToWrite;
+  ForEachUsedSlot(table, [&](std::uint32_t index) {
+    if (writesSlots) empty(table.entries[index]);
+    table.tags[index] = 0;
+  });
+}
+
+/// What HashClear and HashResetSearch have in common.
+void EmptySlot(HashEntry& slot) {
+  slot.key = 0;
+  slot.depth = 0;
+  slot.score = EmptyScore;
+  slot.bound = noBound;
+}
+
+}  // namespace
+
+void HashClear(HashTable& table) {
+  EmptyUsedSlots(table, [](HashEntry& slot) {
+    EmptySlot(slot);
+    slot.evalScore = EmptyScore;
+  });
+}
+
+void HashResetSearch(HashTable& table) {
+  EmptyUsedSlots(table, [](HashEntry& slot) {
+    EmptySlot(slot);
+    slot.move = noMove;
+  });
+}
+
+bool HashProbe(HashTable& table, std::uint64_t key, Move& move, std::int32_t& score,
+               std::int32_t alpha, std::int32_t beta, std::int32_t depth) {
+  const HashFinding found = HashLookUp(table, key, alpha, beta, depth);
+  if (found.slot == nullptr) return false;
+  if (found.decides) score = found.slot->score;
+  if (!found.decides || found.slot->bound != exactBound) move = found.slot->move;
+  return found.decides;
+}
+
+void HashStore(HashTable& table, std::uint64_t key, Move move, std::int32_t score, HashBound bound,
+               std::int32_t depth) {
+  const std::uint32_t index = HashLocate(table, key);
+  HashEntry& slot = table.entries[index];
+  if (key == 0) return;  // the mark of an empty slot
+  if (table.tags[index] == 0) EmptySlot(slot);
+  if (depth < slot.depth && slot.move != noMove && slot.score != EmptyScore) return;
+  // The same position keeps its known move; another position never inherits one.
+  if (slot.key != key || move != noMove) slot.move = move;
+  slot.score = score;
+  slot.bound = bound;
+  slot.depth = depth;
+  HashClaim(table, index, key);
+}
+
+bool HashMoveLookup(std::uint64_t key, std::int32_t& score) {
+  const std::uint32_t index = HashLocate(EvalHashTable, key);
+  if (HashHolds(EvalHashTable, index, key)) score = EvalHashTable.entries[index].score;
+  return false;
+}
+
+}  // namespace mirvo

@@ -1,0 +1,38 @@
+#include "shell/base/process.h"
+
+#include <poll.h>
+#include <signal.h>
+#include <sys/time.h>
+#include <unistd.h>
+
+namespace mirvo {
+namespace {
+
+/// Seconds between two looks whether anybody still reads.
+constexpr time_t lookInterval = 1;
+
+/// What the next write would do. A long count prints nothing for hours.
+void EndIfUnread(int) {
+  pollfd printed{STDOUT_FILENO, 0, 0};
+  if (poll(&printed, 1, 0) > 0 && (printed.revents & POLLERR) != 0) raise(SIGPIPE);
+}
+
+}  // namespace
+
+void PrepareProcess() {
+  signal(SIGPIPE, SIG_IGN);
+  signal(SIGXFSZ, SIG_IGN);
+}
+
+void EndWithClosedPipe() {
+  signal(SIGPIPE, SIG_DFL);
+  struct sigaction action = {};
+  action.sa_handler = EndIfUnread;
+  action.sa_flags = SA_RESTART;
+  sigemptyset(&action.sa_mask);
+  sigaction(SIGALRM, &action, nullptr);
+  const itimerval interval{{lookInterval, 0}, {lookInterval, 0}};
+  setitimer(ITIMER_REAL, &interval, nullptr);
+}
+
+}  // namespace mirvo

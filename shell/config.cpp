@@ -1,9 +1,0 @@
-#include "shell/config.h"
-
-namespace mirvo {
-
-EngineConfig engineConfig;
-
-constinit char bookFileOptionText[bookNameCapacity] = "unique2.bin";
-
-}  // namespace mirvo

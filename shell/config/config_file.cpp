@@ -1,0 +1,175 @@
+#include "shell/config/config_file.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <string_view>
+
+#include "shell/base/output.h"
+#include "shell/base/text.h"
+
+namespace mirvo {
+
+namespace {
+
+/// Room for one token. The rest of a longer one is skipped, once the leading
+/// zeros of its value are out of the way: no key is that long, and a number
+/// that loses digits there is far beyond 32 bits.
+constexpr std::size_t tokenCapacity = 1024;
+
+/// Leading zeros that a long value keeps: enough to fill the name of a book,
+/// the one value that is text.
+constexpr std::size_t keptZeros = sizeof EngineConfig::BookName;
+
+struct NumberKey {
+  const char* name;
+  std::int32_t EngineConfig::*field;
+};
+
+constexpr NumberKey numberKeys[] = {
+    {"DepthSearch", &EngineConfig::DepthSearch},
+    {"UseOpeningBook", &EngineConfig::UseOpeningBook},
+    {"InfiniteThinkingTime", &EngineConfig::InfiniteThinkingTime},
+    {"PawnHashSize", &EngineConfig::PawnHashSize},
+    {"EvalHashSize", &EngineConfig::EvalHashSize},
+    {"TTHashSize", &EngineConfig::TTHashSize},
+    {"AspirationWindow", &EngineConfig::AspirationWindow},
+    {"FixedTimePerMove", &EngineConfig::FixedTimePerMove},
+    {"UseMP", &EngineConfig::UseMP},
+    {"NumberThreads", &EngineConfig::NumberThreads},
+    {"StartIDDepth", &EngineConfig::StartIDDepth},
+    {"LoggingMode", &EngineConfig::LoggingMode},
+    {"Contempt", &EngineConfig::Contempt},
+    {"MaxNumExtPerDepth", &EngineConfig::MaxNumExtPerDepth},
+    {"Ponder", &EngineConfig::Ponder},
+    {"MoveOverhead", &EngineConfig::MoveOverhead},
+};
+
+/// The one key whose value is text.
+constexpr char bookKey[] = "Book";
+
+/// Whether the key of `length` characters at `key` is exactly `name`.
+bool IsKey(const char* key, std::size_t length, const char* name) {
+  return std::strlen(name) == length && std::memcmp(key, name, length) == 0;
+}
+
+/// Opens a text file; null when it cannot be opened or not be read. Some
+/// systems open a folder like a file and only fail on the first read.
+std::FILE* OpenReadable(const char* path) {
+  std::FILE* const file = std::fopen(path, "r");
+  if (file == nullptr) {
+    return nullptr;
+  }
+  const int first = std::fgetc(file);
+  if (first == EOF && std::ferror(file) != 0) {
+    std::fclose(file);
+    return nullptr;
+  }
+  std::ungetc(first, file);
+  return file;
+}
+
+/// Skips a UTF-8 byte-order mark, which some editors put in front of a text.
+/// Bytes that only begin like one are given back as the start of a token.
+void SkipByteOrderMark(std::FILE* file, char* token, std::size_t& length) {
+  constexpr unsigned char mark[] = {0xEF, 0xBB, 0xBF};
+  for (const unsigned char expected : mark) {
+    const int c = std::fgetc(file);
+    if (c != expected) {
+      if (c != EOF) {
+        std::ungetc(c, file);
+      }
+      return;
+    }
+    token[length++] = static_cast<char>(c);
+  }
+  length = 0;
+}
+
+/// Makes room in a full token by dropping leading zeros of its value, all but a
+/// few. Returns the new length.
+std::size_t DropLeadingZeros(char* token, std::size_t length) {
+  const std::string_view text(token, length);
+  std::size_t begin = text.find('=');
+  if (begin == std::string_view::npos) return length;
+  ++begin;
+  if (begin < length && (text[begin] == '-' || text[begin] == '+')) ++begin;
+  const std::size_t end = std::min(text.find_first_not_of('0', begin), length);
+  if (end <= begin + keptZeros) return length;
+  std::memmove(token + begin + keptZeros, token + end, length - end);
+  return length - (end - begin - keptZeros);
+}
+
+/// Reads the next token behind the `length` characters that `token` holds
+/// already. False at the end of the file.
+bool ReadToken(std::FILE* file, char* token, std::size_t length) {
+  int c = std::fgetc(file);
+  while (length == 0 && c != EOF && IsBlank(static_cast<char>(c))) {
+    c = std::fgetc(file);
+  }
+  bool full = false;
+  for (; c != EOF && !IsBlank(static_cast<char>(c)); c = std::fgetc(file)) {
+    if (!full && length + 1 == tokenCapacity) {
+      length = DropLeadingZeros(token, length);
+      full = length + 1 == tokenCapacity;
+    }
+    if (!full) {
+      token[length++] = static_cast<char>(c);
+    }
+  }
+  token[length] = '\0';
+  return length > 0;
+}
+
+}  // namespace
+
+void ReadConfigFile(EngineConfig& config, const char* path) {
+  std::FILE* const file = OpenReadable(path);
+  if (file == nullptr) {
+    PrintToConsole("config.txt not found, using default values.\n");
+    return;
+  }
+  char token[tokenCapacity];
+  std::size_t length = 0;
+  SkipByteOrderMark(file, token, length);
+  while (ReadToken(file, token, length)) {
+    ApplyConfigToken(config, token);
+    length = 0;
+  }
+  std::fclose(file);
+}
+
+void ApplyConfigToken(EngineConfig& config, const char* token) {
+  const char* const separator = std::strchr(token, '=');
+  if (separator == nullptr) {
+    return;
+  }
+  const auto keyLength = static_cast<std::size_t>(separator - token);
+  const char* const value = separator + 1;
+  for (const NumberKey& key : numberKeys) {
+    if (IsKey(token, keyLength, key.name)) {
+      config.*key.field = ReadDecimal(value);
+    }
+  }
+  if (IsKey(token, keyLength, bookKey)) {
+    CopyText(config.BookName, sizeof config.BookName, value);
+    CopyText(bookFileOptionText, sizeof bookFileOptionText, value);
+  }
+}
+
+void PrintConfig(const EngineConfig& config) {
+  Output(output, "Config:\n");
+  Output(output, "    DepthSearch=%d\n", config.DepthSearch);
+  Output(output, "    UseOpeningBook=%d\n", config.UseOpeningBook);
+  Output(output, "    PawnHashSize=%d\n", config.PawnHashSize);
+  // The report has always called the evaluation cache just "Hash".
+  Output(output, "    HashSize=%d\n", config.EvalHashSize);
+  Output(output, "    TTHashSize=%d\n", config.TTHashSize);
+  Output(output, "    AspirationWindow=%d\n", config.AspirationWindow);
+  Output(output, "    NumberThreads=%d\n", config.NumberThreads);
+  Output(output, "    BookName=%s\n", config.BookName);
+  Output(output, "    MaxNumExtPerDepth=%d\n", config.MaxNumExtPerDepth);
+  Output(output, "    Ponder=%d\n", config.Ponder);
+}
+
+}  // namespace mirvo

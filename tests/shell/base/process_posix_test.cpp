@@ -1,0 +1,85 @@
+#include <errno.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <cstdio>
+
+#include "shell/base/process.h"
+
+namespace mirvo {
+namespace {
+
+TEST(PrepareProcess, MakesAClosedPipeAnOrdinaryWriteError) {
+  void (*const before)(int) = signal(SIGPIPE, SIG_DFL);
+  PrepareProcess();
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  close(ends[0]);
+  EXPECT_EQ(write(ends[1], "x", 1), -1);
+  EXPECT_EQ(errno, EPIPE);
+  close(ends[1]);
+  signal(SIGPIPE, before);
+}
+
+// In processes of their own, which the signal and its timer are left to.
+TEST(EndWithClosedPipe, LetsAWriteEndTheProcess) {
+  EXPECT_EXIT(
+      {
+        PrepareProcess();
+        EndWithClosedPipe();
+        int ends[2];
+        if (pipe(ends) != 0) _exit(1);
+        close(ends[0]);
+        const bool written = write(ends[1], "x", 1) == 1;
+        _exit(written ? 2 : 3);
+      },
+      ::testing::KilledBySignal(SIGPIPE), "");
+}
+
+TEST(EndWithClosedPipe, EndsAProcessThatPrintsNothing) {
+  EXPECT_EXIT(
+      {
+        int ends[2];
+        if (pipe(ends) != 0) _exit(1);
+        dup2(ends[1], STDOUT_FILENO);
+        EndWithClosedPipe();
+        close(ends[0]);
+        alarm(0);  // the first look is forced below, not waited for
+        raise(SIGALRM);
+        _exit(0);
+      },
+      ::testing::KilledBySignal(SIGPIPE), "");
+}
+
+TEST(EndWithClosedPipe, LeavesAProcessAloneThatIsRead) {
+  EXPECT_EXIT(
+      {
+        int ends[2];
+        if (pipe(ends) != 0) _exit(1);
+        dup2(ends[1], STDOUT_FILENO);
+        EndWithClosedPipe();
+        raise(SIGALRM);
+        _exit(0);
+      },
+      ::testing::ExitedWithCode(0), "");
+}
+
+// In a process of its own, which the limit is left to.
+TEST(PrepareProcess, MakesAFileAtItsLargestSizeAnOrdinaryWriteError) {
+  EXPECT_EXIT(
+      {
+        PrepareProcess();
+        rlimit small;
+        small.rlim_cur = small.rlim_max = 1;
+        setrlimit(RLIMIT_FSIZE, &small);
+        std::FILE* const file = std::tmpfile();
+        const bool refused = write(fileno(file), "xy", 2) == 1 && write(fileno(file), "z", 1) == -1;
+        _exit(refused && errno == EFBIG ? 0 : 1);
+      },
+      ::testing::ExitedWithCode(0), "");
+}
+
+}  // namespace
+}  // namespace mirvo
