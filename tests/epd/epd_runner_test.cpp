@@ -306,7 +306,10 @@ TEST_F(RunSuiteTest, WhatTheTablesCountedBeforeIsInNoReport) {
 
 TEST_F(RunSuiteTest, OfThePositionsBeforeNotEvenAMoveIsKept) {
   const std::uint32_t nSlots = TranspositionTable.size;
-  for (std::uint32_t i = 0; i < nSlots; ++i) TranspositionTable.entries[i].move = checkMark;
+  for (std::uint32_t i = 0; i < nSlots; ++i) {
+    TranspositionTable.entries[i].move = checkMark;
+    TranspositionTable.tags[i] = 1;  // in use
+  }
   Run("7k/5Q2/6K1/8/8/8/8/8 b - - bm Kg8;");
   std::uint32_t nKept = 0;
   for (std::uint32_t i = 0; i < nSlots; ++i) {

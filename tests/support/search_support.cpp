@@ -10,6 +10,7 @@
 #include "board/notation.h"
 #include "eval/king.h"
 #include "search/hash/hash_allocation.h"
+#include "search/hash/hash_memory.h"
 #include "search/hash/hash_table.h"
 #include "search/iterate.h"
 #include "search/move_order.h"
@@ -47,6 +48,9 @@ void ColdStart() {
   AllocateTable(EvalHashTable, engineConfig.EvalHashSize);
   AllocateTable(PawnHashTable, engineConfig.PawnHashSize);
   AllocateTable(TranspositionTable, engineConfig.TTHashSize);
+  // While memory is missing a search looks at clock and input more often.
+  while (HashPrefaultSlice()) {
+  }
   ResetHashCounters();
   ClearKillers();
   ClearHistory();
