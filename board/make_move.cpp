@@ -132,10 +132,12 @@ void MakeAnyMove(Board& board, Move move) {
     TogglePiece(board, side, landedKind, to);
   }
   if (castles) CastleRook(board, undo, from, to);
-  if (kind == king) LocateKing(board, side);
 
-  // 3. Castling rights and the en-passant square.
-  if (kind == king) UpdateKingRights(board, castles);
+  // 3. The king's square, castling rights and the en-passant square.
+  if (kind == king) {
+    LocateKing(board, side);
+    UpdateKingRights(board, castles);
+  }
   if (kind == rook) UpdateRookRights(board, side, from);
   UpdateEnPassant(board, kind, from, to, takesEnPassant);
 
