@@ -30,7 +30,7 @@ wanted() {
 # Compiler and test library; format check; scripts. Then the instruction counter
 # and the referees, peers and clients of the tests that play whole games.
 packages=(g++ cmake ninja-build libgtest-dev libgmock-dev clang-format cppcheck python3)
-wanted quick || packages+=(libbenchmark-dev dpkg-dev valgrind polyglot stockfish xboard fairymax
+wanted quick || packages+=(libbenchmark-dev dpkg-dev file valgrind polyglot stockfish xboard fairymax
   xvfb xauth)
 need_packages "${packages[@]}" ||
   echo "Some packages could not be installed; tests that need them are skipped." >&2

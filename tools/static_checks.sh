@@ -62,8 +62,11 @@ fi
 names=("$@")
 [ ${#names[@]} -gt 0 ] || names=(cppcheck engine tests)
 
-for program in cppcheck clang-tidy-14 run-clang-tidy-14; do
-  command -v $program >/dev/null && continue
+programs=()
+[[ " ${names[*]} " != *" cppcheck "* ]] || programs+=(cppcheck)
+[ "${names[*]}" = cppcheck ] || programs+=(clang-tidy-14 run-clang-tidy-14)
+for program in "${programs[@]}"; do
+  command -v "$program" >/dev/null && continue
   $install cppcheck clang-tidy-14 g++ cmake ninja-build python3 libgtest-dev libbenchmark-dev &&
     break
   echo "SKIP: $program is not installed"

@@ -19,6 +19,9 @@ import zipfile
 
 SKIPPED = 77
 
+# What CPack calls to make a .deb.
+DEBIAN_TOOLS = ["dpkg-deb", "dpkg-shlibdeps", "file"]
+
 # Below the root of the file system (.deb) or the package's own folder.
 ON_LINUX = [
     "bin/mirvo",
@@ -135,8 +138,9 @@ CHECKS = {"Linux": {".deb": check_deb, ".gz": check_tar}, "Windows": {".zip": ch
 
 
 def main(cpack, build_folder, platform, *loader):
-    if platform == "Linux" and not (shutil.which("dpkg-deb") and shutil.which("dpkg-shlibdeps")):
-        print("SKIP: dpkg-deb and dpkg-shlibdeps (dpkg-dev) are not both installed")
+    missing = [tool for tool in DEBIAN_TOOLS if not shutil.which(tool)]
+    if platform == "Linux" and missing:
+        print(f"SKIP: {', '.join(missing)} not installed")
         return SKIPPED
     with tempfile.TemporaryDirectory() as folder:
         made = subprocess.run([cpack, "--config", build_folder + "/CPackConfig.cmake", "-B", folder],

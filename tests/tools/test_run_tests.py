@@ -15,6 +15,7 @@ import sys
 import tempfile
 import time
 import unittest
+import unittest.mock
 
 ROOT = pathlib.Path(sys.argv.pop(1)).resolve()
 sys.dont_write_bytecode = True
@@ -444,6 +445,15 @@ class Quick(unittest.TestCase):
             with self.subTest(changed):
                 chosen = self.chosen(self.choice(changed), *((name, [], []) for name in names))
                 self.assertEqual(chosen, expected)
+
+    def test_files_are_listed_without_git_too(self):
+        with tempfile.TemporaryDirectory() as folder:
+            root = pathlib.Path(folder)
+            for name in ("a.cpp", "docs/b.md", "build/c.o", ".git/config"):
+                (root / name).parent.mkdir(exist_ok=True)
+                (root / name).write_text("text", encoding="utf-8")
+            with unittest.mock.patch.dict(os.environ, PATH="/nonexistent"):
+                self.assertEqual(sorted(quick.list_files(root)), ["a.cpp", "docs/b.md"])
 
     def test_changes_are_told_from_contents(self):
         self.assertEqual(quick.changed_files({"a": "1", "b": "2", "c": "3"},

@@ -11,6 +11,7 @@ import hashlib
 import json
 import pathlib
 import re
+import shutil
 import subprocess
 
 STATE = "build/quick-state.json"
@@ -49,12 +50,13 @@ LONGEST = 20.0  # seconds
 
 
 def list_files(root):
-    """Files of the project, by git if it is there."""
-    listed = subprocess.run(["git", "-c", "safe.directory=*", "ls-files", "-coz",
-                             "--exclude-standard"], cwd=root, capture_output=True, check=False)
-    if listed.returncode == 0:
-        names = listed.stdout.decode("utf-8", "surrogateescape").split("\0")
-        return [name for name in names if name and (root / name).is_file()]
+    """Files of the project: as git says, where there is git and a clone."""
+    if shutil.which("git"):
+        listed = subprocess.run(["git", "-c", "safe.directory=*", "ls-files", "-coz",
+                                 "--exclude-standard"], cwd=root, capture_output=True, check=False)
+        if listed.returncode == 0:
+            names = listed.stdout.decode("utf-8", "surrogateescape").split("\0")
+            return [name for name in names if name and (root / name).is_file()]
     return [path.relative_to(root).as_posix() for path in root.rglob("*")
             if path.is_file() and path.relative_to(root).parts[0] not in ("build", ".git")]
 
