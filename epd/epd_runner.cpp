@@ -37,7 +37,6 @@ void ClearSearchMemory() {
   ClearPreviousPv();
   HashClear(EvalHashTable);
   HashClear(PawnHashTable);
-  HashClear(TranspositionTable);
   HashResetSearch(TranspositionTable);
   ResetHashCounters();
 }

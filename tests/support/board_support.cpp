@@ -302,10 +302,10 @@ bool SameFields(const Board& a, const Board& b) {
          same(a.kingRank, b.kingRank) && a.sideToMove == b.sideToMove &&
          sameFlags(a.castling, b.castling) && a.plyCount == b.plyCount && a.epRank == b.epRank &&
          a.epFile == b.epFile && a.epColour == b.epColour && a.nullMoveMade == b.nullMoveMade &&
-         a.hasOverlaps == b.hasOverlaps && a.turnPassed == b.turnPassed && a.occupied == b.occupied &&
-         a.occupiedRot90 == b.occupiedRot90 && a.occupiedDiagA1H8 == b.occupiedDiagA1H8 &&
-         a.occupiedDiagA8H1 == b.occupiedDiagA8H1 && a.undoDepth == b.undoDepth &&
-         a.positionKey == b.positionKey && a.pawnKey == b.pawnKey &&
+         a.hasOverlaps == b.hasOverlaps && a.turnPassed == b.turnPassed &&
+         a.occupied == b.occupied && a.occupiedRot90 == b.occupiedRot90 &&
+         a.occupiedDiagA1H8 == b.occupiedDiagA1H8 && a.occupiedDiagA8H1 == b.occupiedDiagA8H1 &&
+         a.undoDepth == b.undoDepth && a.positionKey == b.positionKey && a.pawnKey == b.pawnKey &&
          a.inCheckCache == b.inCheckCache && a.historyIndex == b.historyIndex &&
          std::equal(a.undoStack, a.undoStack + a.undoDepth, b.undoStack, sameRecord);
 }
