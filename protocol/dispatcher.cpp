@@ -4,10 +4,11 @@
 #include <string>
 #include <utility>
 
-#include "protocol/held_lines.h"
+#include "protocol/deferred_commands.h"
 #include "protocol/input_lines.h"
 #include "protocol/signals.h"
 #include "protocol/uci.h"
+#include "protocol/uci_session.h"
 #include "protocol/xboard.h"
 #include "protocol/xboard_ponder.h"
 #include "search/hash/hash_memory.h"
@@ -20,9 +21,9 @@ namespace mirvo {
 namespace {
 
 /// Sleep of one idle turn after the end of input, and between two looks at
-/// the input while an answer is withheld.
-constexpr std::uint32_t endedPause = 10;    // ms
-constexpr std::uint32_t withheldPause = 5;  // ms
+/// the input while a best move is delayed.
+constexpr std::uint32_t endedPause = 10;   // ms
+constexpr std::uint32_t delayedPause = 5;  // ms
 
 /// Most lines that one poll reads, so that a flood of them cannot keep the
 /// search from its clock.
@@ -31,7 +32,7 @@ constexpr int maxLinesPerPoll = 1024;
 /// Everything that has been read and not been handled.
 struct PendingInput {
   LineReader reader;
-  HeldLines held;
+  DeferredCommands deferred;
 };
 
 PendingInput pending;
@@ -43,6 +44,12 @@ LineReader& Reader() {
 
 bool IsUciWord(const char* line) { return StartsWith(line, "uci"); }
 bool IsXBoardWord(const char* line) { return StartsWith(line, "xboard"); }
+
+/// One look at the input, after a short sleep, while a best move is delayed.
+void WaitForInput() {
+  Reader().source->pause(delayedPause);
+  PollInput();
+}
 
 void SwitchToUci(ProtocolMode& mode) {
   mode.detected = 1;
@@ -74,7 +81,10 @@ void DetectProtocol(ProtocolMode& mode, const char* line) {
 /// Before a protocol is known every line is dropped.
 void Route(ProtocolMode& mode, const char* line) {
   if (mode.mode == xboardProtocol) HandleXBoardLine(mode.xboardState, line);
-  if (mode.mode == uciProtocol) HandleUciLine(mode.uciState, line);
+  if (mode.mode == uciProtocol) {
+    uciSession.waitForInput = WaitForInput;
+    HandleUciLine(mode.uciState, line);
+  }
 }
 
 void HandleReadLine(ProtocolMode& mode, const char* line) {
@@ -85,14 +95,15 @@ void HandleReadLine(ProtocolMode& mode, const char* line) {
 
 /// A request to terminate is followed once every waiting line was handled.
 void EndIfRequested() {
-  if (TerminationRequested() && pending.held.lines.empty() && !InputWaits(Reader())) std::exit(0);
+  if (TerminationRequested() && pending.deferred.lines.empty() && !InputWaits(Reader()))
+    std::exit(0);
 }
 
 // ---- Inside a search ----
 
-/// Whether this process hears and is heard by nobody: its interface was killed.
+/// Whether input has ended and nobody reads the output: the interface was killed.
 bool IsCutOff(LineStatus status) {
-  return status == LineStatus::ended && Reader().source->unheard();
+  return status == LineStatus::ended && Reader().source->outputClosed();
 }
 
 /// No more commands will come for the running search.
@@ -107,40 +118,41 @@ bool SwitchesProtocol(const ProtocolMode& mode, const char* line) {
 
 /// Whether a line that arrived during a search has to wait for its end. Asked
 /// once for each line and search, in order: the answer may end the search.
-bool MustWait(const ProtocolMode& mode, HeldLines& held, const char* line) {
+bool MustWait(const ProtocolMode& mode, DeferredCommands& deferred, const char* line) {
   if (SwitchesProtocol(mode, line)) {
-    held.hasSwitch = true;
+    deferred.hasSwitch = true;
     // Whoever speaks the other protocol has no command to end this search.
     EndCommands(mode);
     return true;
   }
   if (mode.mode == uciProtocol) {
-    if (UciLineMustWait(line, held.hasGo)) return true;
-    return held.hasSwitch && !UciLineIsUrgent(line);
+    if (UciLineMustWait(line, deferred.hasGo)) return true;
+    return deferred.hasSwitch && !UciLineIsUrgent(line);
   }
   // Behind a switch to the other protocol the lines are no longer XBoard's.
-  if (held.hasSwitch) return !StartsWith(line, "quit");
+  if (deferred.hasSwitch) return !StartsWith(line, "quit");
   return XBoardLineMustWait(line);
 }
 
 /// Handles a line that acts at once; false when it has to wait.
 bool HandleDuringSearch(ProtocolMode& mode, const char* line) {
-  if (MustWait(mode, pending.held, line)) return false;
+  if (MustWait(mode, pending.deferred, line)) return false;
   HandleReadLine(mode, line);
   return true;
 }
 
-/// Asks about the lines that an earlier search left behind.
-void JudgeHeldLines(ProtocolMode& mode) {
-  HeldLines& held = pending.held;
-  while (held.nJudged < held.lines.size() && !XBoardHasOwnLine()) {
-    const auto position = held.lines.begin() + static_cast<std::ptrdiff_t>(held.nJudged);
+/// Classifies the commands that an earlier search left behind.
+void ClassifyDeferredCommands(ProtocolMode& mode) {
+  DeferredCommands& deferred = pending.deferred;
+  while (deferred.nClassified < deferred.lines.size() && !XBoardHasOwnLine()) {
+    const auto position =
+        deferred.lines.begin() + static_cast<std::ptrdiff_t>(deferred.nClassified);
     const std::string line = std::move(*position);
     if (HandleDuringSearch(mode, line.c_str())) {
-      held.lines.erase(position);
+      deferred.lines.erase(position);
     } else {
       *position = line;
-      ++held.nJudged;
+      ++deferred.nClassified;
     }
   }
 }
@@ -148,13 +160,13 @@ void JudgeHeldLines(ProtocolMode& mode) {
 /// Reads what waits. While the front end itself has the next line, the rest
 /// keeps its place behind that one.
 void ReadDuringSearch(ProtocolMode& mode) {
-  HeldLines& held = pending.held;
+  DeferredCommands& deferred = pending.deferred;
   char line[lineCapacity];
   for (int i = 0; i < maxLinesPerPoll && !XBoardHasOwnLine(); ++i) {
     // With no room left nothing is read any more: to this search that is the
     // end of its input.
     LineStatus status = LineStatus::ended;
-    if (held.lines.size() < maxHeldLines) {
+    if (deferred.lines.size() < maxDeferredCommands) {
       status = ReadLine(Reader(), false, line);
       // Nobody waits for the answer of this search.
       if (IsCutOff(status)) std::exit(0);
@@ -163,14 +175,14 @@ void ReadDuringSearch(ProtocolMode& mode) {
     if (status != LineStatus::line) return;
     if (line[0] == 0) continue;
     if (!HandleDuringSearch(mode, line)) {
-      held.lines.emplace_back(line);
-      held.nJudged = held.lines.size();
+      deferred.lines.emplace_back(line);
+      deferred.nClassified = deferred.lines.size();
     }
   }
 }
 
 void DispatchDuringSearch(ProtocolMode& mode) {
-  JudgeHeldLines(mode);
+  ClassifyDeferredCommands(mode);
   if (InputWaits(Reader())) ReadDuringSearch(mode);
   EndIfRequested();
 }
@@ -181,27 +193,27 @@ void DispatchDuringSearch(ProtocolMode& mode) {
 /// stays, without using the processor.
 void PassIdleTurnAfterEnd() {
   const InputSource& source = *Reader().source;
-  if (source.abandoned() || source.unheard()) std::exit(0);
+  if (source.parentExited() || source.outputClosed()) std::exit(0);
   source.pause(endedPause);
 }
 
-/// Takes the next line: the front end's own, then held ones, then new input.
+/// Takes the next line: the front end's own, then deferred ones, then new input.
 LineStatus TakeLine(const ProtocolMode& mode, char* line) {
-  HeldLines& held = pending.held;
+  DeferredCommands& deferred = pending.deferred;
   if (mode.mode == xboardProtocol && XBoardHasOwnLine()) {
     TakeXBoardOwnLine(line, lineCapacity);
     return LineStatus::line;
   }
-  if (held.lines.empty()) return ReadLine(Reader(), true, line);
-  CopyText(line, lineCapacity, held.lines.front().c_str());
-  held.lines.pop_front();
+  if (deferred.lines.empty()) return ReadLine(Reader(), true, line);
+  CopyText(line, lineCapacity, deferred.lines.front().c_str());
+  deferred.lines.pop_front();
   return LineStatus::line;
 }
 
 /// Whether TakeLine need not wait.
 bool LineWaits(const ProtocolMode& mode) {
   const bool ownLine = mode.mode == xboardProtocol && XBoardHasOwnLine();
-  return ownLine || !pending.held.lines.empty() || InputWaits(Reader());
+  return ownLine || !pending.deferred.lines.empty() || InputWaits(Reader());
 }
 
 /// Uses the time until the next line for the memory of searches to come.
@@ -211,10 +223,10 @@ void PrefaultWhileIdle(const ProtocolMode& mode) {
 }
 
 void DispatchIdle(ProtocolMode& mode) {
-  HeldLines& held = pending.held;
-  held.nJudged = 0;
-  held.hasGo = false;
-  held.hasSwitch = false;
+  DeferredCommands& deferred = pending.deferred;
+  deferred.nClassified = 0;
+  deferred.hasGo = false;
+  deferred.hasSwitch = false;
   char line[lineCapacity];
   const LineStatus status = TakeLine(mode, line);
   if (status == LineStatus::line) HandleReadLine(mode, line);
@@ -233,11 +245,6 @@ void Dispatch(ProtocolMode& mode, bool poll) {
 }
 
 void PollInput() { Dispatch(protocolMode, true); }
-
-void WaitForInput() {
-  Reader().source->pause(withheldPause);
-  PollInput();
-}
 
 void RunIdleLoop(ProtocolMode& mode) {
   SystemInput();

@@ -19,10 +19,10 @@ struct InputSource {
   /// nothingToRead. Without `wait` it never blocks.
   int (*read)(char* buffer, std::size_t size, bool wait);
   /// Whether the process that started this one is gone.
-  bool (*abandoned)();
+  bool (*parentExited)();
   /// Whether the reader of standard output is gone: nothing that is printed
   /// will ever be seen.
-  bool (*unheard)();
+  bool (*outputClosed)();
   /// Sleeps about so many milliseconds between two looks at the input.
   void (*pause)(std::uint32_t milliseconds);
 };

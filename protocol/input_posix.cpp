@@ -14,7 +14,7 @@ namespace {
 /// arrived just before the wait is noticed too.
 constexpr int waitSlice = 250;  // ms
 
-pid_t starter = 0;
+pid_t parentPid = 0;
 
 /// Whether standard input can be read, or has ended, within `milliseconds`.
 bool Readable(int milliseconds) {
@@ -37,21 +37,21 @@ int ReadBytes(char* buffer, std::size_t size, bool wait) {
 }
 
 /// A process whose parent has ended is handed to another one.
-bool StarterIsGone() { return getppid() != starter; }
+bool ParentExited() { return getppid() != parentPid; }
 
 /// The system tells of a closed pipe without anything being written to it.
-bool NobodyReadsOutput() {
+bool OutputClosed() {
   pollfd printed{STDOUT_FILENO, 0, 0};
   return poll(&printed, 1, 0) > 0;
 }
 
-constexpr InputSource systemInput{BytesWaiting, ReadBytes, StarterIsGone, NobodyReadsOutput,
+constexpr InputSource systemInput{BytesWaiting, ReadBytes, ParentExited, OutputClosed,
                                   SleepMilliseconds};
 
 }  // namespace
 
 const InputSource& SystemInput() {
-  if (starter == 0) starter = getppid();
+  if (parentPid == 0) parentPid = getppid();
   return systemInput;
 }
 

@@ -81,12 +81,12 @@ int ReadBytes(char* buffer, std::size_t size, bool wait) {
 }
 
 /// The process lives on until its interface says "quit".
-bool StarterIsGone() { return false; }
+bool ParentExited() { return false; }
 
 /// Only a write would tell here.
-bool NobodyReadsOutput() { return false; }
+bool OutputClosed() { return false; }
 
-constexpr InputSource systemInput{BytesWaiting, ReadBytes, StarterIsGone, NobodyReadsOutput,
+constexpr InputSource systemInput{BytesWaiting, ReadBytes, ParentExited, OutputClosed,
                                   SleepMilliseconds};
 
 }  // namespace

@@ -56,7 +56,7 @@ void ClearTranspositionTable() {
 }
 
 void NewGame(UciSession& session, const char*) {
-  session.answerOwed = 0;
+  session.bestMovePending = 0;
   BeginFromStart(gameBoard);
   ClearHistory();
   ClearTranspositionTable();
@@ -84,7 +84,7 @@ void ReportReady(UciSession&, const char*) {
 }
 
 void Position(UciSession& session, const char* rest) {
-  session.answerOwed = 0;
+  session.bestMovePending = 0;
   SetUpPosition(session, gameBoard, rest);
 }
 
@@ -152,6 +152,6 @@ bool UciLineIsUrgent(const char* line) {
 
 void UciInputEnded() { EndSearchWithoutEnd(uciSession); }
 
-void UciLeave() { uciSession.answerOwed = 0; }
+void UciLeave() { uciSession.bestMovePending = 0; }
 
 }  // namespace mirvo

@@ -10,7 +10,7 @@ namespace mirvo {
 /// "go" returns when its search is over and answered.
 void HandleUciLine(std::uint8_t& state, const char* line);
 
-/// Judges a line while a search runs: true when it must wait until the search
+/// Classifies a line while a search runs: true when it must wait until the search
 /// is over, because it needs the board or a search of its own, false when it
 /// acts at once. `hasGo` tells whether a "go" waits already, and is set by one.
 ///

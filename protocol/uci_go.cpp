@@ -4,7 +4,6 @@
 
 #include "board/make_move.h"
 #include "board/notation.h"
-#include "protocol/dispatcher.h"
 #include "protocol/game_board.h"
 #include "search/pondering.h"
 #include "search/search_flags.h"
@@ -57,9 +56,11 @@ bool NeedsCommand(const UciSession& session) {
   return session.answerRule == AnswerRule::onCommand;
 }
 
-/// A search that finishes early keeps its answer until it may be given.
-void WithholdAnswer(const UciSession& session) {
-  while (NeedsCommand(session) && searchFlags.StopSearch == 0) WaitForInput();
+/// Keeps the best move of a search that finished early until it may be told.
+void DelayBestMove(const UciSession& session) {
+  while (session.waitForInput != nullptr && NeedsCommand(session) && searchFlags.StopSearch == 0) {
+    session.waitForInput();
+  }
 }
 
 void PrintBestMove(const SearchResult& result) {
@@ -77,7 +78,7 @@ void PrintBestMove(const SearchResult& result) {
 /// answers.
 void SearchAndAnswer(UciSession& session, SearchRecord& record) {
   const SearchResult result = session.think(record);
-  WithholdAnswer(session);
+  DelayBestMove(session);
   session.answerRule = AnswerRule::whenDone;
   searchFlags.pondering = 0;
   session.LastMoveFlagged = (result.best & mateMark) != 0 ? 1 : 0;
@@ -85,9 +86,9 @@ void SearchAndAnswer(UciSession& session, SearchRecord& record) {
   PrintBestMove(result);
 }
 
-/// The answer to a "go ponder" that was declined.
-void AnswerOwed(UciSession& session) {
-  session.answerOwed = 0;
+/// Searches for and prints the best move of a "go ponder" that was declined.
+void GivePendingBestMove(UciSession& session) {
+  session.bestMovePending = 0;
   searchFlags.StopSearch = 0;
   SearchRecord record = PrepareSearch(gameBoard);
   SearchAndAnswer(session, record);
@@ -96,13 +97,13 @@ void AnswerOwed(UciSession& session) {
 }  // namespace
 
 void Go(UciSession& session, const char* text) {
-  session.answerOwed = 0;
+  session.bestMovePending = 0;
   ReadClocks(session, text);
   const bool infinite = Occurs(text, "infinite");
   const bool ponders = Occurs(text, "ponder");
   engineConfig.InfiniteThinkingTime = infinite ? 1 : 0;
   if (ponders && session.LastMoveFlagged != 0) {
-    session.answerOwed = 1;
+    session.bestMovePending = 1;
     return;
   }
   if (ponders) engineConfig.InfiniteThinkingTime = 1;
@@ -128,17 +129,17 @@ void EndSearchWithoutEnd(const UciSession& session) {
 
 void Stop(UciSession& session) {
   searchFlags.StopSearch = 1;
-  if (session.answerOwed == 0) return;
+  if (session.bestMovePending == 0) return;
   // A search without time: it ends at its first look at the clock.
   engineConfig.InfiniteThinkingTime = 0;
   engineConfig.FixedTimePerMove = 0;
-  AnswerOwed(session);
+  GivePendingBestMove(session);
 }
 
 void PonderHitCommand(UciSession& session) {
   PonderHit(engineConfig, session.movesToGo, session.whiteTime, session.whiteIncrement);
   SetDeadline(engineConfig, ClockOfMover(session));
-  if (session.answerOwed != 0) AnswerOwed(session);
+  if (session.bestMovePending != 0) GivePendingBestMove(session);
 }
 
 }  // namespace mirvo

@@ -11,8 +11,8 @@ namespace mirvo {
 /// What ends a "go" whose search has nothing left to do.
 enum class AnswerRule : std::uint8_t {
   whenDone,     // its answer is given at once
-  onCommand,    // "go infinite": withheld until "stop"
-  onPonderEnd,  // "go ponder": withheld until "stop" or "ponderhit"
+  onCommand,    // "go infinite": delayed until "stop"
+  onPonderEnd,  // "go ponder": delayed until "stop" or "ponderhit"
 };
 
 struct UciSession {
@@ -28,12 +28,15 @@ struct UciSession {
   bool clockReceived[nSides] = {false, false};  // a "go" has named this side's clock
   /// The last search ended on a mate score.
   std::uint8_t LastMoveFlagged = 0;
-  /// A "go ponder" was declined; "stop" or "ponderhit" still gets an answer.
-  std::uint8_t answerOwed = 0;
+  /// A "go ponder" was declined; "stop" or "ponderhit" still gets a best move.
+  std::uint8_t bestMovePending = 0;
   /// Of the "go" that is running.
   AnswerRule answerRule = AnswerRule::whenDone;
   /// The search; tests install their own.
   SearchResult (*think)(SearchRecord& record) = Think;
+  /// One look at the input while a best move is delayed. Installed by the
+  /// dispatcher; null when there is no input to wait for.
+  void (*waitForInput)() = nullptr;
 };
 
 /// Owner: uci.cpp. Writers: the UCI front end.

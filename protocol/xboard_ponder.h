@@ -33,10 +33,10 @@ bool XBoardHasOwnLine();
 /// `line` and clears the held move's flags. Call only between searches.
 void TakeXBoardOwnLine(char* line, std::size_t size);
 
-/// Judges a line while a search runs: true when it must wait in the queue
+/// Classifies a line while a search runs: true when it must wait in the queue
 /// until the search is over, false when it acts at once. May stop the running
 /// search on behalf of a line that waits. Call it once for each arriving line
-/// in order; lines that still wait when the next search starts are judged
+/// in order; lines that still wait when the next search starts are classified
 /// again, in order, at its first poll.
 bool XBoardLineMustWait(const char* line);
 

@@ -3,7 +3,7 @@
 #include <sstream>
 #include <string>
 
-#include "protocol/held_lines.h"
+#include "protocol/deferred_commands.h"
 #include "tests/protocol/uci_test_kit.h"
 
 namespace mirvo {
@@ -366,7 +366,7 @@ TEST_F(Polling, AnotherXboardLineDuringItsSearchPrintsTheFeaturesAtOnce) {
 
 TEST_F(Polling, TheQueueIsFullAtItsLimitAndReadsNoFurther) {
   std::string lines;
-  for (std::size_t i = 0; i < maxHeldLines; ++i) lines += "eval\n";
+  for (std::size_t i = 0; i < maxDeferredCommands; ++i) lines += "eval\n";
   // One poll may read a part of them only.
   script = {{{lines + "isready\n", "", "", "", "", "", ""}, "e2e4"}};
   protocolMode.mode = uciProtocol;
@@ -379,7 +379,7 @@ TEST_F(Polling, TheQueueIsFullAtItsLimitAndReadsNoFurther) {
 
 TEST_F(Polling, OneLineLessLeavesRoomInTheQueue) {
   std::string lines;
-  for (std::size_t i = 0; i + 1 < maxHeldLines; ++i) lines += "eval\n";
+  for (std::size_t i = 0; i + 1 < maxDeferredCommands; ++i) lines += "eval\n";
   script = {{{lines + "isready\n", "", "", "", "", "", ""}, "e2e4"}};
   protocolMode.mode = uciProtocol;
   fakeInput.bytes = "go\n";
@@ -393,7 +393,7 @@ TEST_F(Polling, OneLineLessLeavesRoomInTheQueue) {
 // No command can reach an endless search behind a full queue, so it ends.
 TEST_F(Polling, AFullQueueEndsASearchThatOnlyACommandCouldEnd) {
   std::string lines;
-  for (std::size_t i = 0; i < maxHeldLines; ++i) lines += "position startpos\n";
+  for (std::size_t i = 0; i < maxDeferredCommands; ++i) lines += "position startpos\n";
   script = {{{lines + "stop\n", "", "", "", "", "", "", "", ""}, "e2e4"}};
   EXPECT_EQ(PlayUci("go infinite\n"), std::string(noTime) + "bestmove e2e4 \n");
 }
@@ -452,7 +452,7 @@ TEST_F(EndOfInput, ASearchThatNobodyWillHearOfEndsTheProcess) {
 
 TEST_F(EndOfInput, AFullQueueIsNoEnd) {
   std::string lines;
-  for (std::size_t i = 0; i < maxHeldLines; ++i) lines += "eval\n";
+  for (std::size_t i = 0; i < maxDeferredCommands; ++i) lines += "eval\n";
   script = {{{lines, "", "", "", "", "", ""}, "e2e4"}};
   fakeInput.readerGone = true;
   protocolMode.mode = uciProtocol;

@@ -113,21 +113,21 @@ TEST_F(StandardInput, TellsWhetherAnybodyReadsTheOutput) {
   const int before = dup(STDOUT_FILENO);
   dup2(ends[1], STDOUT_FILENO);
   close(ends[1]);
-  const bool unheardWhileOpen = source.unheard();
+  const bool closedWhileOpen = source.outputClosed();
   close(ends[0]);
-  const bool unheardOnceClosed = source.unheard();
+  const bool closedOnceClosed = source.outputClosed();
   const int file = open("/dev/null", O_WRONLY);
   dup2(file, STDOUT_FILENO);
   close(file);
-  const bool unheardInAFile = source.unheard();
+  const bool closedInAFile = source.outputClosed();
   dup2(before, STDOUT_FILENO);
   close(before);
-  EXPECT_FALSE(unheardWhileOpen);
-  EXPECT_TRUE(unheardOnceClosed);
-  EXPECT_FALSE(unheardInAFile);
+  EXPECT_FALSE(closedWhileOpen);
+  EXPECT_TRUE(closedOnceClosed);
+  EXPECT_FALSE(closedInAFile);
 }
 
-TEST_F(StandardInput, TheStarterIsThere) { EXPECT_FALSE(source.abandoned()); }
+TEST_F(StandardInput, TheParentIsThere) { EXPECT_FALSE(source.parentExited()); }
 
 }  // namespace
 }  // namespace mirvo
