@@ -3,6 +3,7 @@
 #include "board/bits.h"
 #include "board/fen.h"
 #include "board/make_move.h"
+#include "book/book_file.h"
 #include "book/book_writer.h"
 #include "book/pgn_reader.h"
 #include "shell/base/output.h"

@@ -1,6 +1,6 @@
 // The book file: 16-byte big-endian records of position key, move, weight and
 // learn value, those of one position together. Reading and writing of records
-// and the two move codings. LoadBook is declared in opening_book.h.
+// and the two move codings, and loading a whole book.
 #pragma once
 
 #include <cstdint>
@@ -8,6 +8,7 @@
 
 #include "board/move.h"
 #include "book/byte_reader.h"
+#include "book/opening_book.h"
 
 namespace mirvo {
 
@@ -41,5 +42,10 @@ bool ReadBookRecord(ByteReader& file, BookRecord& record);
 void WriteBigEndian(std::FILE* file, int n, std::uint64_t value);
 
 void WriteBookRecord(std::FILE* file, const BookRecord& record);
+
+/// Reads a book file. Replace mode starts a fresh book, merge mode adds to it.
+/// A missing file clears `loaded` and switches config.UseOpeningBook off.
+/// Returns whether the file could be opened.
+bool LoadBook(OpeningBook& book, const char* path, bool replace);
 
 }  // namespace mirvo

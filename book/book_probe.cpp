@@ -1,11 +1,12 @@
-// Choosing a move from the book for a position, and the book's summary.
+#include "book/book_probe.h"
+
 #include <cstdint>
 
 #include "board/bb_move_generator.h"
 #include "board/legal_moves.h"
 #include "board/make_move.h"
 #include "board/notation.h"
-#include "book/opening_book.h"
+#include "book/book_random.h"
 #include "shell/base/output.h"
 
 namespace mirvo {

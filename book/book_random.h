@@ -1,6 +1,6 @@
 // The book's random generator: an additive lagged-Fibonacci generator of 55
 // words. Start-up advances it by the clock, so games vary; nothing stores the
-// sequence. NextRandom itself is declared in opening_book.h.
+// sequence.
 #pragma once
 
 #include <cstdint>
@@ -11,6 +11,9 @@ inline constexpr int nRandomWords = 55;
 
 /// The words that the generator starts from.
 extern const std::uint32_t RandomSeedWords[nRandomWords];
+
+/// Next word of the book's random generator.
+std::uint32_t NextRandom();
 
 /// Forgets the state: the next call starts from the seed words again (tests).
 void ResetRandom();

@@ -1,5 +1,5 @@
-// The opening book held in memory, and the calls that the engine makes on it.
-// Built by loading a file (book_file.h) or from games (book_builder.h).
+// The opening book held in memory: its positions and their moves. Filled from a
+// file (book_file.h) or from games (book_builder.h), asked by book_probe.h.
 #pragma once
 
 #include <cstdint>
@@ -30,11 +30,6 @@ bool CreateOpeningBook(OpeningBook& book);
 /// the process ends).
 void DestroyOpeningBook(OpeningBook& book);
 
-/// Reads a book file. Replace mode starts a fresh book, merge mode adds to it.
-/// A missing file clears `loaded` and switches config.UseOpeningBook off.
-/// Returns whether the file could be opened.
-bool LoadBook(OpeningBook& book, const char* path, bool replace);
-
 /// Index of the first entry with that key, or -1.
 std::int32_t FindEntry(OpeningBook& book, std::uint64_t key);
 
@@ -46,15 +41,5 @@ void AddBookMove(OpeningBook& book, std::int32_t index, Move move, std::int32_t 
 /// Adds `move` to the entry of `key`, which is opened when the book has none.
 /// Without room for another entry the move is dropped.
 void AddBookPosition(OpeningBook& book, std::uint64_t key, Move move, std::int32_t weight);
-
-/// Picks a legal book move for the position by weight at random and prints the
-/// entry's list. False when the book has none. The board is unchanged after.
-bool ProbeBook(OpeningBook& book, Board& board, Move& move);
-
-/// The "-bookstats" summary.
-void PrintBookStats(const OpeningBook& book);
-
-/// Next word of the book's random generator.
-std::uint32_t NextRandom();
 
 }  // namespace mirvo

@@ -5,6 +5,7 @@
 #include "board/key_history.h"
 #include "board/legal_moves.h"
 #include "board/make_move.h"
+#include "book/book_probe.h"
 #include "book/opening_book.h"
 #include "search/game_counters.h"
 #include "search/hash/hash_table.h"

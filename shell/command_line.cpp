@@ -7,6 +7,8 @@
 #include "board/fen.h"
 #include "board/perft.h"
 #include "book/book_builder.h"
+#include "book/book_file.h"
+#include "book/book_probe.h"
 #include "book/opening_book.h"
 #include "shell/base/process.h"
 #include "shell/base/text.h"

@@ -2,6 +2,7 @@
 
 #include "board/display.h"
 #include "board/perft.h"
+#include "book/book_file.h"
 #include "book/opening_book.h"
 #include "epd/epd_runner.h"
 #include "eval/eval_report.h"

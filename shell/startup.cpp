@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "board/attack_tables.h"
+#include "book/book_random.h"
 #include "book/opening_book.h"
 #include "eval/king.h"
 #include "protocol/dispatcher.h"

@@ -1,4 +1,6 @@
 #include "book/book_builder.h"
+#include "book/book_file.h"
+#include "book/book_probe.h"
 
 #include <gtest/gtest.h>
 

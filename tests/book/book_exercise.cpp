@@ -5,6 +5,8 @@
 
 #include "board/fen.h"
 #include "book/book_builder.h"
+#include "book/book_file.h"
+#include "book/book_probe.h"
 #include "book/pgn_reader.h"
 
 namespace mirvo {

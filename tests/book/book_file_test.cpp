@@ -1,4 +1,5 @@
 #include "book/book_file.h"
+#include "book/book_probe.h"
 
 #include <gtest/gtest.h>
 

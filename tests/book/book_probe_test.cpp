@@ -5,6 +5,7 @@
 
 #include "board/notation.h"
 #include "book/book_file.h"
+#include "book/book_probe.h"
 #include "book/book_random.h"
 #include "tests/book/book_fixture.h"
 

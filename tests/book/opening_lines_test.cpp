@@ -12,6 +12,7 @@
 #include "board/bb_move_generator.h"
 #include "board/make_move.h"
 #include "book/book_builder.h"
+#include "book/book_file.h"
 #include "book/pgn_reader.h"
 #include "book/pgn_scanner.h"
 #include "tests/book/book_fixture.h"
