@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "board/move.h"
+#include "search/hash/multiply_high.h"
 
 namespace mirvo {
 
@@ -66,9 +67,8 @@ void HashResetSearch(HashTable& table);
 /// exact for 32-bit numbers (Lemire, Kaser, Kurz, "Faster remainder by direct
 /// computation", 2019).
 inline std::uint32_t HashIndex(const HashTable& table, std::uint64_t key) {
-  __extension__ using Wide = unsigned __int128;
   const std::uint64_t fraction = table.reciprocal * static_cast<std::uint32_t>(key);
-  return static_cast<std::uint32_t>((static_cast<Wide>(fraction) * table.size) >> 64);
+  return static_cast<std::uint32_t>(MultiplyHigh(fraction, table.size));
 }
 
 /// A byte of a key that takes no part in its index. The tags of a table are a

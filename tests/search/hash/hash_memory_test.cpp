@@ -1,8 +1,8 @@
 #include "search/hash/hash_memory.h"
-#include "search/hash/hash_allocation.h"
 
 #include <gtest/gtest.h>
 
+#include "search/hash/hash_allocation.h"
 #include "shell/base/large_pages.h"
 
 #ifdef __linux__

@@ -1,9 +1,10 @@
 #include "search/hash/hash_table.h"
-#include "search/hash/hash_allocation.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+
+#include "search/hash/hash_allocation.h"
 
 namespace mirvo {
 namespace {
@@ -43,6 +44,22 @@ std::uint32_t SlotsOf(std::int32_t megabytes) {
   EXPECT_NE(table.entries, nullptr);
   HashRelease(table);
   return slots;
+}
+
+TEST(MultiplyHigh, AgreesWithPlainArithmetic) {
+  constexpr std::uint64_t words[] = {0, 1, 0xFFFFFFFF, 0x100000000, 0x8000000000000000, ~0ULL};
+  constexpr std::uint32_t sizes[] = {0, 1, 16384, 1638400, 0x80000000, 0xFFFFFFFF};
+  for (const std::uint64_t word : words) {
+    for (const std::uint32_t size : sizes) {
+      EXPECT_EQ(MultiplyHigh(word, size), MultiplyHighPlain(word, size)) << word << ' ' << size;
+    }
+  }
+  std::uint64_t word = 0x9E3779B97F4A7C15;
+  for (int i = 0; i < 10000; ++i) {
+    word = word * 6364136223846793005ULL + 1442695040888963407ULL;
+    const auto size = static_cast<std::uint32_t>(word >> 17);
+    ASSERT_EQ(MultiplyHigh(word, size), MultiplyHighPlain(word, size)) << word << ' ' << size;
+  }
 }
 
 TEST(HashAllocation, MegabytesGiveSlotsOf64Bytes) {
