@@ -10,32 +10,59 @@
 namespace mirvo {
 namespace {
 
-// A little over twice the entries, so probes stay short.
-constexpr std::size_t nSlots = std::size_t{1} << 19;
-static_assert(nSlots > 2 * std::size_t{bookCapacity});
+// Slots of a small book, and of a full one: over twice the entries, so probes
+// stay short.
+constexpr std::uint32_t fewestSlots = 256;
+constexpr std::uint32_t mostSlots = std::uint32_t{1} << 19;
+static_assert(mostSlots > 2 * bookCapacity);
 
 // Spreads the key over all bits. Keys come from files of any origin, so the
 // low bits alone could be made to collide.
-std::size_t HomeSlot(std::uint64_t key, std::uint64_t seed) {
-  std::uint64_t mixed = key ^ seed;
+std::size_t HomeSlot(const BookIndex& index, std::uint64_t key) {
+  std::uint64_t mixed = key ^ index.seed;
   mixed = (mixed ^ (mixed >> 30)) * 0xBF58476D1CE4E5B9ULL;
   mixed = (mixed ^ (mixed >> 27)) * 0x94D049BB133111EBULL;
-  return static_cast<std::size_t>(mixed >> 40) & (nSlots - 1);
+  return static_cast<std::size_t>(mixed >> 40) & (index.nSlots - 1);
 }
 
 // The slot that holds `key`, or the free slot where it belongs.
 std::size_t SlotOf(const BookIndex& index, const BookEntry* entries, std::uint64_t key) {
-  std::size_t slot = HomeSlot(key, index.seed);
+  std::size_t slot = HomeSlot(index, key);
   while (index.slots[slot] != 0 && entries[index.slots[slot] - 1].key != key) {
-    slot = (slot + 1) & (nSlots - 1);
+    slot = (slot + 1) & (index.nSlots - 1);
   }
   return slot;
+}
+
+void EmptySlots(BookIndex& index) {
+  std::memset(index.slots, 0, index.nSlots * sizeof(std::int32_t));
+}
+
+// Puts the entries before `end` into the slots. A key that is there already
+// keeps its first entry.
+void Insert(BookIndex& index, const BookEntry* entries, std::int32_t begin, std::int32_t end) {
+  for (std::int32_t i = begin; i < end; ++i) {
+    std::int32_t& slot = index.slots[SlotOf(index, entries, entries[i].key)];
+    if (slot == 0) slot = i + 1;
+  }
+}
+
+// Twice the slots, before more than half of them are taken.
+void GrowFor(BookIndex& index, const BookEntry* entries, std::int32_t count) {
+  const std::uint32_t before = index.nSlots;
+  while (index.nSlots < mostSlots && index.nSlots < 2 * static_cast<std::uint32_t>(count)) {
+    index.nSlots *= 2;
+  }
+  if (index.nSlots == before) return;
+  EmptySlots(index);
+  Insert(index, entries, 0, index.nIndexed);
 }
 
 }  // namespace
 
 bool CreateBookIndex(BookIndex& index) {
-  index.slots = static_cast<std::int32_t*>(std::calloc(nSlots, sizeof(std::int32_t)));
+  index.slots = static_cast<std::int32_t*>(std::calloc(mostSlots, sizeof(std::int32_t)));
+  index.nSlots = fewestSlots;
   index.nIndexed = 0;
   index.seed = (static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(index.slots)) << 20) ^
                TickCount() * 0x9E3779B97F4A7C15ULL;
@@ -49,7 +76,8 @@ void DestroyBookIndex(BookIndex& index) {
 
 void ResetBookIndex(BookIndex& index) {
   if (index.slots != nullptr && index.nIndexed != 0) {
-    std::memset(index.slots, 0, nSlots * sizeof(std::int32_t));
+    EmptySlots(index);
+    index.nSlots = fewestSlots;
   }
   index.nIndexed = 0;
 }
@@ -57,12 +85,10 @@ void ResetBookIndex(BookIndex& index) {
 void UpdateBookIndex(BookIndex& index, const BookEntry* entries, std::int32_t count) {
   if (index.slots == nullptr) return;
   if (count < index.nIndexed) ResetBookIndex(index);
-  while (index.nIndexed < count) {
-    const std::size_t slot = SlotOf(index, entries, entries[index.nIndexed].key);
-    ++index.nIndexed;
-    // A key that is there already keeps its first entry.
-    if (index.slots[slot] == 0) index.slots[slot] = index.nIndexed;
-  }
+  if (count == index.nIndexed) return;
+  GrowFor(index, entries, count);
+  Insert(index, entries, index.nIndexed, count);
+  index.nIndexed = count;
 }
 
 std::int32_t FindInBookIndex(BookIndex& index, const BookEntry* entries, std::int32_t count,

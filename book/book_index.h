@@ -10,6 +10,7 @@ struct BookEntry;
 
 struct BookIndex {
   std::int32_t* slots = nullptr;  // entry number + 1, 0 = free
+  std::uint32_t nSlots = 0;       // slots in use, a power of two; the table grows with the book
   std::int32_t nIndexed = 0;      // entries 0..nIndexed-1 are in the index
   std::uint64_t seed = 0;         // differs between runs: no file can be made to collide
 };

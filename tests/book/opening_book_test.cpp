@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <limits>
 #include <random>
 #include <vector>
@@ -62,6 +63,31 @@ TEST_F(OpeningBookTest, FindsWhatALinearSearchFinds) {
     }
     ASSERT_EQ(FindEntry(book, wanted), expected);
   }
+}
+
+TEST_F(OpeningBookTest, TheIndexIsAsLargeAsTheBookNeeds) {
+  const std::uint32_t fewest = book.index.nSlots;
+  EXPECT_LE(fewest * sizeof(std::int32_t), 4096U);
+  for (std::int32_t n = 1; n <= 5000; ++n) {
+    AppendEntry(static_cast<std::uint64_t>(n % 4000), noMove, 1, 1);
+    FindEntry(book, 0);
+    ASSERT_GE(book.index.nSlots, 2U * static_cast<std::uint32_t>(n));
+    ASSERT_LE(book.index.nSlots, std::max(fewest, 4U * static_cast<std::uint32_t>(n)));
+  }
+  for (std::int32_t i = 0; i < 4000; ++i) EXPECT_EQ(FindEntry(book, book.entries[i].key), i);
+  ResetBookIndex(book.index);
+  EXPECT_EQ(book.index.nSlots, fewest);
+  EXPECT_EQ(FindEntry(book, book.entries[4500].key), 500);
+}
+
+TEST_F(OpeningBookTest, AnIndexThatWasResetHoldsNothing) {
+  for (std::uint64_t key = 1; key <= 1000; ++key) AppendEntry(key, noMove, 1, 1);
+  FindEntry(book, 1);
+  book.count = 0;
+  ResetBookIndex(book.index);
+  for (std::uint64_t key = 1; key <= 1000; ++key) AppendEntry(1001 - key, noMove, 1, 1);
+  for (std::int32_t i = 0; i < 1000; ++i) EXPECT_EQ(FindEntry(book, book.entries[i].key), i);
+  EXPECT_EQ(FindEntry(book, 2000), -1);
 }
 
 TEST_F(OpeningBookTest, FindsEveryKeyOfAFullBook) {
