@@ -87,16 +87,20 @@ void PrintTotals(const SuiteTotals& totals, std::int32_t count) {
 }  // namespace
 
 void RunSuite(const char* file, std::int32_t first, std::int32_t count) {
-  searchFlags.BookInUse = 0;
-  searchFlags.NoInputPolling = 1;
   Suite suite;
   if (!ReadSuite(file, suite)) {
     Output(output, "File \"%s\" not found.\n", file);
     return;
   }
+  RunSuite(suite, file, first, count);
+}
+
+void RunSuite(const Suite& suite, const char* name, std::int32_t first, std::int32_t count) {
+  searchFlags.BookInUse = 0;
+  searchFlags.NoInputPolling = 1;
   const auto nRead = static_cast<std::int32_t>(suite.size());
   count = std::min(count, nRead);
-  Output(output, "Analyzing %s starting at position %d for %d position(s)\n", file, first, count);
+  Output(output, "Analyzing %s starting at position %d for %d position(s)\n", name, first, count);
 
   SuiteTotals totals;
   const auto board = std::make_unique<Board>();

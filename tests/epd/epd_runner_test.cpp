@@ -149,6 +149,17 @@ TEST_F(RunSuiteTest, AnnotatedBestMovesAndPointsCountAndPrintAsTheFileHasThem) {
             "Pos 2 Nf7 - Correct(Nf7#!?, Kb2?) - Analyzed 2/2 - Correct 2/2 (100.00% - 11)");
 }
 
+TEST_F(RunSuiteTest, PositionsThatWereReadBeforeGiveWhatTheirFileGives) {
+  const std::string path = Write(std::string(mateInOne) + "bm Ra8#;\n" + fork + "bm Nc7+;\n");
+  Suite suite;
+  ASSERT_TRUE(ReadSuite(path.c_str(), suite));
+  testing::internal::CaptureStdout();
+  RunSuite(suite, path.c_str(), 1, 5);
+  const std::string text = testing::internal::GetCapturedStdout();
+  EXPECT_EQ(WithoutStatistics(text), WithoutStatistics(RunFile(path, 1, 5)));
+  EXPECT_EQ(ResultLines(text).size(), 1U);
+}
+
 TEST_F(RunSuiteTest, QuietRunsPrintOneLineForEachPosition) {
   const std::string path = Write(std::string(mateInOne) + "bm Ra8#; c0 \"Ra8=10\";\n" + smothered +
                                  "bm Kb2; id \"wrong on purpose\";\n");
