@@ -17,7 +17,8 @@ endif()
 
 # Fuzzers need every object instrumented; the sanitizers say what went wrong.
 if(MIRVO_FUZZ)
-  set(fuzz_flags -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all)
+  set(fuzz_flags -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all
+    -fno-sanitize-coverage=trace-cmp)
   target_compile_options(mirvo_flags INTERFACE ${fuzz_flags} -fno-omit-frame-pointer)
   target_link_options(mirvo_flags INTERFACE ${fuzz_flags})
 endif()

@@ -17,6 +17,15 @@ std::string ScratchPath(const char* name) {
       .string();
 }
 
+/// A file of this process's own, which is removed at its end.
+struct ScratchFile {
+  explicit ScratchFile(const char* name) : path(ScratchPath(name)) {}
+  ~ScratchFile() { std::remove(path.c_str()); }
+  ScratchFile(const ScratchFile&) = delete;
+  ScratchFile& operator=(const ScratchFile&) = delete;
+  std::string path;
+};
+
 }  // namespace
 
 void PrepareFuzzing() {
@@ -30,16 +39,16 @@ void PrepareFuzzing() {
 }
 
 const std::string& InputFile(const std::uint8_t* data, std::size_t size) {
-  static const std::string path = ScratchPath("input");
-  std::FILE* file = std::fopen(path.c_str(), "wb");
+  static const ScratchFile input("input");
+  std::FILE* file = std::fopen(input.path.c_str(), "wb");
   std::fwrite(data, 1, size, file);
   std::fclose(file);
-  return path;
+  return input.path;
 }
 
 const std::string& OutputFile() {
-  static const std::string path = ScratchPath("output");
-  return path;
+  static const ScratchFile written("output");
+  return written.path;
 }
 
 }  // namespace mirvo

@@ -1,21 +1,51 @@
 #!/bin/bash
-# Runs fuzzers one after the other, each for the same time, with the stored
-# corpus to begin with. What is found goes to build/fuzz/found/NAME: new inputs
-# to "new", failures to "failed". The last lines printed tell how each ended.
+# Runs fuzzers one after the other, each for the same time or for the same
+# number of inputs, with the stored corpus and what earlier runs found to begin
+# with. What is found goes to build/fuzz/found/NAME: new inputs to "new",
+# failures to "failed". The last lines printed tell how each ended.
 #
-#   fuzz/run.sh 660                  all of them, 11 minutes each
-#   fuzz/run.sh 60 fen uci           two of them
+#   fuzz/run.sh 660                    all of them, 11 minutes each
+#   fuzz/run.sh 60 fen uci             two of them
+#   fuzz/run.sh inputs=1000000 suite   a million inputs
+#   fuzz/run.sh round                  20 million inputs for the readers, one
+#                                      million for the sessions
 set -uo pipefail
 
 root=$(cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.." && pwd)
 cd "$root" || exit 1
-seconds=${1:?seconds for each fuzzer}
+amount=${1:?seconds, inputs=NUMBER or round}
 shift
 names=("$@")
 [ ${#names[@]} -gt 0 ] ||
   names=(fen coordinates algebraic config command_line suite uci xboard process games book_file)
 
+# The inputs of a full round: the quicker a fuzzer, the more it gets.
+inputs_of_a_round() {
+  case $1 in
+    algebraic | config) echo 4000000 ;;
+    command_line | coordinates | book_file) echo 3000000 ;;
+    fen) echo 2000000 ;;
+    uci | games | suite) echo 500000 ;;
+    xboard) echo 350000 ;;
+    process) echo 150000 ;;
+  esac
+}
+
+# When a fuzzer ends, as libFuzzer's option.
+limit_of() {
+  case $amount in
+    round) echo "-runs=$(inputs_of_a_round "$1")" ;;
+    inputs=*) echo "-runs=${amount#inputs=}" ;;
+    *) echo "-max_total_time=$amount" ;;
+  esac
+}
+
 cmake --preset fuzz >/dev/null && cmake --build --preset fuzz || exit 1
+
+# Files of the exercises are better written to memory than to a disk. Freed
+# memory is kept from use for a while, but not so much that all of it is new.
+[ ! -w /dev/shm ] || export TMPDIR=/dev/shm
+export ASAN_OPTIONS=quarantine_size_mb=8:malloc_context_size=4
 
 failures=0
 summary=()
@@ -27,7 +57,12 @@ for name in "${names[@]}"; do
     book_file) seeds=tests/book/corpus/books ;;
     *) seeds=tests/fuzz/corpus/$name ;;
   esac
-  options=(-max_total_time="$seconds" -max_len=1024 -rss_limit_mb=2048 -close_fd_mask=1
+  # A session takes time for every line.
+  case $name in
+    uci | xboard | process) length=512 ;;
+    *) length=1024 ;;
+  esac
+  options=("$(limit_of "$name")" -max_len=$length -rss_limit_mb=2048 -close_fd_mask=1 -entropic=0 -reload=0
     -print_final_stats=1 -artifact_prefix="$found/failed/")
   # When it comes to speak XBoard the engine takes the alarm signal, by which
   # libFuzzer would notice an input that takes too long.

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/fuzz/exercises/engine_kit.h"
 #include "tests/fuzz/exercises/exercises.h"
 
 namespace mirvo {
@@ -29,16 +30,37 @@ std::string BytesOf(const std::filesystem::path& path) {
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
+/// What an input came to: the broken promise, if any, and the engine's trace.
+struct Outcome {
+  std::string broken;
+  std::string trace;
+};
+
+Outcome OutcomeOf(const NamedExercise& exercise, const std::filesystem::path& file) {
+  const BrokenPromise broken = exercise.run(BytesOf(file));
+  return {broken == nullptr ? "" : broken, EngineTrace()};
+}
+
 class FuzzCorpus : public testing::TestWithParam<NamedExercise> {};
 
-TEST_P(FuzzCorpus, KeepsEveryPromise) {
+TEST_P(FuzzCorpus, KeepsEveryPromiseInAnyOrder) {
   const auto files = InputsOf(GetParam());
   ASSERT_FALSE(files.empty());
   testing::internal::CaptureStdout();
   std::vector<std::string> failures;
+  std::vector<std::string> traces;
   for (const auto& file : files) {
-    const BrokenPromise broken = GetParam().run(BytesOf(file));
-    if (broken != nullptr) failures.push_back(file.filename().string() + ": " + broken);
+    const Outcome outcome = OutcomeOf(GetParam(), file);
+    if (!outcome.broken.empty())
+      failures.push_back(file.filename().string() + ": " + outcome.broken);
+    traces.push_back(outcome.trace);
+  }
+  // Whatever ran before, an input comes to the same.
+  for (std::size_t i = files.size(); i-- > 0;) {
+    const Outcome outcome = OutcomeOf(GetParam(), files[i]);
+    if (outcome.broken.empty() && outcome.trace == traces[i]) continue;
+    failures.push_back(files[i].filename().string() + " backwards: " + outcome.broken + "\n" +
+                       traces[i] + "now\n" + outcome.trace);
   }
   testing::internal::GetCapturedStdout();
   EXPECT_EQ(failures, std::vector<std::string>{});

@@ -17,33 +17,17 @@
 namespace mirvo {
 namespace {
 
-/// Replies are tried behind the first moves of a list only.
-constexpr int nMovesAnswered = 3;
+/// Replies are tried behind so many moves of a position.
+constexpr std::size_t nMovesAnswered = 3;
 
 /// From, to, colour, kind and promotion: what coordinates state.
 constexpr Move statedByCoordinates =
     fromToMask | sameMoveMask | promotionFlag | (Move{7} << movePromotionShift);
 
-/// A copy of a board without what may differ: unused undo records, and the
-/// cached answer about check.
-void CopyComparable(Board& copy, const Board& board) {
-  std::memcpy(static_cast<void*>(&copy), &board, sizeof copy);
-  copy.inCheckCache = 0;
-  UndoRecord* unused = copy.undoStack + copy.undoDepth;
-  std::memset(static_cast<void*>(unused), 0,
-              sizeof(UndoRecord) * static_cast<std::size_t>(undoCapacity - copy.undoDepth));
-}
-
-/// Whether two states of one board agree to the last byte, padding included.
-bool SameBytes(const Board& a, const Board& b) {
-  static Board left;
-  static Board right;
-  if (a.undoDepth != b.undoDepth) return false;
-  CopyComparable(left, a);
-  CopyComparable(right, b);
-  // Padding is compared on purpose: both are copies of one board's bytes.
-  // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison,cert-exp42-c,cert-flp37-c)
-  return std::memcmp(static_cast<const void*>(&left), &right, sizeof left) == 0;
+/// Bytes of a board as far as they mean anything: up to its newest undo record.
+std::size_t BytesInUse(const Board& board) {
+  const auto* const end = reinterpret_cast<const char*>(board.undoStack + board.undoDepth);
+  return static_cast<std::size_t>(end - reinterpret_cast<const char*>(&board));
 }
 
 std::vector<Move> ListOf(const BBMoveGenerator2& generator) {
@@ -52,7 +36,7 @@ std::vector<Move> ListOf(const BBMoveGenerator2& generator) {
 
 BrokenPromise CheckMakeAndUnmake(Board& board, const std::vector<Move>& moves) {
   static Board before;
-  std::memcpy(static_cast<void*>(&before), &board, sizeof before);
+  CopyInUse(before, board);
   for (const Move move : moves) {
     MakeMove(board, move);
     if (const BrokenPromise broken = CheckDerivedFields(board)) return broken;
@@ -63,13 +47,14 @@ BrokenPromise CheckMakeAndUnmake(Board& board, const std::vector<Move>& moves) {
   return nullptr;
 }
 
-/// Behind the first moves, every reply.
+/// Behind a few moves, every reply. Which ones differs from position to position.
 BrokenPromise CheckReplies(Board& board, const std::vector<Move>& moves) {
   static Board before;
-  std::memcpy(static_cast<void*>(&before), &board, sizeof before);
-  const int nTried = std::min(nMovesAnswered, static_cast<int>(moves.size()));
-  for (int i = 0; i < nTried; ++i) {
-    MakeMove(board, moves[static_cast<std::size_t>(i)]);
+  CopyInUse(before, board);
+  const std::size_t first = moves.empty() ? 0 : board.positionKey % moves.size();
+  const std::size_t nTried = std::min(thorough ? nMovesAnswered : 1, moves.size());
+  for (std::size_t i = 0; i < nTried; ++i) {
+    MakeMove(board, moves[(first + i) % moves.size()]);
     BBMoveGenerator2 replies(board, board.sideToMove);
     replies.GenerateAll();
     const BrokenPromise broken = CheckMakeAndUnmake(board, ListOf(replies));
@@ -124,11 +109,48 @@ BrokenPromise CheckDiagrams(const Board& board) {
   return std::strchr(line, '\n') == nullptr ? "a position line has no end" : nullptr;
 }
 
+BrokenPromise CheckNewPosition(Board& board) {
+  if (const BrokenPromise broken = CheckDerivedFields(board)) return broken;
+  static Board before;
+  CopyInUse(before, board);
+  BBMoveGenerator2 generator(board, board.sideToMove);
+  generator.GenerateAll();
+  const std::vector<Move> moves = ListOf(generator);
+  for (const BrokenPromise broken :
+       {CheckLists(board, moves), CheckTexts(board, moves), CheckMakeAndUnmake(board, moves),
+        CheckReplies(board, moves), CheckDiagrams(board)}) {
+    if (broken != nullptr) return broken;
+  }
+  if (!SameBytes(before, board)) return "looking at a position changed it";
+  return CheckEvaluation(board);
+}
+
 }  // namespace
 
+bool thorough = true;
+
+void CopyInUse(Board& copy, const Board& board) {
+  std::memcpy(static_cast<void*>(&copy), &board, BytesInUse(board));
+}
+
+bool SameBytes(const Board& a, const Board& b) {
+  if (a.undoDepth != b.undoDepth) return false;
+  const auto* const left = reinterpret_cast<const char*>(&a);
+  const auto* const right = reinterpret_cast<const char*>(&b);
+  const auto cache =
+      static_cast<std::size_t>(reinterpret_cast<const char*>(&a.inCheckCache) - left);
+  const std::size_t behind = cache + sizeof a.inCheckCache;
+  return std::memcmp(left, right, cache) == 0 &&
+         std::memcmp(left + behind, right + behind, BytesInUse(a) - behind) == 0;
+}
+
 BrokenPromise CheckDerivedFields(const Board& board) {
+  const bool inBounds = board.sideToMove <= black && board.undoDepth >= 0 &&
+                        board.undoDepth <= undoCapacity && board.historyIndex >= 0 &&
+                        board.historyIndex < keyHistoryCapacity;
+  if (!inBounds) return "a count of the board is out of bounds";
   static Board fresh;
-  std::memcpy(static_cast<void*>(&fresh), &board, sizeof fresh);
+  CopyInUse(fresh, board);
   RebuildOccupancy(fresh);
   RebuildRotated(fresh);
   for (const int side : {white, black}) {
@@ -144,27 +166,17 @@ BrokenPromise CheckDerivedFields(const Board& board) {
     return "the occupied squares are wrong";
   }
   if (fresh.pawnKey != board.pawnKey) return "the pawn key is wrong";
-  if (board.positionKey != ComputeKey(board)) return "the key is not that of the position";
-  const bool inBounds = board.sideToMove <= black && board.undoDepth >= 0 &&
-                        board.undoDepth <= undoCapacity && board.historyIndex >= 0 &&
-                        board.historyIndex < keyHistoryCapacity;
-  return inBounds ? nullptr : "a count of the board is out of bounds";
+  return board.positionKey == ComputeKey(board) ? nullptr : "the key is not that of the position";
 }
 
 BrokenPromise CheckPosition(Board& board) {
-  if (const BrokenPromise broken = CheckDerivedFields(board)) return broken;
-  static Board before;
-  std::memcpy(static_cast<void*>(&before), &board, sizeof before);
-  BBMoveGenerator2 generator(board, board.sideToMove);
-  generator.GenerateAll();
-  const std::vector<Move> moves = ListOf(generator);
-  for (const BrokenPromise broken :
-       {CheckLists(board, moves), CheckTexts(board, moves), CheckMakeAndUnmake(board, moves),
-        CheckReplies(board, moves), CheckDiagrams(board)}) {
-    if (broken != nullptr) return broken;
-  }
-  if (!SameBytes(before, board)) return "looking at a position changed it";
-  return CheckEvaluation(board);
+  static Board found;
+  static bool any = false;
+  if (any && SameBytes(found, board)) return nullptr;
+  const BrokenPromise broken = CheckNewPosition(board);
+  any = broken == nullptr;
+  if (any) CopyInUse(found, board);
+  return broken;
 }
 
 std::vector<Move> LegalMovesOf(Board& board) {

@@ -101,7 +101,7 @@ bool IsListText(const std::string& line) {
 
 BrokenPromise ExerciseFen(std::string_view input) {
   FreshEngine();
-  const PrintedText printed;
+  const Silence silence;
   const std::string line = OneLine(input);
   static Board board;
   SetUpPosition(uciSession, board, ("fen " + line).c_str());
@@ -123,7 +123,7 @@ BrokenPromise ExerciseFen(std::string_view input) {
 
 BrokenPromise ExerciseCoordinateMoves(std::string_view input) {
   FreshEngine();
-  const PrintedText printed;
+  const Silence silence;
   const char* position = ChoosePosition(input);
   const std::string line = OneLine(input);
   static Board board;
@@ -139,7 +139,7 @@ BrokenPromise ExerciseCoordinateMoves(std::string_view input) {
 
 BrokenPromise ExerciseAlgebraicMoves(std::string_view input) {
   FreshEngine();
-  const PrintedText printed;
+  const Silence silence;
   static Board board;
   SetUpPosition(uciSession, board, (std::string("fen ") + ChoosePosition(input)).c_str());
   for (const std::string& word : WordsOf(OneLine(input))) {

@@ -1,13 +1,16 @@
 #include "tests/fuzz/exercises/engine_kit.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <random>
 
 #include "board/attack_tables.h"
 #include "board/fen.h"
+#include "book/book_random.h"
 #include "book/opening_book.h"
 #include "eval/evaluate.h"
 #include "protocol/dispatcher.h"
@@ -15,6 +18,7 @@
 #include "protocol/uci_session.h"
 #include "protocol/xboard_game.h"
 #include "protocol/xboard_ponder.h"
+#include "search/game_counters.h"
 #include "search/hash_table.h"
 #include "search/move_order.h"
 #include "search/pondering.h"
@@ -22,15 +26,20 @@
 #include "search/search_flags.h"
 #include "search/search_hooks.h"
 #include "search/search_stats.h"
+#include "search/time_control.h"
 #include "shell/clock.h"
 #include "shell/config.h"
 #include "shell/output.h"
+#include "tests/fuzz/exercises/exercises.h"
 
 namespace mirvo {
 namespace {
 
-/// Every look at the clock is a millisecond.
+/// Every look at the clock is a millisecond. Between two inputs an hour goes by:
+/// what the engine does at most once a second is due again.
+constexpr std::uint32_t hour = 3600000;
 std::uint32_t ticks = 0;
+std::uint32_t firstTick = 0;
 std::uint32_t CountTicks() { return ++ticks; }
 
 struct Folder {
@@ -49,16 +58,47 @@ struct Folder {
   std::string path;
 };
 
-/// A table of the smallest size, and empty: results may not depend on what
-/// earlier inputs left behind.
-void EmptyTable(HashTable& table) {
-  if (table.entries == nullptr || table.size != minHashSlots) {
-    table.size = 1;
-    HashAllocate(table);
-    return;
+/// A hash table of a few slots: it is emptied in no time, and positions soon
+/// compete for a slot.
+struct SmallTable {
+  static constexpr std::uint32_t nSlots = 256;
+  HashEntry slots[nSlots];
+  std::uint8_t tags[nSlots];
+
+  /// Puts the slots, empty, in the place of the table's own: results may not
+  /// depend on what earlier inputs left behind.
+  void LendTo(HashTable& table) {
+    if (table.block != nullptr) HashRelease(table);
+    std::memset(static_cast<void*>(slots), 0, sizeof slots);
+    std::memset(tags, 0, sizeof tags);
+    table = HashTable{};
+    table.size = nSlots;
+    table.reciprocal = ~std::uint64_t{0} / nSlots + 1;
+    table.entries = slots;
+    table.tags = tags;
   }
-  std::memset(static_cast<void*>(table.entries), 0, sizeof(HashEntry) * table.size);
-  table.hits = table.misses = table.conflicts = table.stores = 0;
+};
+
+/// Entries that the books of one input may have used.
+constexpr std::size_t nBookEntries = 128;
+
+/// The book as it was created.
+void EmptyBook() {
+  if (openingBook.entries == nullptr) return;
+  const OpeningBook fresh;
+  openingBook.loaded = fresh.loaded;
+  openingBook.count = fresh.count;
+  openingBook.maxPlies = fresh.maxPlies;
+  openingBook.minHits = fresh.minHits;
+  ResetBookIndex(openingBook.index);
+  std::memset(static_cast<void*>(openingBook.entries), 0, nBookEntries * sizeof(BookEntry));
+}
+
+void LendTables() {
+  static SmallTable tables[3];
+  tables[0].LendTo(TranspositionTable);
+  tables[1].LendTo(PawnHashTable);
+  tables[2].LendTo(EvalHashTable);
 }
 
 void PrepareOnce() {
@@ -68,9 +108,6 @@ void PrepareOnce() {
   InitAttackTables();
   BuildKingDangerTable();
   BuildReductionTables();
-  for (HashTable* table : {&TranspositionTable, &PawnHashTable, &EvalHashTable}) {
-    HashInitialise(*table);
-  }
   CreateOpeningBook(openingBook);
 }
 
@@ -91,32 +128,52 @@ void FreshSearch() {
   ClearKillers();
   ClearHistory();
   ClearPreviousPv();
-  for (HashTable* table : {&TranspositionTable, &PawnHashTable, &EvalHashTable}) {
-    EmptyTable(*table);
-  }
+  gameCounters = GameCounters{};
+  timeControl = TimeControl{};
+  LendTables();
 }
 
+/// Holds what was printed since the file was last rewound.
 std::FILE* printedFile = nullptr;
-std::FILE* formerLog = nullptr;
-std::int32_t formerConsole = 1;
+
+std::string PrintedBytes() {
+  if (printedFile == nullptr) return "";
+  const auto length = static_cast<std::size_t>(std::ftell(printedFile));
+  std::string text(length, '\0');
+  std::rewind(printedFile);
+  text.resize(std::fread(text.data(), 1, length, printedFile));
+  std::fseek(printedFile, 0, SEEK_CUR);
+  return text;
+}
 
 }  // namespace
 
 void FreshEngine() {
   PrepareOnce();
   static const auto defaults = std::make_unique<EngineConfig>();
+  const bool ranBookTool = engineConfig.ToolRunOnly != 0;
   engineConfig = *defaults;
   engineConfig.Quiet = 1;
   engineConfig.TTHashSize = engineConfig.PawnHashSize = engineConfig.EvalHashSize = 1;
   std::snprintf(bookFileOptionText, bookNameCapacity, "unique2.bin");
-  if (openingBook.count > 0) {
-    openingBook.count = 0;
-    ResetBookIndex(openingBook.index);
-  }
-  ticks = 0;
+  if (ranBookTool) EmptyBook();
+  ResetRandom();
+  firstTick = ticks += hour;
   SetTickSource(CountTicks);
+  if (printedFile != nullptr) std::rewind(printedFile);
   FreshGame();
   FreshSearch();
+}
+
+std::string EngineTrace() {
+  const SearchStats& stats = searchStats;
+  char figures[256];
+  std::snprintf(figures, sizeof figures,
+                "keys %016llx %016llx, nodes %d + %d, %d extended, clock %u\n",
+                static_cast<unsigned long long>(gameBoard.positionKey),
+                static_cast<unsigned long long>(engineConfig.CommandLineBoard.positionKey),
+                stats.nNodes, stats.nQSNodes, stats.nExt, ticks - firstTick);
+  return figures + PrintedBytes();
 }
 
 const std::string& ScratchFolder() {
@@ -133,29 +190,32 @@ std::string WriteScratchFile(const char* name, std::string_view bytes) {
   return path;
 }
 
-PrintedText::PrintedText() {
-  if (printedFile == nullptr) {
-    printedFile = std::fopen((ScratchFolder() + "/printed").c_str(), "w+b");
-  }
-  formerLog = output.log;
-  formerConsole = output.toConsole;
-  output.log = printedFile;
+Silence::Silence() : formerLog(output.log), formerConsole(output.toConsole) {
+  output.log = nullptr;
   output.toConsole = 0;
-  std::rewind(printedFile);
 }
 
-PrintedText::~PrintedText() {
+Silence::~Silence() {
   output.log = formerLog;
   output.toConsole = formerConsole;
 }
 
-std::string PrintedText::Text() const {
-  const auto length = static_cast<std::size_t>(std::ftell(printedFile));
-  std::string text(length, '\0');
+PrintedText::PrintedText() {
+  if (printedFile == nullptr) {
+    printedFile = std::fopen((ScratchFolder() + "/printed").c_str(), "w+b");
+  }
+  output.log = printedFile;
   std::rewind(printedFile);
-  text.resize(std::fread(text.data(), 1, length, printedFile));
-  std::fseek(printedFile, 0, SEEK_CUR);
-  return text;
+}
+
+std::string PrintedText::Text() const { return PrintedBytes(); }
+
+void LimitSearches(EngineConfig& config, std::string_view input) {
+  constexpr unsigned inputsPerSearch = 64;
+  const bool searches = thorough || std::hash<std::string_view>{}(input) % inputsPerSearch == 0;
+  config.DepthSearch = std::min(config.DepthSearch, searches ? 1 : 0);
+  config.InfiniteThinkingTime = 0;
+  config.FixedTimePerMove = 0;
 }
 
 int CountLines(std::string_view text, std::string_view prefix) {

@@ -12,6 +12,10 @@ using BrokenPromise = const char*;
 
 using ExerciseFunction = BrokenPromise (*)(std::string_view input);
 
+/// Whether every input gets every check. The fuzzers, to whom a great number of
+/// inputs says more, have the slowest ones done in part or for a part of them.
+extern bool thorough;
+
 /// One line with the fields of a FEN record, through "position fen",
 /// "setboard" and the command line.
 BrokenPromise ExerciseFen(std::string_view input);

@@ -79,7 +79,10 @@ constexpr const char* settings[] = {"setoption name Ponder value true",
 /// Never speaks out of turn, and follows the game on a board of its own.
 class PoliteUci : public ScriptedInterface {
  public:
-  explicit PoliteUci(Decisions& source) : decisions(source) { BeginFromStart(believed); }
+  /// `board` is the interface's own; it begins with a new game.
+  PoliteUci(Decisions& source, Board& board) : decisions(source), believed(board) {
+    BeginFromStart(believed);
+  }
 
   bool SayWhileIdle(std::string& text) override {
     const bool answered = SearchesBegun() == nGo;
@@ -183,17 +186,18 @@ class PoliteUci : public ScriptedInterface {
   }
 
   Decisions& decisions;
-  Board believed;
+  Board& believed;
   bool pondering = false;
   bool released = false;
 };
 
 BrokenPromise TalkPolitely(Decisions& decisions) {
-  const auto interface = std::make_unique<PoliteUci>(decisions);
+  static Board board;
+  PoliteUci interface(decisions, board);
   SessionCounts counts;
-  if (const BrokenPromise broken = RunSession(*interface, uciProtocol, counts)) return broken;
-  if (counts.nAnswers != interface->nGo) return "a go has none or two answers";
-  if (counts.nReady != interface->nReadyAsked) return "isready has none or two answers";
+  if (const BrokenPromise broken = RunSession(interface, uciProtocol, counts)) return broken;
+  if (counts.nAnswers != interface.nGo) return "a go has none or two answers";
+  if (counts.nReady != interface.nReadyAsked) return "isready has none or two answers";
   return nullptr;
 }
 
@@ -249,7 +253,7 @@ constexpr const char* switches[] = {"uci", "xboard"};
 /// The board as it stands without the move that is pondered.
 const Board& RealPosition() {
   static Board board;
-  board = gameBoard;
+  CopyInUse(board, gameBoard);
   if (searchFlags.pondering != 0 && board.undoDepth > 0) UnmakeMove(board);
   return board;
 }
@@ -294,7 +298,7 @@ class AnyInterface : public ScriptedInterface {
     if (kind < 3 && searchFlags.pondering != 0 && protocolMode.mode == xboardProtocol) {
       return TextOf(xboardPonder.expectedMove);
     }
-    board = RealPosition();
+    CopyInUse(board, RealPosition());
     const std::vector<Move> legal = LegalMovesOf(board);
     if (kind == 7 || legal.empty()) {
       return TextOf(static_cast<Move>(decisions.Below(64) | decisions.Below(64) << moveToShift));

@@ -10,6 +10,7 @@
 #include "protocol/uci_session.h"
 #include "protocol/xboard_game.h"
 #include "protocol/xboard_ponder.h"
+#include "search/interruption.h"
 #include "search/iterate.h"
 #include "search/search_flags.h"
 #include "search/search_hooks.h"
@@ -21,13 +22,24 @@
 namespace mirvo {
 namespace {
 
-/// Enough for a line with an expected reply; an input has many searches.
-constexpr std::int32_t deepestSearch = 2;
+/// How far a search goes: deep enough for a line with an expected reply. An
+/// interface without patience stops one that has counted so many moves, or
+/// asked so often for input.
+struct Effort {
+  std::int32_t depth;
+  std::uint32_t nodes;
+  int nPolls;
+};
+constexpr Effort fullEffort{2, 150, 200};
 
-/// A search that has counted so many moves, or asked so often for input, is
-/// stopped by an interface without patience.
-constexpr std::uint32_t nodeLimit = 10000;
-constexpr int pollLimit = 400;
+/// A session has many searches. Once they have counted so many moves together,
+/// the later ones do no more than they must to have polls and an answer.
+constexpr std::uint32_t nodesOfFullEffort = 300;
+constexpr Effort leastEffort{1, 12, 200};
+
+/// Counted moves between two polls inside the tree, where the engine itself has
+/// some thousands: it is asked to poll so often that it can be stopped anywhere.
+constexpr std::uint32_t pollInterval = 16;
 
 /// Turns without a line after which a session is called hung. Own lines of the
 /// front end and withheld answers end long before.
@@ -40,7 +52,8 @@ struct Session {
   bool ranDry = false;  // the idle engine has met the end of its input
   int nPolls = 0;       // of the running search
   int nTurns = 0;
-  const SearchRecord* search = nullptr;
+  std::uint32_t nNodes = 0;  // of all searches that are over
+  SearchRecord* search = nullptr;
   SessionCounts counts;
   BrokenPromise broken = nullptr;
 };
@@ -90,12 +103,21 @@ void Pause(std::uint32_t) {
 
 constexpr InputSource source{Waiting, Read, StarterGone, ReaderGone, Pause};
 
+const Effort& EffortNow() { return session.nNodes < nodesOfFullEffort ? fullEffort : leastEffort; }
+
 void Poll() {
   Receive(&ScriptedInterface::SayDuringSearch);
   PollInput();
-  const bool impatient = ++session.nPolls > pollLimit ||
-                         (session.search != nullptr && session.search->state.nodeCount > nodeLimit);
+  if (session.search == nullptr) return;
+  const Effort& effort = EffortNow();
+  SearchState& state = session.search->state;
+  const bool impatient = ++session.nPolls > effort.nPolls || state.nodeCount > effort.nodes;
   if (impatient) searchFlags.StopSearch = 1;
+  state.nextInputPoll = state.nodeCount + pollInterval;
+  // Every other poll, and the first one of a stopped search, comes from the
+  // quiescence search, which otherwise waits for so many moves more.
+  if (searchFlags.StopSearch != 0 || session.nPolls % 2 == 0)
+    state.nextInputPoll -= quiescencePatience;
 }
 
 // ---- Searches ----
@@ -119,11 +141,12 @@ SearchResult ShortThink(SearchRecord& record) {
   ++session.counts.nSearches;
   session.nPolls = 0;
   session.search = &record;
-  record.maxDepth = std::min(record.maxDepth, deepestSearch);
-  before = *record.gameBoard;
+  record.maxDepth = std::min(record.maxDepth, EffortNow().depth);
+  CopyInUse(before, *record.gameBoard);
   if (const BrokenPromise broken = session.interface->JudgePosition(before)) Break(broken);
   const SearchResult result = Think(record);
   session.search = nullptr;
+  session.nNodes += record.state.nodeCount;
   if (!SamePosition(before, *record.gameBoard)) Break("a search changed the game");
   if (const BrokenPromise broken = JudgeResult(before, result)) Break(broken);
   return result;

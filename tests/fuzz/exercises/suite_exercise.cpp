@@ -1,7 +1,7 @@
 // EPD suites: reading, judging answers, and a run over the first positions.
 #include <algorithm>
 #include <cstring>
-#include <string>
+#include <string_view>
 
 #include "board/bb_move_generator.h"
 #include "epd/epd_reader.h"
@@ -17,9 +17,6 @@ namespace {
 
 constexpr std::size_t nPositionsChecked = 6;
 constexpr std::int32_t nPositionsAnalysed = 2;
-
-/// Milliseconds of the counting clock, which ends what depth 1 does not.
-constexpr std::int32_t timePerMove = 20;
 
 bool TextsEnd(const SuitePosition& position) {
   return std::all_of(position.bestMoves.begin(), position.bestMoves.end(), [](const BestMove& b) {
@@ -55,11 +52,10 @@ BrokenPromise CheckSuite(const Suite& suite) {
 BrokenPromise ExerciseSuite(std::string_view input) {
   FreshEngine();
   const PrintedText printed;
-  if (const BrokenPromise broken = CheckSuite(ParseSuite(input))) return broken;
-  const std::string path = WriteScratchFile("suite.epd", input);
-  engineConfig.DepthSearch = 1;
-  engineConfig.FixedTimePerMove = timePerMove;
-  RunSuite(path.c_str(), 0, nPositionsAnalysed);
+  const Suite suite = ParseSuite(input);
+  if (const BrokenPromise broken = CheckSuite(suite)) return broken;
+  LimitSearches(engineConfig, input);
+  RunSuite(suite, "suite.epd", 0, nPositionsAnalysed);
   if (CountLines(printed.Text(), "Done.") != 1) return "a suite has no end";
   return nullptr;
 }
