@@ -1,8 +1,10 @@
 #include "tests/fuzz/exercises/engine_kit.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <random>
 
@@ -29,6 +31,7 @@
 #include "shell/base/clock.h"
 #include "shell/base/output.h"
 #include "shell/config/config.h"
+#include "tests/fuzz/exercises/exercises.h"
 
 namespace mirvo {
 namespace {
@@ -207,6 +210,14 @@ PrintedText::PrintedText() {
 }
 
 std::string PrintedText::Text() const { return PrintedBytes(); }
+
+void LimitSearches(EngineConfig& config, std::string_view input) {
+  constexpr unsigned inputsPerSearch = 64;
+  const bool searches = thorough || std::hash<std::string_view>{}(input) % inputsPerSearch == 0;
+  config.DepthSearch = std::min(config.DepthSearch, searches ? 1 : 0);
+  config.InfiniteThinkingTime = 0;
+  config.FixedTimePerMove = 0;
+}
 
 int CountLines(std::string_view text, std::string_view prefix) {
   int n = 0;

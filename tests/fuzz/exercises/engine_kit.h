@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+#include "shell/config/config.h"
+
 namespace mirvo {
 
 /// Builds the start-up tables and an empty book once; then, on every call,
@@ -48,6 +50,11 @@ class PrintedText : Silence {
   /// Everything so far.
   std::string Text() const;
 };
+
+/// Searches of test suites go one ply deep and end at their first look at the
+/// clock. Boards full of queens take their time all the same, so to a fuzzer
+/// most inputs are not searched: their answers are the first legal moves.
+void LimitSearches(EngineConfig& config, std::string_view input);
 
 /// Lines of `text` that begin with `prefix`.
 int CountLines(std::string_view text, std::string_view prefix);

@@ -117,12 +117,12 @@ void ReplaceFiles(std::vector<std::string>& words) {
 }
 
 /// The chosen mode is run where it ends soon.
-BrokenPromise RunChosenMode() {
+BrokenPromise RunChosenMode(std::string_view input) {
   EngineConfig& config = engineConfig;
   if (config.PerftDepth > maxPerftDepth) return "perft is asked for too many depths";
   config.PerftDepth = std::min(config.PerftDepth, 1);
   config.AnalyzeCount = std::min(config.AnalyzeCount, 2);
-  config.DepthSearch = std::min(config.DepthSearch, 1);
+  LimitSearches(config, input);
   config.Quiet = 1;
   if (config.RunMode == RunModeCode::engine && config.ToolRunOnly == 0) return nullptr;
   return Run(config) == 0 ? nullptr : "a run mode failed";
@@ -159,7 +159,7 @@ BrokenPromise ExerciseCommandLine(std::string_view input) {
   arguments.push_back(nullptr);
   ParseCommandLine(engineConfig, static_cast<int>(arguments.size()) - 1, arguments.data());
   if (!TextsEnd(engineConfig)) return "a text of the settings has no end";
-  if (const BrokenPromise broken = RunChosenMode()) return broken;
+  if (const BrokenPromise broken = RunChosenMode(input)) return broken;
   return CheckPosition(engineConfig.CommandLineBoard);
 }
 

@@ -1,7 +1,6 @@
 // EPD suites: reading, judging answers, and a run over the first positions.
 #include <algorithm>
 #include <cstring>
-#include <functional>
 #include <string_view>
 
 #include "board/bb_move_generator.h"
@@ -19,13 +18,6 @@ namespace {
 constexpr std::size_t nPositionsChecked = 6;
 constexpr std::int32_t nPositionsAnalysed = 2;
 
-/// One suite in so many is searched when speed counts.
-constexpr unsigned suitesPerSearch = 64;
-
-/// Milliseconds of the counting clock: what depth 1 does not end, its first
-/// reading does.
-constexpr std::int32_t timePerMove = 0;
-
 bool TextsEnd(const SuitePosition& position) {
   return std::all_of(position.bestMoves.begin(), position.bestMoves.end(), [](const BestMove& b) {
     return std::memchr(b.text, 0, sizeof b.text) != nullptr;
@@ -40,11 +32,6 @@ BrokenPromise CheckVerdicts(const SuitePosition& position, Board& board) {
     if (verdict.correct && verdict.points > pointLimit) return "an answer earns too many points";
   }
   return JudgeAnswer(position, noMove).correct ? "no move is called correct" : nullptr;
-}
-
-/// Without a search the answers are the first legal moves.
-bool IsSearched(std::string_view input) {
-  return thorough || std::hash<std::string_view>{}(input) % suitesPerSearch == 0;
 }
 
 BrokenPromise CheckSuite(const Suite& suite) {
@@ -67,8 +54,7 @@ BrokenPromise ExerciseSuite(std::string_view input) {
   const PrintedText printed;
   const Suite suite = ParseSuite(input);
   if (const BrokenPromise broken = CheckSuite(suite)) return broken;
-  engineConfig.DepthSearch = IsSearched(input) ? 1 : 0;
-  engineConfig.FixedTimePerMove = timePerMove;
+  LimitSearches(engineConfig, input);
   RunSuite(suite, "suite.epd", 0, nPositionsAnalysed);
   if (CountLines(printed.Text(), "Done.") != 1) return "a suite has no end";
   return nullptr;
