@@ -120,7 +120,8 @@ class ClosedPipes(fault_kit.FaultTest):
         before = processor_seconds(engine.pid)
         time.sleep(0.5)
         self.assertIsNone(engine.poll())
-        self.assertLessEqual(processor_seconds(engine.pid) - before, 0.02)
+        # A spinning engine would take half a second; the system counts in ticks of 10 ms.
+        self.assertLess(processor_seconds(engine.pid) - before, 0.06)
 
     def test_the_output_alone_closed_leaves_it_at_work(self):
         # A signal of the broken pipe would end it at the first line printed.
