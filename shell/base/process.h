@@ -14,4 +14,7 @@ void PrepareProcess();
 /// anyone. That whoever started the process ignores the signal does not count.
 void EndWithClosedPipe();
 
+/// Undoes EndWithClosedPipe (tests, which go on as the engine in one process).
+void UndoEndWithClosedPipe();
+
 }  // namespace mirvo

@@ -11,6 +11,14 @@ namespace {
 /// Seconds between two looks whether anybody still reads.
 constexpr time_t lookInterval = 1;
 
+/// What EndWithClosedPipe replaced.
+struct Alarm {
+  bool replaced;
+  struct sigaction action;
+  itimerval interval;
+};
+Alarm before{};
+
 /// What the next write would do. A long count prints nothing for hours.
 void EndIfUnread(int) {
   pollfd printed{STDOUT_FILENO, 0, 0};
@@ -30,9 +38,20 @@ void EndWithClosedPipe() {
   action.sa_handler = EndIfUnread;
   action.sa_flags = SA_RESTART;
   sigemptyset(&action.sa_mask);
-  sigaction(SIGALRM, &action, nullptr);
   const itimerval interval{{lookInterval, 0}, {lookInterval, 0}};
-  setitimer(ITIMER_REAL, &interval, nullptr);
+  Alarm replaced{};
+  sigaction(SIGALRM, &action, &replaced.action);
+  setitimer(ITIMER_REAL, &interval, &replaced.interval);
+  if (!before.replaced) before = replaced;
+  before.replaced = true;
+}
+
+void UndoEndWithClosedPipe() {
+  if (!before.replaced) return;
+  setitimer(ITIMER_REAL, &before.interval, nullptr);
+  sigaction(SIGALRM, &before.action, nullptr);
+  signal(SIGPIPE, SIG_IGN);
+  before.replaced = false;
 }
 
 }  // namespace mirvo

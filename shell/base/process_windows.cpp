@@ -8,4 +8,6 @@ void PrepareProcess() {}
 // There is no such default here, and a tool writes on to its end.
 void EndWithClosedPipe() {}
 
+void UndoEndWithClosedPipe() {}
+
 }  // namespace mirvo

@@ -1,4 +1,5 @@
 #include "shell/command_line.h"
+#include "shell/base/process.h"
 
 #include <gtest/gtest.h>
 
@@ -30,6 +31,7 @@ std::unique_ptr<EngineConfig> Parse(Words words) {
   std::vector<const char*> arguments{"mirvo"};
   arguments.insert(arguments.end(), words);
   ParseCommandLine(*config, static_cast<int>(arguments.size()), arguments.data());
+  UndoEndWithClosedPipe();
   return config;
 }
 

@@ -15,6 +15,7 @@
 #include "protocol/game_board.h"
 #include "protocol/uci_position.h"
 #include "protocol/xboard.h"
+#include "shell/base/process.h"
 #include "shell/base/text.h"
 #include "shell/command_line.h"
 #include "shell/config/config.h"
@@ -70,6 +71,7 @@ void SetUpByCommandLine(const std::vector<std::string>& fields) {
   std::vector<const char*> words = {"mirvo", "-test"};
   for (std::size_t i = 0; i < fields.size() && i < 3; ++i) words.push_back(fields[i].c_str());
   ParseCommandLine(engineConfig, static_cast<int>(words.size()), words.data());
+  UndoEndWithClosedPipe();
 }
 
 void HandleXBoard(const std::string& line) {

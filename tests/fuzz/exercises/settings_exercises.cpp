@@ -7,6 +7,7 @@
 #include "board/perft.h"
 #include "protocol/game_board.h"
 #include "shell/base/output.h"
+#include "shell/base/process.h"
 #include "shell/command_line.h"
 #include "shell/config/config.h"
 #include "shell/config/config_file.h"
@@ -158,6 +159,7 @@ BrokenPromise ExerciseCommandLine(std::string_view input) {
   for (const std::string& word : words) arguments.push_back(word.c_str());
   arguments.push_back(nullptr);
   ParseCommandLine(engineConfig, static_cast<int>(arguments.size()) - 1, arguments.data());
+  UndoEndWithClosedPipe();
   if (!TextsEnd(engineConfig)) return "a text of the settings has no end";
   if (const BrokenPromise broken = RunChosenMode(input)) return broken;
   return CheckPosition(engineConfig.CommandLineBoard);

@@ -66,6 +66,23 @@ TEST(EndWithClosedPipe, LeavesAProcessAloneThatIsRead) {
       ::testing::ExitedWithCode(0), "");
 }
 
+TEST(UndoEndWithClosedPipe, GivesTheAlarmAndItsTimerBack) {
+  EXPECT_EXIT(
+      {
+        PrepareProcess();
+        signal(SIGALRM, [](int) { _exit(4); });
+        alarm(1000);
+        EndWithClosedPipe();
+        EndWithClosedPipe();
+        UndoEndWithClosedPipe();
+        const bool ignored = signal(SIGPIPE, SIG_IGN) == SIG_IGN;
+        const bool armed = alarm(0) > 900;
+        if (ignored && armed) raise(SIGALRM);
+        _exit(1);
+      },
+      ::testing::ExitedWithCode(4), "");
+}
+
 // In a process of its own, which the limit is left to.
 TEST(PrepareProcess, MakesAFileAtItsLargestSizeAnOrdinaryWriteError) {
   EXPECT_EXIT(
