@@ -66,7 +66,7 @@ void NewGame(UciSession& session, const char*) {
 }
 
 /// The interface waits for the last line, so this is the time to get memory.
-void PrefaultBeforeAnswer(int milliseconds) {
+void PrefaultBeforeAnswer(std::int32_t milliseconds) {
   if (searchFlags.searching == 0) HashPrefaultFor(milliseconds);
 }
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
-#include <ctime>
 
+#include "shell/base/clock.h"
 #include "shell/base/large_pages.h"
 
 namespace mirvo {
@@ -148,9 +148,9 @@ bool HashPrefaultSlice() {
   return true;
 }
 
-void HashPrefaultFor(int milliseconds) {
-  const std::clock_t end = std::clock() + milliseconds * (CLOCKS_PER_SEC / 1000);
-  while (HashPrefaultSlice() && std::clock() < end) {
+void HashPrefaultFor(std::int32_t milliseconds) {
+  const std::uint32_t start = TickCount();
+  while (HashPrefaultSlice() && ElapsedSince(start) < milliseconds) {
   }
 }
 

@@ -18,12 +18,12 @@ inline constexpr std::size_t prefaultLimit = std::size_t{240} << 20;
 /// Milliseconds of prefaulting at commands whose end the interface waits for.
 /// Together they are enough for the default sizes on a machine that has memory
 /// at hand; a new game and the "isready" behind it stay below 50.
-inline constexpr int identifyPrefaultTime = 20;
-inline constexpr int newGamePrefaultTime = 10;
-inline constexpr int readyPrefaultTime = 30;
+inline constexpr std::int32_t identifyPrefaultTime = 20;
+inline constexpr std::int32_t newGamePrefaultTime = 10;
+inline constexpr std::int32_t readyPrefaultTime = 30;
 
 /// The same before the first position of a suite, for whose start nobody waits.
-inline constexpr int suitePrefaultTime = 2000;
+inline constexpr std::int32_t suitePrefaultTime = 2000;
 
 /// Gives a table that has none a zeroed block of `bytes`.
 /// Less than a large page comes from the heap and is there at once, more is only
@@ -45,9 +45,8 @@ inline bool HashMemoryMissing() {
 /// ten on a virtual one that has to fetch it from its host.
 bool HashPrefaultSlice();
 
-/// The same slice by slice for so many milliseconds of processor time: a machine
-/// that is busy with other things leaves no less to be done for the search.
-void HashPrefaultFor(int milliseconds);
+/// The same slice by slice for so many milliseconds, one slice at least.
+void HashPrefaultFor(std::int32_t milliseconds);
 
 /// Notes that a search went through so many nodes while memory was missing.
 /// Use earns memory beyond the limit.
