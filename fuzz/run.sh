@@ -57,9 +57,10 @@ for name in "${names[@]}"; do
     book_file) seeds=tests/book/corpus/books ;;
     *) seeds=tests/fuzz/corpus/$name ;;
   esac
-  # A session takes time for every line.
+  # Long inputs take time: a session for every line, a game for every move.
   case $name in
-    uci | xboard | process) length=512 ;;
+    uci | xboard | process) length=256 ;;
+    games | suite) length=512 ;;
     *) length=1024 ;;
   esac
   options=("$(limit_of "$name")" -max_len=$length -rss_limit_mb=2048 -close_fd_mask=1 -entropic=0 -reload=0

@@ -212,7 +212,7 @@ PrintedText::PrintedText() {
 std::string PrintedText::Text() const { return PrintedBytes(); }
 
 void LimitSearches(EngineConfig& config, std::string_view input) {
-  constexpr unsigned inputsPerSearch = 64;
+  constexpr unsigned inputsPerSearch = 256;
   const bool searches = thorough || std::hash<std::string_view>{}(input) % inputsPerSearch == 0;
   config.DepthSearch = std::min(config.DepthSearch, searches ? 1 : 0);
   config.InfiniteThinkingTime = 0;
