@@ -84,9 +84,16 @@ void PrintTotals(const SuiteTotals& totals, std::int32_t count) {
          Saturate(totals.points));
 }
 
+/// From now on searches ask neither the book nor the input.
+void SearchAlone() {
+  searchFlags.BookInUse = 0;
+  searchFlags.NoInputPolling = 1;
+}
+
 }  // namespace
 
 void RunSuite(const char* file, std::int32_t first, std::int32_t count) {
+  SearchAlone();
   Suite suite;
   if (!ReadSuite(file, suite)) {
     Output(output, "File \"%s\" not found.\n", file);
@@ -96,8 +103,7 @@ void RunSuite(const char* file, std::int32_t first, std::int32_t count) {
 }
 
 void RunSuite(const Suite& suite, const char* name, std::int32_t first, std::int32_t count) {
-  searchFlags.BookInUse = 0;
-  searchFlags.NoInputPolling = 1;
+  SearchAlone();
   const auto nRead = static_cast<std::int32_t>(suite.size());
   count = std::min(count, nRead);
   Output(output, "Analyzing %s starting at position %d for %d position(s)\n", name, first, count);

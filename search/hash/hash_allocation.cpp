@@ -36,7 +36,7 @@ void HashAllocate(HashTable& table) {
   if (nSlots == 0) nSlots = minHashSlots;
   while (nSlots != 0 && !HashReserve(table, BlockSize(nSlots))) nSlots /= 2;
   table.size = nSlots;
-  table.reciprocal = nSlots == 0 ? 0 : ~std::uint64_t{0} / nSlots + 1;
+  table.reciprocal = nSlots == 0 ? 0 : HashReciprocal(nSlots);
   if (table.block == nullptr) return;
   // Fresh memory is zero, and an all-zero slot counts as empty.
   const auto address = reinterpret_cast<std::uintptr_t>(table.block);

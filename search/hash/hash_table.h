@@ -62,6 +62,11 @@ void HashClear(HashTable& table);
 /// The search's own clearing: key, depth, score, bound and move; evalScore stays.
 void HashResetSearch(HashTable& table);
 
+/// The reciprocal of a number of slots above 0, for HashIndex.
+constexpr std::uint64_t HashReciprocal(std::uint32_t nSlots) {
+  return ~std::uint64_t{0} / nSlots + 1;
+}
+
 /// Slot of a key: its low word modulo the number of slots, which need not be a
 /// power of two. Multiplies by the reciprocal instead of dividing, which is
 /// exact for 32-bit numbers (Lemire, Kaser, Kurz, "Faster remainder by direct

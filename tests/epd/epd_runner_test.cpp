@@ -136,7 +136,11 @@ class RunSuiteTest : public testing::Test {
 
 TEST_F(RunSuiteTest, AMissingFileGivesItsMessageOnly) {
   const std::string path = Path("none.epd");
+  searchFlags.BookInUse = 1;
+  searchFlags.NoInputPolling = 0;
   EXPECT_EQ(RunFile(path), "File \"" + path + "\" not found.\n");
+  EXPECT_EQ(searchFlags.BookInUse, 0);
+  EXPECT_EQ(searchFlags.NoInputPolling, 1);
 }
 
 TEST_F(RunSuiteTest, AnnotatedBestMovesAndPointsCountAndPrintAsTheFileHasThem) {

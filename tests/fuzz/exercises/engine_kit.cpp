@@ -74,7 +74,7 @@ struct SmallTable {
     std::memset(tags, 0, sizeof tags);
     table = HashTable{};
     table.size = nSlots;
-    table.reciprocal = ~std::uint64_t{0} / nSlots + 1;
+    table.reciprocal = HashReciprocal(nSlots);
     table.entries = slots;
     table.tags = tags;
   }
