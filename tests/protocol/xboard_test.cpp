@@ -11,6 +11,7 @@
 #include "search/hash/hash_table.h"
 #include "search/move_order.h"
 #include "tests/protocol/xboard_test_kit.h"
+#include "tests/support/hash_support.h"
 
 namespace mirvo {
 namespace {
@@ -32,8 +33,7 @@ TEST_F(XBoardCommands, AMoveAfterNewIsAnsweredWithBlackAndFillsTheHeader) {
 }
 
 TEST_F(XBoardCommands, NewPrefaultsAPartOfTheTables) {
-  TranspositionTable.size = 2000;
-  HashAllocate(TranspositionTable);
+  test::AllocateAfresh(TranspositionTable, 2000);
   const std::size_t nMissing = TranspositionTable.nMissing;
   Play({"new"});
   EXPECT_LT(TranspositionTable.nMissing, nMissing);
