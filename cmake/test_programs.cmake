@@ -17,6 +17,7 @@ target_link_libraries(mirvo_test_flags INTERFACE mirvo_flags mirvo_warnings GTes
 file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/test_headers.cpp CONTENT "// Only its headers matter.\n")
 add_library(test_headers OBJECT ${CMAKE_BINARY_DIR}/test_headers.cpp)
 target_link_libraries(test_headers PRIVATE mirvo_test_flags)
+set_target_properties(test_headers PROPERTIES MIRVO_IS_TEST ON)
 target_precompile_headers(test_headers PRIVATE
   <gtest/gtest.h> <algorithm> <array> <cstdint> <cstring> <deque> <filesystem> <fstream>
   <functional> <iterator> <map> <memory> <ostream> <random> <set> <sstream> <string> <utility>
@@ -42,6 +43,7 @@ function(mirvo_test name)
   add_executable(${name} ${arg_SOURCES} ${arg_SEPARATE})
   target_link_libraries(${name} PRIVATE mirvo_test_flags ${arg_USES} GTest::gtest_main)
   target_precompile_headers(${name} REUSE_FROM test_headers)
+  set_target_properties(${name} PROPERTIES MIRVO_IS_TEST ON)
   if(NOT DEFINED CMAKE_UNITY_BUILD)
     set_target_properties(${name} PROPERTIES
       UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE ${sources_together})
