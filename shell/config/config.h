@@ -53,7 +53,8 @@ struct EngineConfig {
   std::int32_t MoveOverhead = 0;  // ms of the own clock a move leaves; 0: not looked at
 };
 
-/// Owner: config.cpp. Writers: start-up, the front ends, time allocation.
+/// Owner: config.cpp. Writers: start-up, the options of the front ends, and
+/// StoreTimeLimits for the two fields of a search's time.
 extern EngineConfig engineConfig;
 
 /// Default and current text of the "Book File" option; config.txt's Book key

@@ -72,6 +72,7 @@ class XBoardTest : public ::testing::Test {
   std::deque<ScriptedSearch> script;
   std::vector<std::string> searchKinds;  // "timed" or "ponder", one per search
   std::deque<std::string> waiting;
+  SearchLimits lastLimits;  // of the last scripted search, at its end
 
  private:
   static void Handle(const std::string& line) {
@@ -96,7 +97,8 @@ class XBoardTest : public ::testing::Test {
   static SearchResult RunScript(SearchRecord& record) { return current->NextSearch(record); }
 
   SearchResult NextSearch(SearchRecord& record) {
-    searchKinds.emplace_back(engineConfig.InfiniteThinkingTime != 0 ? "ponder" : "timed");
+    searchKinds.emplace_back(record.limits.ponder ? "ponder" : "timed");
+    ExpectStoredLimits(record.limits);
     EXPECT_EQ(searchFlags.StopSearch, 0) << "a stop was left over";
     if (script.empty()) return {noMove, noMove};
     const ScriptedSearch search = script.front();
@@ -108,7 +110,15 @@ class XBoardTest : public ::testing::Test {
         Handle(line);
       }
     }
+    ExpectStoredLimits(record.limits);
+    lastLimits = record.limits;
     return Answer(search, *record.gameBoard);
+  }
+
+  /// The settings show what a search is given, at its start and after a hit.
+  static void ExpectStoredLimits(const SearchLimits& limits) {
+    EXPECT_EQ(engineConfig.FixedTimePerMove, limits.milliseconds);
+    EXPECT_EQ(engineConfig.InfiniteThinkingTime, limits.infinite ? 1 : 0);
   }
 
   static SearchResult Answer(const ScriptedSearch& search, const Board& position) {
