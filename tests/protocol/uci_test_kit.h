@@ -144,7 +144,7 @@ class UciTest : public ::testing::Test {
   static SearchResult Answer(const ScriptedSearch& search, const Board& position) {
     if (search.best.empty()) return {noMove, noMove};
     static Board board;
-    board = position;
+    CopyBoard(board, position);
     const Move best = MoveFromCoordinates(search.best.c_str(), board, board.sideToMove);
     MakeMove(board, best);
     const Move ponder = search.ponder.empty()

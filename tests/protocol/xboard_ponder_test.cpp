@@ -162,7 +162,7 @@ TEST_P(MissOnSpecialMove, RestoresTheBoard) {
   const SpecialMove& item = GetParam();
   Play({"new\n", std::string("setboard ") + item.fen + "\n"});
   static Board before;
-  before = gameBoard;
+  CopyBoard(before, gameBoard);
   MakeMove(before, CompleteTextMove(item.engine, before));
   script = {{{}, item.engine, item.expected}, {{std::string(item.real) + "\n"}, ""}};
   const std::string printed = Play({"go\n"});

@@ -124,7 +124,7 @@ class XBoardTest : public ::testing::Test {
   static SearchResult Answer(const ScriptedSearch& search, const Board& position) {
     if (search.best.empty()) return {noMove, noMove};
     static Board board;
-    board = position;
+    CopyBoard(board, position);
     const Move best = CompleteTextMove(search.best.c_str(), board);
     MakeMove(board, best);
     const Move ponder =

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <memory>
 
 #include "board/legal_moves.h"
 #include "board/make_move.h"
@@ -34,7 +35,7 @@ class Thinking : public testing::Test {
     protocolMode.mode = uciProtocol;
   }
   ~Thinking() override {
-    engineConfig = saved;
+    std::construct_at(&engineConfig, saved);
     searchFlags = SearchFlags{};
     searchHooks = SearchHooks{};
   }
