@@ -5,7 +5,6 @@
 
 #include "board/coding.h"
 #include "book/opening_book.h"
-#include "shell/config/config.h"
 
 namespace mirvo {
 namespace {
@@ -133,7 +132,6 @@ bool LoadBook(OpeningBook& book, const char* path, bool replace) {
   std::FILE* file = book.entries == nullptr ? nullptr : std::fopen(path, "rb");
   if (file == nullptr) {
     book.loaded = 0;
-    engineConfig.UseOpeningBook = 0;
     return false;
   }
   const std::int64_t nRecords = CountRecords(file);
