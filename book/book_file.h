@@ -44,8 +44,7 @@ void WriteBigEndian(std::FILE* file, int n, std::uint64_t value);
 void WriteBookRecord(std::FILE* file, const BookRecord& record);
 
 /// Reads a book file. Replace mode starts a fresh book, merge mode adds to it.
-/// A missing file clears `loaded` and switches config.UseOpeningBook off.
-/// Returns whether the file could be opened.
+/// Returns whether the file could be opened; clears `loaded` if not.
 bool LoadBook(OpeningBook& book, const char* path, bool replace);
 
 }  // namespace mirvo

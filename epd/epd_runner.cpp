@@ -59,12 +59,13 @@ void PrintBestMoves(const SuitePosition& position) {
 /// Searches one position from a cold start and prints its result line, all but
 /// the running totals. `number` counts the file's positions from 1.
 Verdict AnalysePosition(const SuitePosition& position, std::int32_t number, Board& board) {
-  const bool quiet = engineConfig.Quiet != 0;
+  const bool quiet = engineConfig.Quiet;
   SetUpSuitePosition(position, board);
   PrintBoard(board, BoardLayout::wide, quiet);
   ClearSearchMemory();
   if (quiet) Output(output, "Pos %d ", number);
   SearchRecord record = PrepareSearch(board);
+  record.limits.reportStyle = ReportStyle::console;
   const Move answer = Think(record).best;
   PrintAnswer(answer);
   const Verdict verdict = JudgeAnswer(position, answer);
@@ -86,8 +87,8 @@ void PrintTotals(const SuiteTotals& totals, std::int32_t count) {
 
 /// From now on searches ask neither the book nor the input.
 void SearchAlone() {
-  searchFlags.BookInUse = 0;
-  searchFlags.NoInputPolling = 1;
+  searchFlags.BookInUse = false;
+  searchFlags.NoInputPolling = true;
 }
 
 }  // namespace

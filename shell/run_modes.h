@@ -6,8 +6,9 @@
 namespace mirvo {
 
 /// Loads the engine's book when the settings want one. A missing file switches
-/// the book off for good, so that the first move takes no more than its time.
-void LoadEngineBook(const EngineConfig& config);
+/// the book off for good, in the settings too, so that the first move takes no
+/// more than its time.
+void LoadEngineBook(EngineConfig& config);
 
 /// Runs the mode that the settings choose. Returns the exit status; the engine
 /// mode never returns.

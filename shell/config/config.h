@@ -30,7 +30,7 @@ struct EngineConfig {
   char AnalyzeFile[analyzeFileCapacity] = "";
   std::int32_t AnalyzeFirst = 0;
   std::int32_t AnalyzeCount = 0;
-  std::uint8_t Quiet = 0;  // suppresses boards, statistics and search lines
+  bool Quiet = false;  // suppresses boards, statistics and search lines
   std::int32_t DepthSearch = 40;
   std::int32_t UseOpeningBook = 1;
   std::int32_t InfiniteThinkingTime = 0;        // non-zero: the clock is never looked at
@@ -49,11 +49,12 @@ struct EngineConfig {
   char CmdLineBookName[bookNameCapacity] = "";  // stored only
   std::int32_t MaxNumExtPerDepth = 100;         // percent of the depth
   std::int32_t Ponder = 1;
-  std::uint8_t ToolRunOnly = 0;
+  bool ToolRunOnly = false;
   std::int32_t MoveOverhead = 0;  // ms of the own clock a move leaves; 0: not looked at
 };
 
-/// Owner: config.cpp. Writers: start-up, the front ends, time allocation.
+/// Owner: config.cpp. Writers: start-up, the options of the front ends, and
+/// StoreTimeLimits for the two fields of a search's time.
 extern EngineConfig engineConfig;
 
 /// Default and current text of the "Book File" option; config.txt's Book key

@@ -48,7 +48,7 @@ class ClockFaults : public testing::Test {
   }
   ~ClockFaults() override {
     SetTickSource(nullptr);
-    engineConfig = saved;
+    std::construct_at(&engineConfig, saved);
     searchFlags = SearchFlags{};
     searchHooks = SearchHooks{};
     protocolMode = ProtocolMode{};
@@ -128,7 +128,7 @@ TEST_F(ClockFaults, AJumpForwardEndsTheSearchAtTheNextReading) {
 TEST_F(ClockFaults, AClockThatStandsStillLeavesTheSearchToBeStopped) {
   nPolls = 0;
   poll = [] {
-    if (++nPolls == 30) searchFlags.StopSearch = 1;
+    if (++nPolls == 30) searchFlags.StopSearch = true;
   };
   SearchOn({.now = 5000, .pace = 0});
   EXPECT_EQ(nPolls, 30);

@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <deque>
+#include <memory>
 #include <random>
 #include <string>
 #include <vector>
@@ -34,7 +35,7 @@ std::uint32_t CountTicks() { return ++ticks; }
 
 std::vector<std::string> LegalMoveTexts(const Board& position) {
   static Board board;
-  board = position;
+  CopyBoard(board, position);
   BBMoveGenerator2 generator(board, board.sideToMove);
   generator.GenerateAll();
   std::vector<std::string> texts;
@@ -50,8 +51,8 @@ std::vector<std::string> LegalMoveTexts(const Board& position) {
 /// The board as it stands without the move that is pondered.
 const Board& RealPosition() {
   static Board board;
-  board = gameBoard;
-  if (searchFlags.pondering != 0 && board.undoDepth > 0) UnmakeMove(board);
+  CopyBoard(board, gameBoard);
+  if (searchFlags.pondering && board.undoDepth > 0) UnmakeMove(board);
   return board;
 }
 
@@ -105,7 +106,7 @@ class RandomLines {
     --left;
     // Most lines that arrive while the engine thinks act at once; were they
     // moves, they would only pile up behind the search.
-    if (searchFlags.searching != 0 && searchFlags.pondering == 0 && Pick(30) != 0) {
+    if (searchFlags.searching && !searchFlags.pondering && Pick(30) != 0) {
       return commandLines[Pick(std::size(commandLines))] + std::string("\n");
     }
     const unsigned kind = Pick(onlyLegal ? 7 : 10);
@@ -119,7 +120,7 @@ class RandomLines {
 
  private:
   std::string LegalLine() {
-    if (searchFlags.pondering != 0 && Pick(2) == 0) {
+    if (searchFlags.pondering && Pick(2) == 0) {
       return test::MoveText(xboardPonder.expectedMove) + "\n";
     }
     const std::vector<std::string> texts = LegalMoveTexts(RealPosition());
@@ -200,7 +201,7 @@ class RandomSession {
   static void Poll() { current->PollOnce(); }
 
   void PollOnce() {
-    if (++nPolls % gap != 0 && searchFlags.pondering == 0) return;
+    if (++nPolls % gap != 0 && !searchFlags.pondering) return;
     if (lines.Done()) {
       XBoardInputEnded();
       return;
@@ -215,9 +216,9 @@ class RandomSession {
 
   /// Between two lines no search runs and nothing of one is left.
   void CheckIdleState() const {
-    ASSERT_EQ(searchFlags.pondering, 0);
-    ASSERT_EQ(searchFlags.searching, 0);
-    ASSERT_EQ(xboardPonder.searchAbandoned, 0);
+    ASSERT_FALSE(searchFlags.pondering);
+    ASSERT_FALSE(searchFlags.searching);
+    ASSERT_FALSE(xboardPonder.searchAbandoned);
     ASSERT_EQ(xboardPonder.ponderMiss, xboardPonder.PendingMove);
     // An illegal move may leave the key astray; each search computes its own.
     if (onlyLegal) {
@@ -240,16 +241,15 @@ class RandomSession {
 class XBoardRandomLines : public testing::Test {
  protected:
   void SetUp() override {
-    saved = engineConfig;
     engineConfig.TTHashSize = 1;
     engineConfig.PawnHashSize = 1;
     engineConfig.EvalHashSize = 1;
     test::ColdStart();
-    engineConfig.Quiet = 1;
+    engineConfig.Quiet = true;
     engineConfig.Ponder = 1;
     engineConfig.LoggingMode = 0;
     engineConfig.DepthSearch = 3;
-    searchFlags.NoInputPolling = 0;
+    searchFlags.NoInputPolling = false;
     xboardGame = XBoardGame{};
     xboardPonder = XBoardPonder{};
     BeginFromStart(gameBoard);
@@ -259,7 +259,7 @@ class XBoardRandomLines : public testing::Test {
   void TearDown() override {
     printed = testing::internal::GetCapturedStdout();
     if (HasFailure()) std::fputs(printed.c_str(), stderr);
-    engineConfig = saved;
+    std::construct_at(&engineConfig, saved);
     ReleaseRecord(xboardGame.record);
     xboardGame = XBoardGame{};
     EXPECT_NE(printed.find("PONDERING"), std::string::npos);
@@ -270,7 +270,7 @@ class XBoardRandomLines : public testing::Test {
   std::string printed;
 
  private:
-  EngineConfig saved;
+  EngineConfig saved = engineConfig;
 };
 
 // Sessions of each kind.

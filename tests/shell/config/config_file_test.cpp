@@ -142,8 +142,8 @@ TEST_F(ConfigFileTest, DoesNotKnowTheFieldsOfTheCommandLine) {
   Read("RunMode=3 PerftDepth=4 Quiet=1 ToolRunOnly=1 BookName=x.bk CmdLineBook=1\n");
   EXPECT_EQ(config->RunMode, RunModeCode::engine);
   EXPECT_EQ(config->PerftDepth, 0);
-  EXPECT_EQ(config->Quiet, 0);
-  EXPECT_EQ(config->ToolRunOnly, 0);
+  EXPECT_FALSE(config->Quiet);
+  EXPECT_FALSE(config->ToolRunOnly);
   EXPECT_STREQ(config->BookName, "book.bk");
   EXPECT_EQ(config->CmdLineBook, 0);
 }
@@ -186,7 +186,7 @@ TEST_F(ConfigFileTest, ReadsANumberBehindAnyCountOfZeros) {
     EXPECT_EQ(config->Ponder, 8) << count;
     EXPECT_EQ(config->LoggingMode, 2147483647) << count;
     EXPECT_EQ(config->StartIDDepth, 0) << count;
-    *config = EngineConfig{};
+    config = std::make_unique<EngineConfig>();
   }
 }
 
@@ -206,7 +206,7 @@ TEST_F(ConfigFileTest, KeepsTheZerosOfABookNameAndOfNoNumber) {
     EXPECT_EQ(config->BookName, name.substr(0, 63)) << count;
     EXPECT_EQ(config->DepthSearch, 0) << count;
     EXPECT_EQ(config->Ponder, 0) << count;
-    *config = EngineConfig{};
+    config = std::make_unique<EngineConfig>();
   }
 }
 
