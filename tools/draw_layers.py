@@ -66,7 +66,7 @@ def draw(layers):
     lines = [
         f'<svg xmlns="http://www.w3.org/2000/svg" width="{width}" height="{height}" '
         f'viewBox="0 0 {width} {height}" font-family="sans-serif" font-size="13">',
-        '<title>The layers of the engine: an arrow goes to a layer that is used</title>',
+        '<title>The layers of the engine: an arrow points to a layer that is used</title>',
         '<defs><marker id="tip" viewBox="0 0 8 8" refX="8" refY="4" markerWidth="7" '
         'markerHeight="7" orient="auto"><path d="M0 0L8 4L0 8z" fill="#555"/></marker></defs>',
         f'<rect width="{width}" height="{height}" fill="white"/>']
@@ -94,7 +94,7 @@ def main():
         return 0
     if PICTURE.exists() and PICTURE.read_text(encoding="utf-8") == text:
         return 0
-    print("docs/layers.svg is not what the CMake targets give; tools/draw_layers.py draws it anew")
+    print("docs/layers.svg is out of date: run tools/draw_layers.py")
     return 1
 
 

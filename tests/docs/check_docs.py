@@ -15,7 +15,7 @@ import tempfile
 PATH = re.compile(r"`((?:bench|board|book|cmake|data|docs|epd|eval|protocol|search|shell|tests|tools)"
                   r"/[\w./-]*)`")
 LINK = re.compile(r"\]\(([^)#:]+)(?:#[^)]*)?\)")
-HOP = re.compile(r"\| `([\w/]+\.cpp)` \| `(\w+)` \|")
+HOP = re.compile(r"\| `([\w/]+\.(?:cpp|h))` \| `(\w+)` \|")
 CALL_IN_FILE = re.compile(r"`(\w+)` in `([\w/]+\.(?:cpp|h))`")
 SAMPLE = re.compile(r"^```console\n(.*?)^```$", re.MULTILINE | re.DOTALL)
 
