@@ -46,7 +46,7 @@ void LoadEngineBook(const EngineConfig& config) {
 }
 
 int Run(EngineConfig& config) {
-  // A book tool has done its work while the command line was read.
+  // Book tools ran while the command line was read.
   if (config.ToolRunOnly != 0) {
     return 0;
   }
@@ -63,7 +63,7 @@ int Run(EngineConfig& config) {
       RunEval(config);
       break;
     case RunModeCode::test:
-      // Loading the position was all: this mode only exercises the set-up.
+      // The position was set up while the command line was read; that is all.
     case RunModeCode::createBook:
       break;
   }
