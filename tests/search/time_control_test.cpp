@@ -149,14 +149,14 @@ TEST_F(Clock, TheTimeIsUpWhenTheDeadlineIsReached) {
   EXPECT_FALSE(TimeIsUp(engineConfig));
   fakeTicks = 5100;
   EXPECT_TRUE(TimeIsUp(engineConfig));
-  // The allotted time ends the search before it as ever.
+  // The allotted time still ends the search before the deadline.
   engineConfig.FixedTimePerMove = 50;
   fakeTicks = 5051;
   EXPECT_TRUE(TimeIsUp(engineConfig));
   timeControl = TimeControl{};
 }
 
-// The deadline is a whole clock: what a first move may take twice is not.
+// The deadline comes from the clock: doubling the allotted time does not move it.
 TEST_F(Clock, DoublingTheAllotmentLeavesTheDeadline) {
   timeControl = {5000, 100};
   engineConfig.FixedTimePerMove = 80;
