@@ -5,7 +5,7 @@
 
 #include "board/coding.h"
 #include "book/opening_book.h"
-#include "shell/config/config.h"
+#include "shell/base/file.h"
 
 namespace mirvo {
 namespace {
@@ -130,21 +130,19 @@ void WriteBookRecord(std::FILE* file, const BookRecord& record) {
 }
 
 bool LoadBook(OpeningBook& book, const char* path, bool replace) {
-  std::FILE* file = book.entries == nullptr ? nullptr : std::fopen(path, "rb");
+  const File file = book.entries == nullptr ? nullptr : OpenFile(path, "rb");
   if (file == nullptr) {
     book.loaded = 0;
-    engineConfig.UseOpeningBook = 0;
     return false;
   }
-  const std::int64_t nRecords = CountRecords(file);
-  ByteReader reader(file);
+  const std::int64_t nRecords = CountRecords(file.get());
+  ByteReader reader(file.get());
   if (replace) {
     ResetBookIndex(book.index);
     ReadIntoFreshBook(book, reader, nRecords);
   } else {
     MergeIntoBook(book, reader, nRecords);
   }
-  std::fclose(file);
   // Indexing now keeps it off the clock of the first move.
   UpdateBookIndex(book.index, book.entries, book.count);
   book.loaded = 1;

@@ -42,9 +42,8 @@ void WriteBigEndian(std::FILE* file, int n, std::uint64_t value);
 
 void WriteBookRecord(std::FILE* file, const BookRecord& record);
 
-/// Reads a book file into an empty book (`replace`) or adds it to the book. If the
-/// file is missing, clears `loaded` and the setting UseOpeningBook. Returns
-/// whether the file could be opened.
+/// Reads a book file into an empty book (`replace`) or adds it to the book.
+/// Returns whether the file could be opened; clears `loaded` if not.
 bool LoadBook(OpeningBook& book, const char* path, bool replace);
 
 }  // namespace mirvo

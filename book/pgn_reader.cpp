@@ -1,6 +1,5 @@
 #include "book/pgn_reader.h"
 
-#include <cstdio>
 #include <cstring>
 #include <string>
 #include <string_view>
@@ -10,6 +9,7 @@
 #include "board/make_move.h"
 #include "board/san.h"
 #include "book/pgn_scanner.h"
+#include "shell/base/file.h"
 #include "shell/base/output.h"
 
 namespace mirvo {
@@ -76,8 +76,8 @@ struct GamePlayer {
   }
 };
 
-std::FILE* OpenGames(const char* path) {
-  std::FILE* file = std::fopen(path, "r");
+File OpenGames(const char* path) {
+  File file = OpenFile(path, "r");
   if (file == nullptr) Output(output, "Problem reading opening file!!\n");
   return file;
 }
@@ -113,9 +113,9 @@ Move MatchSan(Board& board, const char* text, Move& partial) {
 bool ReadPgnGames(const char* path, int plyLimit, GameReceiver receive, void* context,
                   std::int32_t& gameCount) {
   gameCount = 0;
-  std::FILE* file = OpenGames(path);
+  const File file = OpenGames(path);
   if (file == nullptr) return false;
-  PgnScanner scanner(file);
+  PgnScanner scanner(file.get());
   GameTracker tracker;
   static GamePlayer player;
   player.Begin();
@@ -134,15 +134,14 @@ bool ReadPgnGames(const char* path, int plyLimit, GameReceiver receive, void* co
     ++gameCount;
     receive(context, player.game);
   }
-  std::fclose(file);
   return true;
 }
 
 bool CountPgnGames(const char* path, std::int32_t& gameCount) {
   gameCount = 0;
-  std::FILE* file = OpenGames(path);
+  const File file = OpenGames(path);
   if (file == nullptr) return false;
-  PgnScanner scanner(file);
+  PgnScanner scanner(file.get());
   GameTracker tracker;
   for (PgnToken token = scanner.Next(); token != PgnToken::end; token = scanner.Next()) {
     if (token == PgnToken::word) {
@@ -152,7 +151,6 @@ bool CountPgnGames(const char* path, std::int32_t& gameCount) {
     }
   }
   if (tracker.HasMoves()) ++gameCount;
-  std::fclose(file);
   return true;
 }
 

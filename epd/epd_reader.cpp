@@ -11,6 +11,7 @@
 #include "board/fen.h"
 #include "board/key_history.h"
 #include "board/san.h"
+#include "shell/base/file.h"
 #include "shell/base/text.h"
 
 namespace mirvo {
@@ -141,8 +142,7 @@ bool ReadPiece(std::string_view piece, Suite& suite, Board& scratch) {
 
 /// Appends the whole file to `text`; false when it cannot be read.
 bool ReadWholeFile(const char* fileName, std::string& text) {
-  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(fileName, "rb"),
-                                                             std::fclose);
+  const File file = OpenFile(fileName, "rb");
   if (!file) return false;
   char chunk[65536];
   for (;;) {

@@ -65,6 +65,7 @@ Verdict AnalysePosition(const SuitePosition& position, std::int32_t number, Boar
   ClearSearchMemory();
   if (quiet) Output(output, "Pos %d ", number);
   SearchRecord record = PrepareSearch(board);
+  record.limits.reportStyle = ReportStyle::console;
   const Move answer = Think(record).best;
   PrintAnswer(answer);
   const Verdict verdict = JudgeAnswer(position, answer);

@@ -32,6 +32,7 @@ struct UciSession {
   std::uint8_t bestMovePending = 0;
   /// Of the "go" that is running.
   AnswerRule answerRule = AnswerRule::whenDone;
+  SearchLimits* running = nullptr;  // its limits; null when none is
   /// The search; tests install their own.
   SearchResult (*think)(SearchRecord& record) = Think;
   /// One look at the input while a best move is delayed. Installed by the

@@ -32,6 +32,7 @@ struct XBoardGame {
   std::int32_t movesToGo = 0;        // no command sets it
   std::uint8_t LastMoveFlagged = 0;  // the last search ended on a mate score
   FinishedGame record;
+  SearchLimits* running = nullptr;  // limits of the search; null when none is running
 
   /// The search; tests put their own here.
   SearchResult (*think)(SearchRecord&) = Think;

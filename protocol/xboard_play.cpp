@@ -1,5 +1,7 @@
 #include "protocol/xboard_play.h"
 
+#include <cassert>
+
 #include "board/display.h"
 #include "board/make_move.h"
 #include "board/notation.h"
@@ -29,29 +31,41 @@ bool TakesEnPassant(const Board& board, Move move) {
 
 bool IsReversible(Move move) { return !IsCapture(move) && MovingKind(move) != pawn; }
 
+void LimitToOwnClock(const XBoardGame& game, SearchLimits& limits) {
+  SetDeadline(limits, engineConfig.MoveOverhead, {game.ownTime, game.ownTimeReceived});
+}
+
 /// Sets the limits of the coming search: none while it ponders, else the time
-/// that the own clock allows. Returns whether it ponders.
-bool SetSearchLimits(const XBoardGame& game) {
-  const bool ponders = xboardPonder.ReplayPonderMove != 0;
-  if (ponders) {
-    engineConfig.FixedTimePerMove = 0;
-    engineConfig.InfiniteThinkingTime = 1;
-    searchFlags.pondering = 1;
-    xboardPonder.ReplayPonderMove = 0;
+/// that the own clock allows.
+void LimitSearch(const XBoardGame& game, SearchLimits& limits) {
+  limits.ponder = xboardPonder.ReplayPonderMove != 0;
+  limits.infinite = limits.ponder;
+  xboardPonder.ReplayPonderMove = 0;
+  if (limits.ponder) {
+    limits.milliseconds = 0;
   } else {
-    engineConfig.InfiniteThinkingTime = 0;
-    AllocateTime(engineConfig, game.movesToGo, game.ownTime, game.ownIncrement);
-    SetDeadline(engineConfig, {game.ownTime, game.ownTimeReceived});
+    AllocateTime(limits, game.movesToGo, game.ownTime, game.ownIncrement);
+    LimitToOwnClock(game, limits);
   }
-  return ponders;
+}
+
+/// Searches within the record's limits.
+SearchResult SearchWithin(XBoardGame& game, SearchRecord& record) {
+  StoreTimeLimits(engineConfig, record.limits);
+  searchFlags.pondering = record.limits.ponder ? 1 : 0;
+  game.running = &record.limits;
+  const SearchResult result = game.think(record);
+  game.running = nullptr;
+  return result;
 }
 
 /// Takes the pondered move back, silently. A held move, if there is one, is
 /// the dispatcher's next line and clears the miss itself.
-void UndoPondering() {
+void UndoPondering(SearchLimits& limits) {
   UnmakeMove(gameBoard);
   searchFlags.StopSearch = 0;
-  engineConfig.InfiniteThinkingTime = 1;
+  limits.infinite = true;
+  StoreTimeLimits(engineConfig, limits);
   if (xboardPonder.PendingMove == 0) xboardPonder.ponderMiss = 0;
 }
 
@@ -70,15 +84,15 @@ Move ThinkAndMove(XBoardGame& game) {
   xboardPonder.searchAbandoned = 0;
   searchFlags.StopSearch = 0;
   SearchRecord record = PrepareSearch(gameBoard);
-  const bool ponders = SetSearchLimits(game);
-  const SearchResult result = game.think(record);
+  LimitSearch(game, record.limits);
+  const SearchResult result = SearchWithin(game, record);
   game.LastMoveFlagged = (result.best & mateMark) != 0 ? 1 : 0;
   // A ponder search that came back undecided is given up as well.
   if (searchFlags.pondering != 0) AbandonPondering();
   const bool abandoned = xboardPonder.searchAbandoned != 0;
   xboardPonder.searchAbandoned = 0;
-  if (ponders && xboardPonder.ponderMiss != 0) {
-    UndoPondering();
+  if (record.limits.ponder && xboardPonder.ponderMiss != 0) {
+    UndoPondering(record.limits);
     return noMove;
   }
   if (abandoned || result.best == noMove) return noMove;
@@ -123,8 +137,10 @@ void DecidePonder(const XBoardGame& game, Move realMove) {
   if (((realMove ^ xboardPonder.expectedMove) & fromToMask) != 0) {
     MissPonder(realMove);
   } else {
-    PonderHit(engineConfig, game.movesToGo, game.ownTime, game.ownIncrement);
-    SetDeadline(engineConfig, {game.ownTime, game.ownTimeReceived});
+    assert(game.running != nullptr);
+    PonderHit(*game.running, game.movesToGo, game.ownTime, game.ownIncrement);
+    LimitToOwnClock(game, *game.running);
+    StoreTimeLimits(engineConfig, *game.running);
   }
 }
 

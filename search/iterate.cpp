@@ -156,7 +156,7 @@ SearchResult ChooseResult(Board& board, const Iteration& iteration) {
 SearchResult Iterate(SearchRecord& record) {
   timeControl.startTime = TickCount();
   record.state = SearchState{};
-  record.state.reportStyle = record.limits.reportStyle;
+  record.state.limits = &record.limits;
   StopCommanded(record.state);  // a stop may have come before the search
   ResetHashCounters();          // evaluations between searches have counted as well
   Iteration iteration;
@@ -173,10 +173,11 @@ SearchResult Iterate(SearchRecord& record) {
 
 // Probes the book until its first miss. Then the game is out of the book, and the
 // search for its first move gets twice the time.
-bool AskBook(Board& board, Move& move) {
+bool AskBook(SearchRecord& record, Move& move) {
   if (searchFlags.BookInUse == 0) return false;
-  if (ProbeBook(openingBook, board, move)) return true;
-  DoubleAllottedTime(engineConfig);
+  if (ProbeBook(openingBook, *record.gameBoard, move)) return true;
+  DoubleAllottedTime(record.limits);
+  StoreTimeLimits(engineConfig, record.limits);
   searchFlags.BookInUse = 0;
   return false;
 }
@@ -187,9 +188,7 @@ SearchRecord PrepareSearch(Board& gameBoard) {
   SearchRecord record{};
   record.gameBoard = &gameBoard;
   record.board = &BoardPool[0];
-  record.limits.depth = engineConfig.DepthSearch;
-  // Runs that read no input are those of test suites.
-  if (searchFlags.NoInputPolling != 0) record.limits.reportStyle = ReportStyle::console;
+  record.limits = LimitsOf(engineConfig);
   return record;
 }
 
@@ -197,7 +196,7 @@ SearchResult Think(SearchRecord& record) {
   searchFlags.searching = 1;
   TrimGameHistory(*record.gameBoard);
   SearchResult result{noMove, noMove};
-  if (!AskBook(*record.gameBoard, result.best)) {
+  if (!AskBook(record, result.best)) {
     result = Iterate(record);
     PrintHashReport(engineConfig.Quiet != 0);
     ResetHashCounters();

@@ -15,7 +15,7 @@ namespace mirvo {
 
 namespace {
 
-[[noreturn]] void RunEngine(const EngineConfig& config) {
+[[noreturn]] void RunEngine(EngineConfig& config) {
   LoadEngineBook(config);
   RunIdleLoop(protocolMode);
 }
@@ -40,9 +40,10 @@ void RunEval(EngineConfig& config) {
 
 }  // namespace
 
-void LoadEngineBook(const EngineConfig& config) {
-  if (config.UseOpeningBook == 0) return;
-  if (!LoadBook(openingBook, config.BookName, true)) searchFlags.BookInUse = 0;
+void LoadEngineBook(EngineConfig& config) {
+  if (config.UseOpeningBook == 0 || LoadBook(openingBook, config.BookName, true)) return;
+  config.UseOpeningBook = 0;
+  searchFlags.BookInUse = 0;
 }
 
 int Run(EngineConfig& config) {

@@ -6,9 +6,9 @@
 namespace mirvo {
 
 /// Loads the engine's book if the settings ask for one. Without the file the book
-/// is not probed (until "ucinewgame"), so that the first search does not get the
-/// double time of one that has just left the book.
-void LoadEngineBook(const EngineConfig& config);
+/// is switched off in the settings and not probed (until "ucinewgame"), so that the
+/// first search does not get the double time of one that has just left the book.
+void LoadEngineBook(EngineConfig& config);
 
 /// Runs the mode chosen by the settings. Returns the exit status; the engine mode
 /// never returns.

@@ -1,6 +1,6 @@
 // The settings record. Built with its defaults before main, then written by
-// config.txt and the command line. While the program runs, front ends set
-// options and the limits of each search, and the search its allotted time.
+// config.txt and the command line. While the program runs, front ends change
+// options, and StoreTimeLimits stores the time of each search.
 #pragma once
 
 #include <cstdint>
@@ -54,8 +54,8 @@ struct EngineConfig {
   std::int32_t MoveOverhead = 0;  // ms that a timed search leaves on its clock; 0: none
 };
 
-/// Owner: config.cpp. Writers: start-up, LoadBook, the front ends, PonderHit, time
-/// allocation.
+/// Owner: config.cpp. Writers: start-up, the options of the front ends, and
+/// StoreTimeLimits for the two fields of a search's time.
 extern EngineConfig engineConfig;
 
 /// Default and current text of the "Book File" option; config.txt's Book key

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "shell/base/file.h"
 #include "shell/base/output.h"
 #include "shell/base/text.h"
 
@@ -55,17 +56,16 @@ bool IsKey(const char* key, std::size_t length, const char* name) {
 
 /// Opens a text file; null when it cannot be opened or read. Some systems open a
 /// folder like a file and fail only on the first read.
-std::FILE* OpenReadable(const char* path) {
-  std::FILE* const file = std::fopen(path, "r");
+File OpenReadable(const char* path) {
+  File file = OpenFile(path, "r");
   if (file == nullptr) {
     return nullptr;
   }
-  const int first = std::fgetc(file);
-  if (first == EOF && std::ferror(file) != 0) {
-    std::fclose(file);
+  const int first = std::fgetc(file.get());
+  if (first == EOF && std::ferror(file.get()) != 0) {
     return nullptr;
   }
-  std::ungetc(first, file);
+  std::ungetc(first, file.get());
   return file;
 }
 
@@ -124,19 +124,18 @@ bool ReadToken(std::FILE* file, char* token, std::size_t length) {
 }  // namespace
 
 void ReadConfigFile(EngineConfig& config, const char* path) {
-  std::FILE* const file = OpenReadable(path);
+  const File file = OpenReadable(path);
   if (file == nullptr) {
     PrintToConsole("config.txt not found, using default values.\n");
     return;
   }
   char token[tokenCapacity];
   std::size_t length = 0;
-  SkipByteOrderMark(file, token, length);
-  while (ReadToken(file, token, length)) {
+  SkipByteOrderMark(file.get(), token, length);
+  while (ReadToken(file.get(), token, length)) {
     ApplyConfigToken(config, token);
     length = 0;
   }
-  std::fclose(file);
 }
 
 void ApplyConfigToken(EngineConfig& config, const char* token) {

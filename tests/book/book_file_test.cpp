@@ -160,14 +160,13 @@ TEST_F(LoadBookTest, ReplacingByABookOfTheSameSizeFindsTheNewPositions) {
   EXPECT_EQ(FindEntry(book, 2), 0);
 }
 
-TEST_F(LoadBookTest, AMissingFileSwitchesTheBookOff) {
+TEST_F(LoadBookTest, AMissingFileIsReportedToTheCallerAlone) {
   AppendEntry(1, noMove, 1, 1);
   book.loaded = 1;
   const std::string printed =
       Printed([&] { EXPECT_FALSE(LoadBook(book, scratch.Path("none").c_str(), true)); });
   EXPECT_EQ(printed, "");
   EXPECT_EQ(book.loaded, 0U);
-  EXPECT_EQ(engineConfig.UseOpeningBook, 0);
 }
 
 TEST_F(LoadBookTest, AFailedMergeLeavesTheEntries) {
@@ -175,7 +174,6 @@ TEST_F(LoadBookTest, AFailedMergeLeavesTheEntries) {
   EXPECT_FALSE(LoadBook(book, scratch.Path("none").c_str(), false));
   EXPECT_EQ(book.count, 1);
   EXPECT_EQ(book.loaded, 0U);
-  EXPECT_EQ(engineConfig.UseOpeningBook, 0);
 }
 
 TEST_F(LoadBookTest, FilesWithoutARecordGiveAnEmptyLoadedBook) {
@@ -185,7 +183,6 @@ TEST_F(LoadBookTest, FilesWithoutARecordGiveAnEmptyLoadedBook) {
     EXPECT_TRUE(LoadBook(book, path.c_str(), true));
     EXPECT_EQ(book.count, 0) << size;
     EXPECT_EQ(book.loaded, 1U) << size;
-    EXPECT_EQ(engineConfig.UseOpeningBook, 1);
   }
 }
 
@@ -319,7 +316,6 @@ TEST_F(LoadBookTest, WithoutMemoryNothingOpens) {
   const std::string path = scratch.Write("a.bk", RecordBytes(1, 1, 1));
   EXPECT_FALSE(LoadBook(none, path.c_str(), true));
   EXPECT_EQ(none.loaded, 0U);
-  EXPECT_EQ(engineConfig.UseOpeningBook, 0);
 }
 
 TEST_F(LoadBookTest, RandomBytesAreSurvived) {

@@ -16,7 +16,6 @@
 #include "board/fen.h"
 #include "book/opening_book.h"
 #include "shell/base/clock.h"
-#include "shell/config/config.h"
 
 namespace mirvo {
 
@@ -112,7 +111,6 @@ class BookTest : public testing::Test {
  protected:
   void SetUp() override {
     InitAttackTables();
-    engineConfig.UseOpeningBook = 1;
     ASSERT_TRUE(CreateOpeningBook(book));
   }
   void TearDown() override { DestroyOpeningBook(book); }

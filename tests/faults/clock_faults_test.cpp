@@ -48,7 +48,7 @@ class ClockFaults : public testing::Test {
   }
   ~ClockFaults() override {
     SetTickSource(nullptr);
-    engineConfig = saved;
+    std::construct_at(&engineConfig, saved);
     searchFlags = SearchFlags{};
     searchHooks = SearchHooks{};
     protocolMode = ProtocolMode{};

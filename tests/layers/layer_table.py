@@ -25,7 +25,7 @@ USES = {
     "board": ["base"],
     "config": ["board", "base"],
     "hash": ["config", "board", "base"],
-    "book": ["config", "board", "base"],
+    "book": ["board", "base"],
     "eval": ["hash", "config", "board", "base"],
     "search": ["eval", "book", "hash", "config", "board", "base"],
     "epd": ["search", "eval", "book", "hash", "config", "board", "base"],

@@ -275,7 +275,7 @@ TEST_F(OwnClockOfUci, IsTheMoversAfterAPonderHitToo) {
   script = {{{"ponderhit\n"}, "e7e5"}};
   PlayUci("position startpos moves e2e4\ngo ponder wtime 60000 btime 400 winc 100 binc 100\n");
   EXPECT_EQ(engineConfig.FixedTimePerMove, 2400);
-  EXPECT_EQ(timeControl.deadline, 350);
+  EXPECT_EQ(lastLimits.deadline, 350);
 }
 
 TEST_F(OwnClockOfUci, IsTheOneLastReceived) {

@@ -20,7 +20,6 @@
 #include "protocol/xboard_ponder.h"
 #include "search/pondering.h"
 #include "search/search_flags.h"
-#include "search/time_control.h"
 #include "shell/config/config.h"
 #include "tests/protocol/fake_input.h"
 
@@ -68,7 +67,6 @@ class UciTest : public ::testing::Test {
     engineConfig.InfiniteThinkingTime = 0;
     engineConfig.FixedTimePerMove = noFixedTime;
     engineConfig.MoveOverhead = 0;
-    timeControl = TimeControl{};
     BeginFromStart(gameBoard);
   }
 
@@ -102,6 +100,7 @@ class UciTest : public ::testing::Test {
 
   std::deque<ScriptedSearch> script;
   std::vector<SearchSeen> searches;
+  SearchLimits lastLimits;  // of the last scripted search, at its end
 
  private:
   static void ForgetXBoardGame() {
@@ -114,7 +113,8 @@ class UciTest : public ::testing::Test {
   SearchResult NextSearch(SearchRecord& record) {
     searches.push_back({record.limits.depth, engineConfig.InfiniteThinkingTime,
                         engineConfig.FixedTimePerMove, searchFlags.pondering != 0,
-                        searchFlags.StopSearch != 0, timeControl.deadline});
+                        searchFlags.StopSearch != 0, record.limits.deadline});
+    ExpectStoredLimits(record.limits);
     if (script.empty()) return {noMove, noMove};
     const ScriptedSearch search = script.front();
     script.pop_front();
@@ -125,7 +125,15 @@ class UciTest : public ::testing::Test {
       if (searchFlags.StopSearch != 0) break;
     }
     searchFlags.searching = 0;
+    ExpectStoredLimits(record.limits);
+    lastLimits = record.limits;
     return Answer(search, *record.gameBoard);
+  }
+
+  /// The settings show what a search is given, at its start and after a hit.
+  static void ExpectStoredLimits(const SearchLimits& limits) {
+    EXPECT_EQ(engineConfig.FixedTimePerMove, limits.milliseconds);
+    EXPECT_EQ(engineConfig.InfiniteThinkingTime, limits.infinite ? 1 : 0);
   }
 
   static void FakePauseSends(const std::string& arrival) {
@@ -139,7 +147,7 @@ class UciTest : public ::testing::Test {
   static SearchResult Answer(const ScriptedSearch& search, const Board& position) {
     if (search.best.empty()) return {noMove, noMove};
     static Board board;
-    board = position;
+    CopyBoard(board, position);
     const Move best = MoveFromCoordinates(search.best.c_str(), board, board.sideToMove);
     MakeMove(board, best);
     const Move ponder = search.ponder.empty()

@@ -2,7 +2,6 @@
 
 #include "board/display.h"
 #include "board/make_move.h"
-#include "search/time_control.h"
 #include "tests/protocol/xboard_test_kit.h"
 
 namespace mirvo {
@@ -65,15 +64,14 @@ TEST_F(XBoardPondering, TheOwnClockBoundsTheMoveOnceItIsKnown) {
   engineConfig.MoveOverhead = 50;
   script = {{{}, "e7e5"}};
   Play({"new\n", "easy\n", "otim 500\n", "e2e4\n"});
-  EXPECT_EQ(timeControl.deadline, noDeadline);
+  EXPECT_EQ(lastLimits.deadline, noDeadline);
   script = {{{}, "b8c6"}};
   Play({"time 40\n", "g1f3\n"});
-  EXPECT_EQ(timeControl.deadline, 350);
+  EXPECT_EQ(lastLimits.deadline, 350);
   script = {{{}, "g8f6", "d2d3"}, {{"time 30\n", "d2d3\n"}, "d7d6"}};
   Play({"time 20\n", "hard\n", "b1c3\n"});
-  EXPECT_EQ(timeControl.deadline, 250);  // as received before the hit
+  EXPECT_EQ(lastLimits.deadline, 250);  // as received before the hit
   engineConfig.MoveOverhead = 0;
-  timeControl = TimeControl{};
 }
 
 // The pondered move is on the board already when the real one arrives.
@@ -164,7 +162,7 @@ TEST_P(MissOnSpecialMove, RestoresTheBoard) {
   const SpecialMove& item = GetParam();
   Play({"new\n", std::string("setboard ") + item.fen + "\n"});
   static Board before;
-  before = gameBoard;
+  CopyBoard(before, gameBoard);
   MakeMove(before, CompleteTextMove(item.engine, before));
   script = {{{}, item.engine, item.expected}, {{std::string(item.real) + "\n"}, ""}};
   const std::string printed = Play({"go\n"});

@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <deque>
+#include <memory>
 #include <random>
 #include <string>
 #include <vector>
@@ -34,7 +35,7 @@ std::uint32_t CountTicks() { return ++ticks; }
 
 std::vector<std::string> LegalMoveTexts(const Board& position) {
   static Board board;
-  board = position;
+  CopyBoard(board, position);
   BBMoveGenerator2 generator(board, board.sideToMove);
   generator.GenerateAll();
   std::vector<std::string> texts;
@@ -50,7 +51,7 @@ std::vector<std::string> LegalMoveTexts(const Board& position) {
 /// The board as it stands without the move that is pondered.
 const Board& RealPosition() {
   static Board board;
-  board = gameBoard;
+  CopyBoard(board, gameBoard);
   if (searchFlags.pondering != 0 && board.undoDepth > 0) UnmakeMove(board);
   return board;
 }
@@ -240,7 +241,6 @@ class RandomSession {
 class XBoardRandomLines : public testing::Test {
  protected:
   void SetUp() override {
-    saved = engineConfig;
     engineConfig.TTHashSize = 1;
     engineConfig.PawnHashSize = 1;
     engineConfig.EvalHashSize = 1;
@@ -259,7 +259,7 @@ class XBoardRandomLines : public testing::Test {
   void TearDown() override {
     printed = testing::internal::GetCapturedStdout();
     if (HasFailure()) std::fputs(printed.c_str(), stderr);
-    engineConfig = saved;
+    std::construct_at(&engineConfig, saved);
     ReleaseRecord(xboardGame.record);
     xboardGame = XBoardGame{};
     EXPECT_NE(printed.find("PONDERING"), std::string::npos);
@@ -270,7 +270,7 @@ class XBoardRandomLines : public testing::Test {
   std::string printed;
 
  private:
-  EngineConfig saved;
+  EngineConfig saved = engineConfig;
 };
 
 // Sessions of each kind.

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <memory>
 
 #include "board/legal_moves.h"
 #include "board/make_move.h"
@@ -34,7 +35,7 @@ class Thinking : public testing::Test {
     protocolMode.mode = uciProtocol;
   }
   ~Thinking() override {
-    engineConfig = saved;
+    std::construct_at(&engineConfig, saved);
     searchFlags = SearchFlags{};
     searchHooks = SearchHooks{};
   }
@@ -292,12 +293,51 @@ TEST_F(Thinking, APonderWaitPollsNeitherWithoutAHookNorWithPollingOff) {
   SetTickSource(nullptr);
 }
 
-TEST_F(Thinking, RunsWithoutInputReportForTheConsole) {
+TEST_F(Thinking, ASearchStartsFromTheLimitsOfTheSettings) {
   engineConfig.DepthSearch = 7;
-  EXPECT_EQ(PrepareSearch(board).limits.depth, 7);
-  EXPECT_EQ(PrepareSearch(board).limits.reportStyle, ReportStyle::protocol);
-  searchFlags.NoInputPolling = 1;
-  EXPECT_EQ(PrepareSearch(board).limits.reportStyle, ReportStyle::console);
+  engineConfig.FixedTimePerMove = 300;
+  engineConfig.InfiniteThinkingTime = 0;
+  const SearchLimits timed = PrepareSearch(board).limits;
+  EXPECT_EQ(timed.depth, 7);
+  EXPECT_EQ(timed.milliseconds, 300);
+  EXPECT_FALSE(timed.infinite);
+  EXPECT_FALSE(timed.ponder);
+  EXPECT_EQ(timed.deadline, noDeadline);
+  EXPECT_EQ(timed.reportStyle, ReportStyle::protocol);
+  engineConfig.InfiniteThinkingTime = 1;
+  EXPECT_TRUE(PrepareSearch(board).limits.infinite);
+}
+
+// A search keeps to its record: what the settings say meanwhile is for the next.
+TEST_F(Thinking, SettingsThatChangeDuringASearchDoNotSteerIt) {
+  searchHooks.pollInput = [] {
+    ++nPolls;
+    engineConfig.InfiniteThinkingTime = 0;
+    engineConfig.FixedTimePerMove = noFixedTime;
+    engineConfig.DepthSearch = 1;
+  };
+  Run(middleGame, 6);
+  EXPECT_GT(nPolls, 0);
+  EXPECT_EQ(CountLines("info depth 6 seldepth"), 1);
+}
+
+SearchLimits* runningLimits = nullptr;
+
+TEST_F(Thinking, LimitsThatAPollChangesHoldAtOnce) {
+  test::SetPosition(board, middleGame);
+  engineConfig.DepthSearch = 40;
+  SearchRecord record = PrepareSearch(board);
+  runningLimits = &record.limits;
+  searchHooks.pollInput = [] {
+    if (++nPolls < 30) return;
+    runningLimits->infinite = false;
+    runningLimits->milliseconds = noFixedTime;
+  };
+  testing::internal::CaptureStdout();
+  Think(record);
+  testing::internal::GetCapturedStdout();
+  runningLimits = nullptr;
+  EXPECT_EQ(record.state.stopCause, StopCause::time);
 }
 
 TEST_F(Thinking, AStopGivenBeforeTheSearchEndsItAtOnce) {

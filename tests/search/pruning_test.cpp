@@ -24,11 +24,7 @@ constexpr int notStored = -1;
 
 class Pruning : public testing::Test {
  protected:
-  Pruning() : infinite(engineConfig.InfiniteThinkingTime) {
-    test::ColdStart();
-    engineConfig.InfiniteThinkingTime = 1;
-  }
-  ~Pruning() override { engineConfig.InfiniteThinkingTime = infinite; }
+  Pruning() { test::ColdStart(); }
 
   void Set(const std::string& position) {
     test::SetPosition(board, position);
@@ -77,7 +73,6 @@ class Pruning : public testing::Test {
     return depths;
   }
 
-  std::int32_t infinite;
   Board board;
   SearchState state;
 };

@@ -21,14 +21,12 @@ int nPolls = 0;
 
 class Root : public testing::Test {
  protected:
-  Root() : infinite(engineConfig.InfiniteThinkingTime), quiet(engineConfig.Quiet) {
+  Root() : quiet(engineConfig.Quiet) {
     test::ColdStart();
     nPolls = 0;
-    engineConfig.InfiniteThinkingTime = 1;
     engineConfig.Quiet = 1;
   }
   ~Root() override {
-    engineConfig.InfiniteThinkingTime = infinite;
     engineConfig.Quiet = quiet;
     searchHooks = SearchHooks{};
   }
@@ -65,7 +63,6 @@ class Root : public testing::Test {
     return depths;
   }
 
-  std::int32_t infinite;
   std::uint8_t quiet;
   Board board;
   SearchState state;

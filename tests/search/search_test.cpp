@@ -26,7 +26,6 @@ class MainSearch : public testing::Test {
  protected:
   MainSearch() {
     test::ColdStart();
-    engineConfig.InfiniteThinkingTime = 1;
     state.extensionLimit = 5;
     state.nextInputPoll = 8192;
     fakeTicks = 0;
@@ -182,8 +181,8 @@ TEST_F(MainSearch, TheAbortFlagReturnsAQuickScoreAndStoresNothing) {
 }
 
 TEST_F(MainSearch, TheClockIsReadOnceIn1024Entries) {
-  engineConfig.InfiniteThinkingTime = 0;
-  engineConfig.FixedTimePerMove = 10;
+  const SearchLimits limits{.milliseconds = 10};
+  state.limits = &limits;
   timeControl.startTime = 0;
   fakeTicks = 1000;
   state.clockPolls = 1024;
@@ -195,7 +194,8 @@ TEST_F(MainSearch, TheClockIsReadOnceIn1024Entries) {
 }
 
 TEST_F(MainSearch, ThinkingWithoutLimitNeverLooksAtTheClock) {
-  engineConfig.FixedTimePerMove = 0;
+  const SearchLimits limits{.milliseconds = 0, .infinite = true};
+  state.limits = &limits;
   fakeTicks = 1000000;
   state.clockPolls = 5000;
   Run(middleGame, 0, 1, 3);

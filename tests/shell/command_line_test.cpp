@@ -327,7 +327,6 @@ class BookTools : public testing::Test {
     CreateOpeningBook(openingBook);
   }
   static void TearDownTestSuite() { DestroyOpeningBook(openingBook); }
-  ~BookTools() override { engineConfig.UseOpeningBook = 1; }
 
   std::string Run(Words words) {
     CaptureStdout();

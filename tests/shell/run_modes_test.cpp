@@ -39,8 +39,8 @@ class RunModes : public testing::Test {
     }
   }
   // The evaluation reads the mode from the global settings.
-  RunModes() : config(engineConfig) { config = EngineConfig(); }
-  ~RunModes() override { config = EngineConfig(); }
+  RunModes() : config(engineConfig) { std::construct_at(&config); }
+  ~RunModes() override { std::construct_at(&config); }
 
   /// Runs the mode; returns what was printed. Every mode but the engine's
   /// ends with status 0.

@@ -39,7 +39,7 @@ class StartUpTest : public testing::Test {
   StartUpTest() {
     fakeTicks = 0;
     SetTickSource(FakeTickCount);
-    engineConfig = EngineConfig();
+    std::construct_at(&engineConfig);
   }
   ~StartUpTest() override {
     SetTickSource(nullptr);

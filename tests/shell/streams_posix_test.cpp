@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <initializer_list>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -69,7 +70,7 @@ void (*ActionAfterStart(std::initializer_list<const char*> options))(int) {
   StartUp(static_cast<int>(words.size()), words.data());
   testing::internal::GetCapturedStdout();
   ReleaseStarted();
-  engineConfig = EngineConfig();
+  std::construct_at(&engineConfig);
   return signal(SIGPIPE, before);
 }
 

@@ -153,7 +153,7 @@ void FreshEngine() {
   PrepareOnce();
   static const auto defaults = std::make_unique<EngineConfig>();
   const bool ranBookTool = engineConfig.ToolRunOnly != 0;
-  engineConfig = *defaults;
+  std::construct_at(&engineConfig, *defaults);
   engineConfig.Quiet = 1;
   engineConfig.TTHashSize = engineConfig.PawnHashSize = engineConfig.EvalHashSize = 1;
   std::snprintf(bookFileOptionText, bookNameCapacity, "unique2.bin");

@@ -1,6 +1,7 @@
 // Settings from config.txt and from the command line.
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -136,14 +137,14 @@ BrokenPromise ExerciseConfigFile(std::string_view input) {
   const PrintedText printed;
   static EngineConfig before;
   static EngineConfig once;
-  before = engineConfig;
+  std::construct_at(&before, engineConfig);
   const std::string path = WriteScratchFile("config.txt", input);
   ReadConfigFile(engineConfig, path.c_str());
   if (!TextsEnd(engineConfig)) return "a text of the settings has no end";
   if (!OthersUntouched(engineConfig, before)) return "config.txt changed what is not its own";
   PrintConfig(engineConfig);
   if (CountLines(printed.Text(), "") != reportLines) return "the report is not eleven lines";
-  once = engineConfig;
+  std::construct_at(&once, engineConfig);
   ReadConfigFile(engineConfig, path.c_str());
   if (!SameSettings(once, engineConfig)) return "reading config.txt again changes it";
   ApplyConfigToken(engineConfig, std::string(input).c_str());

@@ -186,7 +186,7 @@ TEST_F(ConfigFileTest, ReadsANumberBehindAnyCountOfZeros) {
     EXPECT_EQ(config->Ponder, 8) << count;
     EXPECT_EQ(config->LoggingMode, 2147483647) << count;
     EXPECT_EQ(config->StartIDDepth, 0) << count;
-    *config = EngineConfig{};
+    config = std::make_unique<EngineConfig>();
   }
 }
 
@@ -206,7 +206,7 @@ TEST_F(ConfigFileTest, KeepsTheZerosOfABookNameAndOfNoNumber) {
     EXPECT_EQ(config->BookName, name.substr(0, 63)) << count;
     EXPECT_EQ(config->DepthSearch, 0) << count;
     EXPECT_EQ(config->Ponder, 0) << count;
-    *config = EngineConfig{};
+    config = std::make_unique<EngineConfig>();
   }
 }
 
