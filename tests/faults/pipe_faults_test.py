@@ -71,7 +71,7 @@ class KilledInterface(fault_kit.FaultTest):
             with self.subTest(name):
                 self.expect_gone(self.leave_behind(words))
 
-    def test_an_engine_that_withholds_its_answer_follows_it(self):
+    def test_an_engine_that_delays_its_best_move_follows_it(self):
         self.expect_gone(self.leave_behind(MATE_FOUND))
 
 
@@ -188,7 +188,7 @@ class UnreadRuns(fault_kit.FaultTest):
                 program, _ = self.begin_unread(words)
                 self.assertEqual(program.wait(timeout=60 * fault_kit.patience), -signal.SIGPIPE)
 
-    def test_a_starter_that_ignores_the_signal_does_not_count(self):
+    def test_a_parent_that_ignores_the_signal_does_not_count(self):
         # This interpreter ignores it, and so would its children.
         for words in (["-perft", "8"], ["-analyze", self.SUITE]):
             with self.subTest(words[0]):

@@ -39,7 +39,7 @@ def engine_process(folder):
 
 class Idle(unittest.TestCase):
 
-    def test_after_the_end_of_input_the_engine_waits_and_goes_with_its_starter(self):
+    def test_after_the_end_of_input_the_engine_waits_and_ends_with_its_parent(self):
         engine = uci_process_test.UciEngine("mirvo", uci_process_test.MIRVO)
         self.addCleanup(engine.close)
         engine.start([])

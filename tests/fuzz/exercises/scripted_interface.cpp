@@ -91,9 +91,9 @@ int Read(char* buffer, std::size_t size, bool wait) {
   return session.ended ? inputEnded : nothingToRead;
 }
 
-bool StarterGone() { return false; }
+bool ParentExited() { return false; }
 
-bool ReaderGone() { return false; }
+bool OutputClosed() { return false; }
 
 void Pause(std::uint32_t) {
   if (++session.nTurns > turnLimit) Break("the engine waits for ever");
@@ -101,7 +101,7 @@ void Pause(std::uint32_t) {
   Receive(&ScriptedInterface::SayDuringSearch);
 }
 
-constexpr InputSource source{Waiting, Read, StarterGone, ReaderGone, Pause};
+constexpr InputSource source{Waiting, Read, ParentExited, OutputClosed, Pause};
 
 const Effort& EffortNow() { return session.nNodes < nodesOfFullEffort ? fullEffort : leastEffort; }
 
