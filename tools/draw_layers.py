@@ -2,10 +2,9 @@
 
 Usage: draw_layers.py [--check]
 
-A box is a layer (`mirvo_layer` in a CMakeLists.txt) with its folder, an arrow
-goes to a layer that it uses. What is used through another layer anyway has no
-arrow of its own. With --check nothing is written: the status is 1 when the
-picture is not the one that the targets give.
+A box is a layer (`mirvo_layer` in a CMakeLists.txt) with its folder; an arrow points
+to a layer that it uses. A layer that is also used through another one has no arrow.
+With --check nothing is written: the status is 1 if the picture is out of date.
 """
 
 import pathlib
