@@ -1,5 +1,5 @@
-"""What the measuring scripts share: an engine on one core with its processor
-time, searches of it, and the signature positions."""
+"""Helpers for the measuring scripts: an engine on one core with its processor time,
+its searches, and the signature positions."""
 
 import math
 import os
@@ -18,7 +18,7 @@ def is_installed(command):
 
 
 def run_program(command, core, folder):
-    """What a program prints on one core, and the processor seconds of its life."""
+    """A program's output on one core, and the processor seconds that it used."""
     with subprocess.Popen(["taskset", "-c", str(core), *command], cwd=folder, text=True,
                           stdin=subprocess.DEVNULL, stdout=subprocess.PIPE) as process:
         text = process.stdout.read()
@@ -28,8 +28,8 @@ def run_program(command, core, folder):
 
 
 def mirvo_perft(program, fen, depth, core, folder):
-    """Leaves and processor seconds; what one of depth 1 takes is the start's
-    and is taken off."""
+    """Leaves and processor seconds, without the time of the start, which is measured
+    with depth 1."""
     command = [program, "-perft"]
     text, seconds = run_program([*command, str(depth), *fen.split()], core, folder)
     _, start = run_program([*command, "1", *fen.split()], core, folder)
@@ -39,14 +39,14 @@ def mirvo_perft(program, fen, depth, core, folder):
 
 
 class Engine:
-    """A program on one core; lines go in and out, its processor time is known."""
+    """A program on one core, with its lines and its processor time."""
 
     def __init__(self, command, core, folder):
         path = shutil.which(command[0], path=SEARCH_PATH)
         self.process = subprocess.Popen(
             ["taskset", "-c", str(core), path, *command[1:]], cwd=folder, text=True,
             stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, bufsize=1)
-        # The number of the process's clock, as clock_getcpuclockid makes it.
+        # The id of the process's clock, computed like clock_getcpuclockid.
         self.clock = (~self.process.pid << 3) | 2
 
     def send(self, line):
@@ -62,18 +62,18 @@ class Engine:
         return next(line for line in self.lines() if line.startswith(beginnings))
 
     def seconds(self):
-        """Processor time used so far; taskset becomes the engine, so it is its."""
+        """Processor time used so far; taskset executes the engine in its own process."""
         return time.clock_gettime(self.clock)
 
     def start_uci(self, settings=()):
-        """Says "uci" and sets options ("NAME value VALUE")."""
+        """Sends "uci" and sets options ("NAME value VALUE")."""
         self.send("uci")
         self.wait_for("uciok")
         for setting in settings:
             self.send("setoption name " + setting)
 
     def new_position(self, fen):
-        """Empties the tables and sets a position up."""
+        """Clears the tables and sets up a position."""
         self.send("ucinewgame")
         self.send("isready")
         self.wait_for("readyok")
@@ -91,7 +91,7 @@ class Engine:
         return nodes, self.seconds() - start
 
     def quit(self):
-        """Ends an engine that answers; the memory it used at most, in MB."""
+        """Ends the engine; returns its peak memory in MB."""
         self.send("quit")
         _, _, usage = os.wait4(self.process.pid, 0)
         self.process.returncode = 0

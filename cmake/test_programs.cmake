@@ -1,14 +1,13 @@
 # GoogleTest programs: how they are compiled and how CTest runs them.
 
-# The engine is tested as it is shipped, with all optimisation; most tests only
-# call it, and compile in half the time without (measured over one stage:
-# docs/testing.md). Their headers, the test library's above all, are compiled
-# once for all of them.
+# The engine is tested as it is shipped, with full optimisation. The tests themselves
+# only call it and compile in half the time without. Their headers, above all those of
+# the test library, are precompiled once for all of them.
 add_library(mirvo_test_flags INTERFACE)
 target_compile_options(mirvo_test_flags INTERFACE $<$<CONFIG:Release,Sanitize>:-O0>)
 if(WIN32)
-  # Objects for Windows count their sections in 16 bits otherwise, and every
-  # instance of a template has one.
+  # Otherwise objects for Windows have at most 65,535 sections, and every template
+  # instance needs one.
   target_compile_options(mirvo_test_flags INTERFACE -Wa,-mbig-obj)
 endif()
 target_compile_definitions(mirvo_test_flags INTERFACE MIRVO_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
@@ -23,20 +22,18 @@ target_precompile_headers(test_headers PRIVATE
   <functional> <iterator> <map> <memory> <ostream> <random> <set> <sstream> <string> <utility>
   <vector>)
 
-# So many sources of a program are compiled as one, unless CMAKE_UNITY_BUILD
-# says otherwise.
+# Number of a program's sources compiled as one, unless CMAKE_UNITY_BUILD is set.
 set(sources_together 7)
 
 # mirvo_test(NAME USES layer... SOURCES file... [SEPARATE file...] [LABELS label...]
 #            [SHARDS count] [COST seconds] [ALONE filter...])
-# One GoogleTest program, which links the layers named and nothing above them,
-# and is one test: all its cases run in one process, in an order of chance. What
-# it prints first names the seed of that order (--gtest_random_seed repeats it).
-#   SEPARATE  sources whose names others of the program have as well: compiled
-#             by themselves
-#   SHARDS    so many tests, each with its share of the cases
-#   COST      what to start first where no earlier run tells
-#   ALONE     cases that need a process of their own
+# One GoogleTest program, which links the named layers and nothing above them, and is
+# one test: all its cases run in one process, in random order. The first line of its
+# output names the seed of that order (--gtest_random_seed repeats it).
+#   SEPARATE  sources with names that also occur in others: compiled by themselves
+#   SHARDS    number of tests among which the cases are divided
+#   COST      seconds, for starting long tests first when no earlier run is known
+#   ALONE     cases that need their own process
 # The results of single cases are in gtest-results/ of the build folder.
 function(mirvo_test name)
   cmake_parse_arguments(arg "" "SHARDS;COST" "SOURCES;SEPARATE;USES;LABELS;ALONE" ${ARGN})
@@ -75,7 +72,7 @@ function(mirvo_test name)
 endfunction()
 
 # mirvo_test_process(PROGRAM TEST [argument...]): one run of a test program.
-# For mirvo_test only, whose labels and costs it takes.
+# For use in mirvo_test only, whose labels and costs it uses.
 function(mirvo_test_process program test)
   set(results ${CMAKE_BINARY_DIR}/gtest-results/${test}.xml)
   if(CMAKE_CROSSCOMPILING)

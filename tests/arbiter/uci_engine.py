@@ -1,5 +1,5 @@
-"""A UCI engine as a child process, as an interface sees it: lines go in, lines
-come out with the time they arrived, and waiting never lasts for ever."""
+"""A UCI engine as a child process, as an interface sees it: lines go in, lines come
+out with the time they arrived, and every wait has a limit."""
 
 import pathlib
 import queue
@@ -11,8 +11,8 @@ import threading
 import time
 
 
-# A shell's background job and "nohup" ignore signals, and so would every engine
-# started from there: tests send some that must end it.
+# Background jobs of a shell and "nohup" ignore signals, and engines would inherit
+# that; but tests send signals that must end them.
 for _number in (signal.SIGINT, signal.SIGHUP):
     if signal.getsignal(_number) is signal.SIG_IGN:
         signal.signal(_number, signal.SIG_DFL)

@@ -52,7 +52,7 @@ std::uint32_t secondTick = 0;
 
 std::uint32_t NextTick() { return std::exchange(firstTick, secondTick); }
 
-// The moves of all depths (20 + 400 + 8902) by the time, one millisecond added.
+// The moves of all depths (20 + 400 + 8902), divided by the time plus 1 ms.
 TEST(RunPerft, SpeedIsAllMovesByTheTimeAndAMillisecond) {
   const struct {
     std::uint32_t start;
@@ -118,7 +118,7 @@ TEST(RunPerft, APositionWithoutMovesShowsTheHelpersCounts) {
 }
 
 TEST(RunPerft, CountsEveryMoveMadeLegalOrNot) {
-  // The pinned rook's moves off the file are made, tested and taken back.
+  // The pinned rook's moves off the file are made, tested and unmade.
   const std::uint64_t before = nPerftMoves;
   const auto board = std::make_unique<Board>(BoardFrom("4r1k1/8/8/8/8/8/4R3/4K3 w -"));
   const std::size_t nMoves = AllMoves(*board).size();

@@ -110,8 +110,8 @@ bool HasLegalMove(Board& board, int kind, int to) {
   return false;
 }
 
-/// Runs suites in a folder of their own, with small tables, no clock and a
-/// quiet search to depth 3.
+/// Runs suites in a new folder, with small tables, no clock and quiet searches to
+/// depth 3.
 class RunSuiteTest : public testing::Test {
  protected:
   RunSuiteTest()
@@ -435,8 +435,8 @@ TEST_F(RunSuiteTest, TheShippedSuiteNamesOnlyLegalMoves) {
   }
 }
 
-// Every search starts cold, so the order of a suite must not show: neither in
-// the answers nor in any iteration's depth, score or line.
+// Every search starts from empty tables, so neither the answers nor any
+// iteration's depth, score or line may depend on the order of a suite.
 TEST_F(RunSuiteTest, ResultsDoNotDependOnThePlaceInTheSuite) {
   std::ifstream file(std::string(MIRVO_SOURCE_DIR) + "/data/mirvo-suite.epd");
   std::vector<std::string> positions;
@@ -445,7 +445,7 @@ TEST_F(RunSuiteTest, ResultsDoNotDependOnThePlaceInTheSuite) {
   engineConfig.Quiet = false;
   engineConfig.DepthSearch = 4;
 
-  // By position: what was printed between its board and its running totals.
+  // By position: the output between its board and its totals.
   const auto reports = [this](const std::vector<std::string>& lines) {
     std::string suite;
     for (const std::string& line : lines) suite += line + "\n";

@@ -1,6 +1,5 @@
-"""Interfaces that close a stream, die or send signals: the program ends when
-nobody is left to answer, soon and by itself, and takes no processor time to
-wait for that."""
+"""Interfaces that close a stream, die or send signals: the program ends soon when
+nobody is left to answer, and waits for that without using the processor."""
 
 import os
 import shlex
@@ -14,8 +13,8 @@ from fault_kit import LOG, is_alive, processor_seconds, stat_fields, wait_until
 
 SOURCES = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..")
 
-# Plays an interface with both pipes open: says what is asked for, tells the
-# engine's number and waits to be killed.
+# An interface with both pipes open: sends the given lines, prints the engine's
+# process number and waits to be killed.
 INTERFACE = """
 import subprocess, sys
 engine = subprocess.Popen(["./mirvo"], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
@@ -27,8 +26,7 @@ print(engine.pid, flush=True)
 engine.wait()
 """
 
-# What brings the program where it is to be left alone: the text to wait for,
-# then the lines to send.
+# How to get the program into a state: the text to wait for, then the lines to send.
 IDLE = ("readyok", "uci|isready")
 SEARCHES = {
     "uci, on its own time": ("Allowing", "uci|go wtime 36000000 btime 36000000"),
@@ -44,7 +42,7 @@ MATE_FOUND = ("info depth 1", "uci|position fen 6k1/5ppp/8/8/8/8/8/R3K3 w - -|go
 class KilledInterface(fault_kit.FaultTest):
 
     def leave_behind(self, words):
-        """The number of an engine whose interface is killed with SIGKILL."""
+        """The process number of an engine whose interface is killed with SIGKILL."""
         folder = fault_kit.temporary_folder()
         self.addCleanup(folder.cleanup)
         os.symlink(fault_kit.mirvo, os.path.join(folder.name, "mirvo"))
@@ -71,16 +69,16 @@ class KilledInterface(fault_kit.FaultTest):
             with self.subTest(name):
                 self.expect_gone(self.leave_behind(words))
 
-    def test_an_engine_that_withholds_its_answer_follows_it(self):
+    def test_an_engine_that_delays_its_best_move_follows_it(self):
         self.expect_gone(self.leave_behind(MATE_FOUND))
 
 
 class ClosedPipes(fault_kit.FaultTest):
-    """The process that started the engine lives: a start script, for example,
-    that waits for it."""
+    """The process that started the engine lives on, for example a start script that
+    waits for it."""
 
     def begin(self, words):
-        """An engine in the state that the words describe, on bare pipes."""
+        """An engine in the given state, on plain pipes."""
         first_word, text = words
         folder = fault_kit.temporary_folder()
         self.addCleanup(folder.cleanup)
@@ -124,7 +122,7 @@ class ClosedPipes(fault_kit.FaultTest):
         self.assertLess(processor_seconds(engine.pid) - before, 0.06)
 
     def test_the_output_alone_closed_leaves_it_at_work(self):
-        # A signal of the broken pipe would end it at the first line printed.
+        # SIGPIPE would end it at the first line printed.
         for name, words in {"idle": IDLE, **SEARCHES}.items():
             with self.subTest(name):
                 engine, log = self.begin(words)
@@ -146,8 +144,8 @@ class ClosedPipes(fault_kit.FaultTest):
 
 
 class UnreadRuns(fault_kit.FaultTest):
-    """A task whose output nobody reads any more ends; an engine, which hears
-    when its interface is gone, does not mind."""
+    """A task ends when nobody reads its output any more; an engine does not, because
+    it notices otherwise when its interface is gone."""
 
     GAMES = os.path.join(SOURCES, "data", "opening_lines.pgn")
     SUITE = os.path.join(SOURCES, "data", "mirvo-suite.epd")
@@ -157,7 +155,7 @@ class UnreadRuns(fault_kit.FaultTest):
              ["-listmoves", "b.bk", "8/8/8/8/8/8/8/K6k", "w", "-"], ["-quiet", "--p", "8"]]
 
     def begin(self, words, reader, **how):
-        """The program with these words, its output a pipe; its folder."""
+        """Starts the program with these arguments and a pipe for its output."""
         folder = fault_kit.temporary_folder()
         self.addCleanup(folder.cleanup)
         program = subprocess.Popen([fault_kit.mirvo, *words], cwd=folder.name, stdout=reader,
@@ -188,7 +186,7 @@ class UnreadRuns(fault_kit.FaultTest):
                 program, _ = self.begin_unread(words)
                 self.assertEqual(program.wait(timeout=60 * fault_kit.patience), -signal.SIGPIPE)
 
-    def test_a_starter_that_ignores_the_signal_does_not_count(self):
+    def test_a_parent_that_ignores_the_signal_does_not_count(self):
         # This interpreter ignores it, and so would its children.
         for words in (["-perft", "8"], ["-analyze", self.SUITE]):
             with self.subTest(words[0]):
@@ -222,7 +220,7 @@ class UnreadRuns(fault_kit.FaultTest):
 
 
 class MissingStreams(fault_kit.FaultTest):
-    """Started without a standard stream at all."""
+    """Started without one or more standard streams."""
 
     def test_without_output_the_log_has_every_message_once(self):
         self.start(command="$mirvo >&-")
@@ -233,7 +231,7 @@ class MissingStreams(fault_kit.FaultTest):
         self.assertEqual(log.count("readyok"), 1)
 
     def test_without_input_it_does_not_read_its_own_files(self):
-        # Were the log its input, "quit" would be in it.
+        # If the log became its input, the engine would read "quit" from it.
         self.start("echo Book=quit > config.txt", "$mirvo <&-")
         self.wait("Ponder=1")
         pid = self.engine.process.pid
@@ -247,9 +245,9 @@ class MissingStreams(fault_kit.FaultTest):
 
 
 class Signals(fault_kit.FaultTest):
-    """Under XBoard an interrupt is no reason to end and a request to terminate
-    lets what was said before it be done (xboard_process_test.py); otherwise
-    the system's own actions hold, in a search too."""
+    """Under XBoard an interrupt is ignored and a request to terminate lets earlier
+    commands finish (xboard_process_test.py); otherwise the system's default actions
+    apply, during a search too."""
 
     def test_interrupt_and_terminate_end_any_uci_session(self):
         for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):

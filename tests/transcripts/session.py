@@ -1,5 +1,5 @@
-"""One start of the program in a folder: scripted input, what came back. Never
-outlives its time limit."""
+"""One start of the program in a folder: scripted input and the output. Never
+exceeds its time limit."""
 
 import os
 import queue
@@ -15,8 +15,8 @@ class SessionFault(Exception):
 
 
 class Session:
-    """The program as a child with pipes. Reads both pipes at once, so it cannot
-    block on a full one."""
+    """The program as a child with pipes. Reads both pipes concurrently, so the program
+    cannot block on a full one."""
 
     def __init__(self, command, folder, time_limit):
         self.deadline = time.monotonic() + time_limit
@@ -50,7 +50,7 @@ class Session:
         return max(0.0, self.deadline - time.monotonic())
 
     def _take_chunk(self):
-        """Waits for output; false when there will be none any more."""
+        """Waits for output; false when there will be no more."""
         if self.ended:
             return False
         chunk = self.chunks.get(timeout=self._left())
@@ -71,12 +71,12 @@ class Session:
         self.process.stdin.close()
 
     def close_output(self):
-        """Stops reading what the program writes, like an interface that is gone."""
+        """Stops reading the program's output, like an interface that has ended."""
         os.write(self.stop_writer, b"x")
         self.readers[0].join()
 
     def expect(self, pattern):
-        """Waits for a line that matches, behind the last one that did."""
+        """Waits for a line that matches, after the last one that did."""
         compiled = re.compile(pattern.encode("utf-8", "surrogateescape"))
         while True:
             while (end := self.text.find(b"\n", self.matched)) >= 0:
@@ -100,7 +100,7 @@ class Session:
             raise SessionFault("the program did not end in time") from None
 
     def close(self):
-        """Ends the program, whatever it does, and collects the rest of its output."""
+        """Kills the program if necessary and collects the rest of its output."""
         if self.process.poll() is None:
             self.process.kill()
         self.process.wait()
