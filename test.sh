@@ -31,7 +31,7 @@ wanted() {
 # and the referees, peers and clients of the tests that play whole games.
 packages=(g++ cmake ninja-build libgtest-dev libgmock-dev clang-format cppcheck python3)
 wanted quick || packages+=(libbenchmark-dev dpkg-dev file valgrind polyglot stockfish xboard fairymax
-  xvfb xauth)
+  xvfb xauth xdotool xclip desktop-file-utils)
 need_packages "${packages[@]}" ||
   echo "Some packages could not be installed; tests that need them are skipped." >&2
 
