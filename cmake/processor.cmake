@@ -9,9 +9,19 @@ endif()
 
 # A program at a fixed address reads its tables, the attack sets above all, by
 # their addresses; one that may be loaded anywhere needs a register for each
-# table first, and a sixteenth more instructions in a search. Distributions that
-# want every program movable say ON, and get one from any compiler.
+# table first, and a sixteenth more instructions in a search.
 option(MIRVO_PIE "Make the optimised program loadable at any address" OFF)
+
+# Packages hold what a distribution expects of every program: it is movable, its
+# stack and its copies of memory are checked, and its table of library functions
+# is fixed before it begins. docs/performance.md says what that costs.
+option(MIRVO_HARDENED "Make the program as Debian makes its own; implies MIRVO_PIE" OFF)
+if(MIRVO_HARDENED)
+  set(MIRVO_PIE ON)
+  target_compile_definitions(mirvo_flags INTERFACE _FORTIFY_SOURCE=2)
+  target_compile_options(mirvo_flags INTERFACE -fstack-protector-strong -Werror=format-security)
+  target_link_options(mirvo_flags INTERFACE -Wl,-z,relro,-z,now)
+endif()
 if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
   target_compile_options(mirvo_flags INTERFACE
     $<$<CONFIG:Release>:$<IF:$<BOOL:${MIRVO_PIE}>,-fPIE,-fno-pie>>)
