@@ -77,7 +77,7 @@ TEST(MakeMoveRules, TheFastWaysDoWhatTheGeneralWayDoes) {
   const auto fast = std::make_unique<Board>();
   const auto general = std::make_unique<Board>();
   int nMoves = 0;
-  test::PlayRandomGames(44, 48, 120, [&](Board& board) {
+  test::PlayRandomGames(44, test::Repetitions(48, 8), 120, [&](Board& board) {
     const std::vector<Move> words = test::AllMoves(board);
     board.inCheckCache = -1;  // as it is after a move was unmade
     for (const Move word : words) {
@@ -86,7 +86,7 @@ TEST(MakeMoveRules, TheFastWaysDoWhatTheGeneralWayDoes) {
       ++nMoves;
     }
   });
-  EXPECT_GT(nMoves, 50000);
+  EXPECT_GT(nMoves, test::Repetitions(50000, 8000));
 }
 
 // Makes a word and unmakes it, with a check answer found between.
@@ -101,7 +101,7 @@ void ExpectUnmade(Board& board, Move word) {
 
 TEST(MakeMoveRules, HoldForGeneratedMovesAndWhatTheirWordsMayLeaveOpen) {
   const auto scratch = std::make_unique<Board>();
-  test::PlayRandomGames(41, test::Repetitions(12, 6), 60, [&scratch](Board& board) {
+  test::PlayRandomGames(41, test::Repetitions(12, 3), 60, [&scratch](Board& board) {
     for (const Move word : test::AllMoves(board)) {
       const Move words[] = {word, word | unreadBits, word & ~captureFlag, word ^ otherColour,
                             word | static_cast<Move>(unknownKind) << moveKindShift};

@@ -11,11 +11,12 @@
 #include "board/notation.h"
 #include "tests/support/board_support.h"
 #include "tests/support/mailbox.h"
+#include "tests/support/repetitions.h"
 
 namespace mirvo {
 namespace {
 
-constexpr int nGames = 48;
+constexpr int nGames = test::Repetitions(48, 12);
 constexpr int maxPlies = 120;
 
 TEST(RandomGames, DerivedFieldsAndKeyFollowThePieces) {

@@ -10,7 +10,6 @@ namespace mirvo {
 namespace {
 
 constexpr char featureLine[] = "feature myname=\"Mirvo 0.2.7_d\" name=1 setboard=1 ics=1 done=1\n";
-constexpr char noTime[] = "Allowing 0 ms for move (0, 0, 0)\n";
 constexpr char oneHit[] =
     "PONDER HIT. CONTINUING\nAllowing 0 ms for move (0, 0, 0)\n"
     "Ponder hits = 1, misses = 0, percenthits = 100.0%\n";

@@ -6,7 +6,6 @@
 namespace mirvo {
 namespace {
 
-constexpr char noTime[] = "Allowing 0 ms for move (0, 0, 0)\n";
 constexpr char hitLines[] =
     "PONDER HIT. CONTINUING\nAllowing 0 ms for move (0, 0, 0)\n"
     "Ponder hits = 1, misses = 0, percenthits = 100.0%\n";

@@ -5,6 +5,7 @@
 #include "search/hash/hash_table.h"
 #include "search/move_order.h"
 #include "tests/protocol/uci_test_kit.h"
+#include "tests/support/hash_support.h"
 
 namespace mirvo {
 namespace {
@@ -128,8 +129,7 @@ TEST_F(UciCommands, UcinewgameForgetsTheGame) {
 // A few large pages at least, before whoever waits for an answer has it.
 TEST_F(UciCommands, MemoryOfTheTablesIsPrefaultedWhereTheInterfaceWaits) {
   for (const char* command : {"uci\n", "isready\n", "ucinewgame\n"}) {
-    TranspositionTable.size = 2000;
-    HashAllocate(TranspositionTable);
+    test::AllocateAfresh(TranspositionTable, 2000);
     const std::size_t nMissing = TranspositionTable.nMissing;
     PlayUci(command);
     EXPECT_LT(TranspositionTable.nMissing, nMissing) << command;
@@ -139,8 +139,7 @@ TEST_F(UciCommands, MemoryOfTheTablesIsPrefaultedWhereTheInterfaceWaits) {
 }
 
 TEST_F(UciCommands, NoMemoryIsPrefaultedForAnAnswerDuringASearch) {
-  TranspositionTable.size = 100;
-  HashAllocate(TranspositionTable);
+  test::AllocateAfresh(TranspositionTable, 100);
   const std::size_t nMissing = TranspositionTable.nMissing;
   searchFlags.searching = 1;
   PlayUci("uci\nisready\n");

@@ -26,6 +26,9 @@
 
 namespace mirvo {
 
+/// What a "go" under XBoard prints first where no clock was told.
+inline constexpr char noTime[] = "Allowing 0 ms for move (0, 0, 0)\n";
+
 struct ScriptedSearch {
   std::vector<std::string> arrivals;  // bytes that arrive before each of its polls
   std::string best = "";              // empty: no legal move

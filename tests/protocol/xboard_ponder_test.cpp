@@ -14,7 +14,7 @@ constexpr char hitLine[] = "PONDER HIT. CONTINUING\n";
 constexpr char missLine[] = "PONDER NOT HIT. STOPPING\n";
 
 /// "new" and White's first move; the engine answers e7e5 and expects g1f3.
-ScriptedSearch FirstAnswer() { return {{}, "e7e5", "g1f3"}; }
+ScriptedAnswer FirstAnswer() { return {{}, "e7e5", "g1f3"}; }
 
 int Count(const std::string& text, const std::string& part) {
   int n = 0;
@@ -203,8 +203,6 @@ INSTANTIATE_TEST_SUITE_P(
 
 // Lines that give the ponder search up.
 
-constexpr char afterE4E5[] = "rnbqkbnr/pppp1ppp/8/4p3/4P3/8/PPPP1PPP/RNBQKBNR w KQkq -\n";
-
 TEST_F(XBoardPondering, GoAbandonsAndPlaysTheOtherSide) {
   script = {FirstAnswer(), {{"go\n"}, "b8c6", "f1b5"}, {{}, "d2d4"}};
   const std::string printed = Play({"new\n", "e2e4\n"});
@@ -224,7 +222,7 @@ TEST_F(XBoardPondering, ForceAbandonsAtOnce) {
   const std::string printed = Play({"new\n", "e2e4\n"});
   EXPECT_EQ(printed.substr(printed.size() - 59),
             "rnbqkbnr/pppp1ppp/8/4p3/4P3/5N2/PPPP1PPP/RNBQKB1R b KQkq -\n");
-  EXPECT_EQ(Position(), afterE4E5);
+  EXPECT_EQ(Position(), afterE4E5Line);
   EXPECT_EQ(xboardGame.force, 1);
   EXPECT_EQ(xboardPonder.ponderMiss, 0);
   EXPECT_EQ(ponderStats.misses, 0U);
@@ -265,7 +263,7 @@ TEST_F(XBoardPondering, ResultAbandonsAtOnce) {
   script = {FirstAnswer(), {{"result 1-0 {Resigns}\n"}, "b8c6", "f1b5"}};
   const std::string printed = Play({"new\n", "e2e4\n"});
   EXPECT_EQ(Count(printed, "\nmove "), 1);
-  EXPECT_EQ(Position(), afterE4E5);
+  EXPECT_EQ(Position(), afterE4E5Line);
   EXPECT_STREQ(xboardGame.tags.result, "1-0");
   EXPECT_EQ(xboardGame.gameInProgress, 0);
   EXPECT_FALSE(XBoardHasOwnLine());

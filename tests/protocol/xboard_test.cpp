@@ -11,29 +11,28 @@
 #include "search/hash/hash_table.h"
 #include "search/move_order.h"
 #include "tests/protocol/xboard_test_kit.h"
+#include "tests/support/hash_support.h"
 
 namespace mirvo {
 namespace {
 
 constexpr char startLine[] = "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq -\n";
-constexpr char afterE4[] = "rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq -\n";
-constexpr char afterE4E5[] = "rnbqkbnr/pppp1ppp/8/4p3/4P3/8/PPPP1PPP/RNBQKBNR w KQkq -\n";
+constexpr char afterE4Line[] = "rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq -\n";
 
 using XBoardCommands = XBoardTest;
 
 TEST_F(XBoardCommands, AMoveAfterNewIsAnsweredWithBlackAndFillsTheHeader) {
   script = {{{}, "e7e5"}};
   const std::string printed = Play({"new\n", "e2e4\n"});
-  EXPECT_EQ(printed, std::string(afterE4) + "Allowing 0 ms for move (0, 0, 0)\n" + afterE4E5 +
-                         "move e7e5\n");
+  EXPECT_EQ(printed, std::string(afterE4Line) + "Allowing 0 ms for move (0, 0, 0)\n" +
+                         afterE4E5Line + "move e7e5\n");
   EXPECT_STREQ(xboardGame.tags.black, "Mirvo 0.2.7_d");
   EXPECT_EQ(xboardGame.gameInProgress, 1);
   EXPECT_EQ(xboardGame.gameStarted, 1);
 }
 
 TEST_F(XBoardCommands, NewPrefaultsAPartOfTheTables) {
-  TranspositionTable.size = 2000;
-  HashAllocate(TranspositionTable);
+  test::AllocateAfresh(TranspositionTable, 2000);
   const std::size_t nMissing = TranspositionTable.nMissing;
   Play({"new"});
   EXPECT_LT(TranspositionTable.nMissing, nMissing);
@@ -42,7 +41,8 @@ TEST_F(XBoardCommands, NewPrefaultsAPartOfTheTables) {
 }
 
 TEST_F(XBoardCommands, ForceModeRecordsBothSidesWithoutAReply) {
-  EXPECT_EQ(Play({"new\n", "force\n", "e2e4\n", "e7e5\n"}), std::string(afterE4) + afterE4E5);
+  EXPECT_EQ(Play({"new\n", "force\n", "e2e4\n", "e7e5\n"}),
+            std::string(afterE4Line) + afterE4E5Line);
   EXPECT_TRUE(searchKinds.empty());
   EXPECT_EQ(xboardGame.gameInProgress, 0);
 }
@@ -55,7 +55,7 @@ TEST_F(XBoardCommands, AClockCommandInForceModeDoesNotStartTheGame) {
 TEST_F(XBoardCommands, GoPlaysTheSideToMoveAndNamesItInTheHeader) {
   script = {{{}, "e2e4"}};
   EXPECT_EQ(Play({"new\n", "go\n"}),
-            std::string("Allowing 0 ms for move (0, 0, 0)\n") + afterE4 + "move e2e4\n");
+            std::string("Allowing 0 ms for move (0, 0, 0)\n") + afterE4Line + "move e2e4\n");
   EXPECT_EQ(xboardGame.engineColour, white);
   EXPECT_STREQ(xboardGame.tags.white, "Mirvo 0.2.7_d");
   EXPECT_STREQ(xboardGame.tags.whiteType, "program");
@@ -66,7 +66,7 @@ TEST_F(XBoardCommands, GoLeavesForceMode) {
   script = {{{}, "e7e5"}};
   Play({"new\n", "force\n", "e2e4\n", "go\n"});
   EXPECT_EQ(xboardGame.force, 0);
-  EXPECT_EQ(Position(), afterE4E5);
+  EXPECT_EQ(Position(), afterE4E5Line);
 }
 
 TEST_F(XBoardCommands, AWhiteEngineStaysWhiteWhenItsOpponentMoves) {
@@ -88,7 +88,7 @@ TEST_F(XBoardCommands, GoClearsAPonderingFlag) {
 TEST_F(XBoardCommands, GoodbyeIsAGo) {
   script = {{{}, "e2e4"}};
   Play({"new\n", "goodbye\n"});
-  EXPECT_EQ(Position(), afterE4);
+  EXPECT_EQ(Position(), afterE4Line);
 }
 
 TEST_F(XBoardCommands, TheHeaderIsFilledOncePerGame) {
@@ -279,7 +279,7 @@ TEST_F(XBoardCommands, BoardsStandAroundEveryMoveUnlessQuiet) {
   const std::string printed = Play({"e2e4\n"});
   EXPECT_EQ(printed.substr(0, before.size()), before);
   FormatBoard(gameBoard, BoardLayout::wide, diagram);
-  const std::string tail = std::string(diagram) + "\n" + afterE4E5 + "move e7e5\n";
+  const std::string tail = std::string(diagram) + "\n" + afterE4E5Line + "move e7e5\n";
   ASSERT_GE(printed.size(), tail.size());
   EXPECT_EQ(printed.substr(printed.size() - tail.size()), tail);
 }
@@ -290,7 +290,7 @@ TEST_F(XBoardCommands, ForceModePrintsTheBoardOnlyAfterTheMove) {
   const std::string printed = Play({"e2e4\n"});
   char diagram[diagramCapacity];
   FormatBoard(gameBoard, BoardLayout::wide, diagram);
-  EXPECT_EQ(printed, std::string(diagram) + "\n" + afterE4);
+  EXPECT_EQ(printed, std::string(diagram) + "\n" + afterE4Line);
 }
 
 TEST_F(XBoardCommands, NewStartsAgainButKeepsTheOpponentsName) {
@@ -395,7 +395,8 @@ TEST_F(XBoardCommands, OtherLinesDoNothing) {
 
 TEST_F(XBoardCommands, NoLegalMoveMeansNoReply) {
   script = {{{}, ""}};
-  EXPECT_EQ(Play({"new\n", "e2e4\n"}), std::string(afterE4) + "Allowing 0 ms for move (0, 0, 0)\n");
+  EXPECT_EQ(Play({"new\n", "e2e4\n"}),
+            std::string(afterE4Line) + "Allowing 0 ms for move (0, 0, 0)\n");
   EXPECT_FALSE(XBoardHasOwnLine());
 }
 
@@ -458,7 +459,7 @@ TEST(CompleteTextMove, KnowsEnPassantFromItsLookalikes) {
 
 TEST_F(XBoardCommands, AMoveLineMayCarryMoreText) {
   Play({"force\n", "e2e4 comment\n"});
-  EXPECT_EQ(Position(), afterE4);
+  EXPECT_EQ(Position(), afterE4Line);
 }
 
 TEST(XBoardQuit, EndsTheProcessWithStatusZero) {
@@ -506,7 +507,8 @@ TEST_F(XBoardThinking, ResultEndsTheSearchAndItsMoveIsPlayedWithoutPondering) {
 
 TEST_F(XBoardThinking, NewDiscardsTheMoveAndThenRunsInOrder) {
   script = {{{"new\n", "force\n", "time 500\n", "name Next\n"}, "e7e5", "g1f3"}};
-  EXPECT_EQ(Play({"new\n", "e2e4\n"}), std::string(afterE4) + "Allowing 0 ms for move (0, 0, 0)\n");
+  EXPECT_EQ(Play({"new\n", "e2e4\n"}),
+            std::string(afterE4Line) + "Allowing 0 ms for move (0, 0, 0)\n");
   EXPECT_EQ(Position(), startLine);
   EXPECT_EQ(xboardGame.force, 1);
   EXPECT_EQ(xboardGame.clockReceived, 1);

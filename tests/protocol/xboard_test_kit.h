@@ -23,7 +23,11 @@
 
 namespace mirvo {
 
-struct ScriptedSearch {
+/// The position line after e4 e5.
+inline constexpr char afterE4E5Line[] =
+    "rnbqkbnr/pppp1ppp/8/4p3/4P3/8/PPPP1PPP/RNBQKBNR w KQkq -\n";
+
+struct ScriptedAnswer {
   std::vector<std::string> lines;  // arrive while it runs, in order
   std::string best;                // empty: no legal move
   std::string ponder = "";         // expected reply
@@ -69,7 +73,7 @@ class XBoardTest : public ::testing::Test {
     return text;
   }
 
-  std::deque<ScriptedSearch> script;
+  std::deque<ScriptedAnswer> script;
   std::vector<std::string> searchKinds;  // "timed" or "ponder", one per search
   std::deque<std::string> waiting;
 
@@ -99,7 +103,7 @@ class XBoardTest : public ::testing::Test {
     searchKinds.emplace_back(engineConfig.InfiniteThinkingTime != 0 ? "ponder" : "timed");
     EXPECT_EQ(searchFlags.StopSearch, 0) << "a stop was left over";
     if (script.empty()) return {noMove, noMove};
-    const ScriptedSearch search = script.front();
+    const ScriptedAnswer search = script.front();
     script.pop_front();
     for (const std::string& line : search.lines) {
       if (XBoardLineMustWait(line.c_str())) {
@@ -111,7 +115,7 @@ class XBoardTest : public ::testing::Test {
     return Answer(search, *record.gameBoard);
   }
 
-  static SearchResult Answer(const ScriptedSearch& search, const Board& position) {
+  static SearchResult Answer(const ScriptedAnswer& search, const Board& position) {
     if (search.best.empty()) return {noMove, noMove};
     static Board board;
     board = position;
