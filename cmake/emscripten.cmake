@@ -43,8 +43,8 @@ set(CMAKE_EXECUTABLE_SUFFIX_CXX .wasm)
 # has room for the deepest search. The tables make the memory grow; the
 # functions of the host (shell/base/host_web.h) are known to it alone.
 set(CMAKE_CXX_FLAGS_INIT "-fno-exceptions -fno-rtti")
-set(CMAKE_EXE_LINKER_FLAGS_INIT "-sALLOW_MEMORY_GROWTH=1 -sINITIAL_MEMORY=33554432 \
--sMAXIMUM_MEMORY=2147483648 -sTOTAL_STACK=16777216 -sERROR_ON_UNDEFINED_SYMBOLS=0 \
+set(CMAKE_EXE_LINKER_FLAGS_INIT "-sALLOW_MEMORY_GROWTH=1 -sINITIAL_MEMORY=8388608 \
+-sMAXIMUM_MEMORY=2147483648 -sTOTAL_STACK=4194304 -Wl,--stack-first -sERROR_ON_UNDEFINED_SYMBOLS=0 \
 -sWARN_ON_UNDEFINED_SYMBOLS=0")
 
 # What runs the programs made.

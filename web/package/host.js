@@ -91,7 +91,8 @@ export class Host {
         },
         fd_read: (...args) => this.#transfer("read", ...args),
         fd_write: (...args) => this.#transfer("write", ...args),
-        fd_seek: (...args) => this.#seek(...args),
+        fd_seek: (descriptor, offset, whence, position) =>
+          this.#seek(descriptor, offset, whence, position),
         fd_close: (descriptor) => this.#close(descriptor),
       },
       env: {
@@ -194,15 +195,11 @@ export class Host {
     return 0;
   }
 
-  // The 64-bit offset comes whole or, from some builds, in two halves.
-  #seek(descriptor, ...rest) {
-    const whole = typeof rest[0] === "bigint";
-    const offset = whole ? Number(rest[0]) : rest[1] * 2 ** 32 + (rest[0] >>> 0);
-    const [whence, result] = rest.slice(whole ? 1 : 2);
+  #seek(descriptor, offset, whence, position) {
     const stream = this.#stream(descriptor);
     if (stream === undefined) return errors.EBADF;
     try {
-      this.#view().setBigInt64(result, BigInt(stream.seek(offset, whence)), true);
+      this.#view().setBigInt64(position, BigInt(stream.seek(Number(offset), whence)), true);
       return 0;
     } catch (error) {
       return errorNumber(error);
