@@ -27,6 +27,10 @@ WHY_LEFT_OUT = {
                "***  could not be installed (g++-mingw-w64-x86-64-posix, googletest, wine64).",
     "web": "its compiler is not there and\n"
            "***  could not be installed (emscripten).",
+    "arm64": "its compiler or qemu is not there and could\n"
+             "***  not be installed (g++-aarch64-linux-gnu, googletest, qemu-user).",
+    "s390x": "its compiler or qemu is not there and could\n"
+             "***  not be installed (g++-s390x-linux-gnu, googletest, qemu-user).",
 }
 FRAME = "*" * 79
 
