@@ -1,5 +1,5 @@
-"""What the measuring scripts share: an engine on one core with its processor
-time, searches of it, and the signature positions."""
+"""Helpers for the measuring scripts: an engine on one core with its processor time,
+its searches, and the signature positions."""
 
 import math
 import os
@@ -28,8 +28,8 @@ def run_program(command, core, folder):
 
 
 def mirvo_perft(program, fen, depth, core, folder):
-    """Leaves and processor seconds; what one of depth 1 takes is the start's
-    and is taken off."""
+    """Leaves and processor seconds, without the time of the start, which is measured
+    with depth 1."""
     command = [program, "-perft"]
     text, seconds = run_program([*command, str(depth), *fen.split()], core, folder)
     _, start = run_program([*command, "1", *fen.split()], core, folder)
@@ -57,14 +57,14 @@ class Engine(EngineProcess):
         return self.processor_seconds()
 
     def start_uci(self, settings=()):
-        """Says "uci" and sets options ("NAME value VALUE")."""
+        """Sends "uci" and sets options ("NAME value VALUE")."""
         self.send("uci")
         self.wait_for("uciok")
         for setting in settings:
             self.send("setoption name " + setting)
 
     def new_position(self, fen):
-        """Empties the tables and sets a position up."""
+        """Clears the tables and sets up a position."""
         self.send("ucinewgame")
         self.send("isready")
         self.wait_for("readyok")
@@ -82,7 +82,7 @@ class Engine(EngineProcess):
         return nodes, self.seconds() - start
 
     def quit(self):
-        """Ends an engine that answers; the memory it used at most, in MB."""
+        """Ends the engine; returns its peak memory in MB."""
         self.send("quit")
         self.wait()
         self.close()

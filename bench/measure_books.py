@@ -3,8 +3,8 @@
 
     measure_books.py BUILD_FOLDER [NUMBER_OF_GAMES ...]
 
-Prints processor seconds (user and system) and peak memory of each; the time
-on the wall depends on what else the machine does.
+Prints processor seconds (user and system) and peak memory of each; real time would
+depend on the other load of the machine.
 """
 
 import os

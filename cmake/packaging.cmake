@@ -1,5 +1,4 @@
-# Packages of what is installed: "cpack" in a build folder makes a tar.gz and a
-# .deb, or a zip for Windows.
+# Packages: "cpack" in a build folder makes a tar.gz and a .deb, or a zip for Windows.
 set(CPACK_PACKAGE_NAME mirvo)
 set(CPACK_PACKAGE_VENDOR "Tavelin")
 set(CPACK_PACKAGE_CONTACT "Tavelin <tavelin@localhost>")

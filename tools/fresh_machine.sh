@@ -1,24 +1,23 @@
 #!/bin/bash
-# Makes a minimal Debian 12 machine in a folder, puts a clone of this repository
-# (what is committed) into it, and does there what the README tells: run.sh as
-# root, which installs the compiler; run.sh as an ordinary user without sudo;
-# play.sh as root; then test.sh as root. To be run once before each release.
+# Makes a minimal Debian 12 machine in a folder, clones the committed state of this
+# repository into it, and follows the README there: run.sh as root, which installs
+# the compiler; run.sh as an ordinary user without sudo; play.sh as root; then
+# test.sh as root. To be run once before each release.
 #
 #   tools/fresh_machine.sh                    all four
 #   tools/fresh_machine.sh run                both starts of run.sh only
 #   tools/fresh_machine.sh window             play.sh only: from the clone to the
 #                                             first move, with the time it took
-#   tools/fresh_machine.sh test [WORD...]     test.sh only, with these words
-#   tools/fresh_machine.sh shell              a shell there, for looking around
+#   tools/fresh_machine.sh test [WORD...]     test.sh only, with these arguments
+#   tools/fresh_machine.sh shell              a shell there, for inspection
 #
 #   --folder FOLDER   where the machine is made (default: a folder in /var/tmp)
-#   --keep            leaves it there; the next call with the same folder goes on
-#                     with it, with the packages installed so far
+#   --keep            keeps it; the next call with the same folder uses it again,
+#                     with the packages installed so far
 #
-# It needs root or sudo, some 4 GB, and the package servers that this machine's
-# apt is configured for. All mounts are made in a name space of their own, so
-# they and every process end with the script, however that ends. Exit status 0
-# when all went well.
+# It needs root or sudo, about 4 GB, and the package servers that this machine's apt
+# is configured for. All mounts are in a separate name space, so they and every
+# process end with the script, however that ends. Exit status 0 if all went well.
 set -uo pipefail
 
 here=$(cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.." && pwd)
@@ -35,7 +34,7 @@ give_up() {
   exit 1
 }
 
-# ---- Outside: needs no rights until the machine is made.
+# ---- Outside: needs no root rights until the machine is made.
 
 read_options() {
   while [ $# -gt 0 ]; do
@@ -49,14 +48,14 @@ read_options() {
   done
 }
 
-# The server that this machine's apt gets Debian's packages from.
+# The server from which this machine's apt gets Debian's packages.
 package_server() {
   apt-get indextargets --format '$(CODENAME) $(RELEASE) $(REPO_URI)' |
     awk -v name="$release" '$1 == name || $2 == name { print $3; exit }'
 }
 
-# What the machine's apt has to know: the same servers for this release, the way
-# to them (proxies, certificates, checks of dates), and nothing else of ours.
+# Settings for the new machine's apt: the same servers for this release and the way
+# to them (proxies, certificates, checks of dates), nothing else.
 write_apt_settings() {
   apt-get indextargets --format '$(RELEASE) $(REPO_URI) $(COMPONENT)' |
     awk -v name="$release" 'index($1, name) == 1 && !seen[$0]++ {
@@ -67,7 +66,7 @@ write_apt_settings() {
   echo 'APT::Install-Recommends "false";' >>"$1/apt.conf"
 }
 
-# Files of certificates that the settings name.
+# Certificate files that the settings name.
 certificate_files() {
   sed -nE 's/^[^ ]*::ca(info|path) "(.*)";$/\2/Ip' "$1/apt.conf"
 }
@@ -133,7 +132,7 @@ mount_system() {
   ln -sf pts/ptmx "$machine/dev/ptmx"
 }
 
-# inside USER COMMAND: a shell's text as that user, with a login's environment
+# inside USER COMMAND: runs a shell command as that user, with a login environment
 # and the way to the package servers.
 inside() {
   local home=/root name way=()
@@ -146,7 +145,7 @@ inside() {
     PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin bash -c "cd && $2"
 }
 
-# A new clone for the user, in the home folder.
+# Puts a new clone into the user's home folder.
 put_clone() {
   local home=/root
   [ "$1" = root ] || home=/home/$1
@@ -164,8 +163,8 @@ session='cd mirvo && coproc engine { ./run.sh; }
   done
   wait "$program"'
 
-# play USER: run.sh in a new clone. The session must begin and end as the
-# README says, and nothing but the engine may have written to it.
+# play USER: run.sh in a new clone. The session must begin and end as the README
+# says, and only the engine may write to standard output.
 play() {
   local log=$kit/run-$1.txt
   say "run.sh as $1"

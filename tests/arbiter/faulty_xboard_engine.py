@@ -1,5 +1,5 @@
-"""A real engine behind a filter that spoils one kind of line from its sixth on:
-what the arbiter of XBoard games must notice.
+"""A real engine behind a filter that spoils one kind of line from its sixth
+occurrence on, which the arbiter of XBoard games must notice.
 
 Usage: faulty_xboard_engine.py ENGINE FAULT   ("none" for none)
 """

@@ -1,5 +1,5 @@
-"""A UCI engine as a child process, as an interface sees it: lines go in, lines
-come out with the time they arrived, and waiting never lasts for ever."""
+"""A UCI engine as a child process, as an interface sees it: lines go in, lines come
+out with the time they arrived, and every wait has a limit."""
 
 import pathlib
 import shlex

@@ -2,8 +2,8 @@
 
 Usage: polyglot_books_test.py ENGINE GAMES.pgn
 
-polyglot builds, reads and plays the same record layout, so it is the judge of
-what "-createbook" writes and a source of books that the engine has to read.
+polyglot builds, reads and plays books of the same format, so it can check what
+"-createbook" writes and make books for the engine to read.
 """
 
 import os

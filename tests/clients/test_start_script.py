@@ -45,7 +45,7 @@ class StartScript(unittest.TestCase):
     def test_prepares_a_folder_and_says_nothing_itself(self):
         text = self.play()
         self.assertTrue(text.startswith("Welcome to Mirvo"))
-        # XBoard takes these words for an engine that could not be started.
+        # XBoard reads these words as a failed start.
         self.assertNotIn("not found", text)
         self.assertIn("\nfeature ", text)
         self.assertEqual(self.read("config.txt"), self.settings)

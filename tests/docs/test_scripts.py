@@ -1,6 +1,5 @@
-"""Tests of the scripts that the README tells to run: what run.sh prints where,
-when packages are installed, what play.sh starts, and what test.sh says without
-Wine.
+"""Tests of the scripts that the README names: where run.sh prints what, when packages
+are installed, what play.sh starts, and what test.sh says without Wine.
 
 Usage: test_scripts.py SOURCE_ROOT   (unittest; run by CTest)
 """
@@ -15,8 +14,8 @@ import unittest
 
 ROOT = pathlib.Path(sys.argv.pop(1)).resolve()
 
-# Stand-ins for Debian's commands: they log their arguments, and "absent-*"
-# packages are the ones not installed.
+# Replacements for Debian's commands: they log their arguments; packages named
+# "absent-*" count as not installed.
 STUBS = {
     "dpkg-query": 'case "${@: -1}" in absent-*) exit 1;; *) printf installed;; esac',
     "apt-get": 'echo "apt-get $*" >>"$CALLS"',
@@ -26,7 +25,7 @@ STUBS = {
 
 
 def need_packages(packages, user):
-    """Runs need_packages as a user id with the stand-ins: (calls, stdout)."""
+    """Runs need_packages as a user id with the replacements: (calls, stdout)."""
     with tempfile.TemporaryDirectory() as folder:
         for name, body in STUBS.items():
             stub = pathlib.Path(folder) / name

@@ -1,5 +1,5 @@
-"""What the fault tests share: the real program, started in a folder of its own
-that a few lines of shell may spoil first, and a look at its process.
+"""Helpers for the fault tests: the real program, started in a new folder that a few
+lines of shell may spoil first, and figures of its process.
 
 Every test file here is called as
 
@@ -56,8 +56,8 @@ class FaultTest(unittest.TestCase):
         return self.engine
 
     def start_as_nobody(self, spoil="", mode="755"):
-        """The same as a user who owns nothing: an administrator is refused no
-        file. The folder gets its mode last."""
+        """The same as an unprivileged user, since root may open any file. The folder
+        gets its mode last."""
         if os.geteuid() == 0:
             if shutil.which("setpriv") is None:
                 self.skipTest("setpriv is not installed")
@@ -130,7 +130,7 @@ def is_alive(pid):
 
 
 def wait_until(condition, limit):
-    """Whether the condition comes true within so many seconds."""
+    """Whether the condition becomes true within so many seconds."""
     deadline = time.monotonic() + limit * patience
     while not condition():
         if time.monotonic() > deadline:

@@ -1,5 +1,5 @@
-"""Hash sizes of any kind, and memory that is not given: tables come out
-smaller, the program plays on."""
+"""Hash sizes of any kind, and failed allocations: tables get smaller, the program
+plays on."""
 
 import resource
 import sys
@@ -15,8 +15,8 @@ TABLES = [("Pawn Hash Size", "PawnHashSize", "PawnHashSize"),
           ("Eval Hash Size", "EvalHashSize", "HashSize"),
           ("TT Hash Size", "TTHashSize", "TTHashSize")]
 
-# A build with sanitizers writes its notes about every byte of a table: there
-# the sizes are those that come out small.
+# Sanitizers keep shadow memory for every byte of a table, so under them only sizes
+# that give small tables are used.
 SIZES = [0, 1, 4096]
 if "--slow" not in sys.argv:
     SIZES += [-5, 4095, 100000, 2147483647, -2147483648]
@@ -30,8 +30,8 @@ def resident_megabytes(pid):
 class HashSizes(fault_kit.FaultTest):
 
     def expect_a_small_process(self):
-        """Whatever a table's size, it takes a bounded part of its memory ahead
-        and the rest where it is used; a build with sanitizers has its own needs."""
+        """A table of any size prefaults a bounded part of its memory and uses the
+        rest on access; sanitizers need memory themselves."""
         if not fault_kit.is_slow():
             self.assertLess(resident_megabytes(self.engine.pid), 300)
 

@@ -1,6 +1,5 @@
-"""Interfaces that close a stream, die or send signals: the program ends when
-nobody is left to answer, soon and by itself, and takes no processor time to
-wait for that."""
+"""Interfaces that close a stream, die or send signals: the program ends soon when
+nobody is left to answer, and waits for that without using the processor."""
 
 import os
 import shlex
@@ -59,13 +58,13 @@ class KilledInterface(fault_kit.FaultTest):
             with self.subTest(name):
                 self.expect_gone(self.leave_behind(words))
 
-    def test_an_engine_that_withholds_its_answer_follows_it(self):
+    def test_an_engine_that_delays_its_best_move_follows_it(self):
         self.expect_gone(self.leave_behind(MATE_FOUND))
 
 
 class ClosedPipes(fault_kit.FaultTest):
-    """The process that started the engine lives: a start script, for example,
-    that waits for it."""
+    """The process that started the engine lives on, for example a start script that
+    waits for it."""
 
     def begin(self, words):
         """An engine in the state that the words describe, on bare pipes."""
@@ -101,7 +100,7 @@ class ClosedPipes(fault_kit.FaultTest):
         self.assertLess(engine.processor_seconds() - before, 0.06)
 
     def test_the_output_alone_closed_leaves_it_at_work(self):
-        # A signal of the broken pipe would end it at the first line printed.
+        # SIGPIPE would end it at the first line printed.
         for name, words in {"idle": IDLE, **SEARCHES}.items():
             with self.subTest(name):
                 engine, log = self.begin(words)
@@ -122,8 +121,8 @@ class ClosedPipes(fault_kit.FaultTest):
 
 
 class UnreadRuns(fault_kit.FaultTest):
-    """A task whose output nobody reads any more ends; an engine, which hears
-    when its interface is gone, does not mind."""
+    """A task ends when nobody reads its output any more; an engine does not, because
+    it notices otherwise when its interface is gone."""
 
     GAMES = os.path.join(SOURCES, "data", "opening_lines.pgn")
     SUITE = os.path.join(SOURCES, "data", "mirvo-suite.epd")
@@ -133,7 +132,7 @@ class UnreadRuns(fault_kit.FaultTest):
              ["-listmoves", "b.bk", "8/8/8/8/8/8/8/K6k", "w", "-"], ["-quiet", "--p", "8"]]
 
     def begin(self, words, reader, **how):
-        """The program with these words, its output a pipe; its folder."""
+        """Starts the program with these arguments and a pipe for its output."""
         folder = fault_kit.temporary_folder()
         self.addCleanup(folder.cleanup)
         program = EngineProcess([fault_kit.mirvo, *words], folder.name, output=reader, **how)
@@ -154,7 +153,7 @@ class UnreadRuns(fault_kit.FaultTest):
                 program, _ = self.begin_unread(words)
                 self.assertEqual(program.wait(60 * fault_kit.patience), -signal.SIGPIPE)
 
-    def test_a_starter_that_ignores_the_signal_does_not_count(self):
+    def test_a_parent_that_ignores_the_signal_does_not_count(self):
         # This interpreter ignores it, and so would its children.
         for words in (["-perft", "8"], ["-analyze", self.SUITE]):
             with self.subTest(words[0]):
@@ -186,7 +185,7 @@ class UnreadRuns(fault_kit.FaultTest):
 
 
 class MissingStreams(fault_kit.FaultTest):
-    """Started without a standard stream at all."""
+    """Started without one or more standard streams."""
 
     def test_without_output_the_log_has_every_message_once(self):
         self.start(command="$mirvo >&-")
@@ -197,7 +196,7 @@ class MissingStreams(fault_kit.FaultTest):
         self.assertEqual(log.count("readyok"), 1)
 
     def test_without_input_it_does_not_read_its_own_files(self):
-        # Were the log its input, "quit" would be in it.
+        # If the log became its input, the engine would read "quit" from it.
         self.start("echo Book=quit > config.txt", "$mirvo <&-")
         self.wait("Ponder=1")
         pid = self.engine.pid
@@ -211,9 +210,9 @@ class MissingStreams(fault_kit.FaultTest):
 
 
 class Signals(fault_kit.FaultTest):
-    """Under XBoard an interrupt is no reason to end and a request to terminate
-    lets what was said before it be done (xboard_process_test.py); otherwise
-    the system's own actions hold, in a search too."""
+    """Under XBoard an interrupt is ignored and a request to terminate lets earlier
+    commands finish (xboard_process_test.py); otherwise the system's default actions
+    apply, during a search too."""
 
     def test_interrupt_and_terminate_end_any_uci_session(self):
         for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):

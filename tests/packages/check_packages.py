@@ -1,9 +1,9 @@
-"""Makes the packages of a build folder and checks what they hold.
+"""Makes the packages of a build folder and checks their contents.
 
     check_packages.py CPACK BUILD_FOLDER Linux|Windows [LOADER...]
 
-LOADER is the command that runs a Windows program: given one, the unpacked
-program is started in its folder as an interface does it.
+LOADER is the command that runs a Windows program: given one, the unpacked program
+is started in its folder as an interface does.
 Status 77 (skipped) where Debian's tools are missing.
 """
 

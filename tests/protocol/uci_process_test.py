@@ -1,5 +1,5 @@
 """Drives the real program over pipes as an interface does: commands during a
-search, withheld answers, pondering, the end of input, random conversations.
+search, delayed best moves, pondering, the end of input, random conversations.
 
     uci_process_test.py ./mirvo [--slow] [test name ...]
 
@@ -22,8 +22,8 @@ from uci_engine import UciEngine  # noqa: E402
 
 MIRVO = ""
 
-# Answers come within 50 ms. A machine that has other work to do may hold a
-# single one up, so the median is judged by that and the worst one generously.
+# Answers come within 50 ms. A busy machine may delay single ones, so that is the
+# limit for the median; the limit for the slowest is generous.
 MEDIAN_LIMIT = 0.05
 WORST_LIMIT = 0.5
 
@@ -103,7 +103,7 @@ class UciProcess(unittest.TestCase):
         self.judge("isready", readies)
         self.judge("stop", stops)
 
-    def test_infinite_withholds_its_answer_however_it_ends(self):
+    def test_infinite_delays_its_best_move_however_it_ends(self):
         for position in ("fen " + MATE_IN_ONE, "fen " + STALEMATED, "fen " + MATED):
             self.engine.send("position " + position)
             self.engine.send("go infinite")
@@ -111,12 +111,12 @@ class UciProcess(unittest.TestCase):
             self.assertTrue(self.answer("stop").startswith("bestmove"))
             self.engine.ready()
 
-    def test_a_depth_that_was_reached_is_withheld_under_infinite(self):
+    def test_infinite_delays_the_best_move_of_a_reached_depth(self):
         self.engine.send("go infinite depth 2")
         self.silent("bestmove", 0.3)
         self.answer("stop")
 
-    def test_ponder_withholds_its_answer_until_ponderhit(self):
+    def test_ponder_delays_its_best_move_until_ponderhit(self):
         self.engine.send("position fen " + MATE_IN_ONE)
         self.engine.send("go ponder wtime 1000 btime 1000")
         self.silent("bestmove", 0.3)
@@ -162,19 +162,19 @@ class UciProcess(unittest.TestCase):
         self.assertEqual(answers[1:], ["bestmove a1a8 ", "bestmove 0000 "])
         self.engine.ready()
 
-    def held_go(self, running, held, word, pause):
-        """A "go" behind a search that only a command ends, and a word behind
-        that: one answer each, and nothing is left running."""
+    def deferred_go(self, running, deferred, word, pause):
+        """A "go" during a search that only a command ends, and a command after it:
+        one answer each, and nothing is left running."""
         self.engine.send("ucinewgame")
         self.engine.send("position fen " + MIDDLE_GAME)
         self.engine.send("go " + running)
         time.sleep(pause)
-        self.engine.send("go " + held)
+        self.engine.send("go " + deferred)
         if pause:  # the word meets the second search, else perhaps the first
             self.engine.wait_for("bestmove", 10)
         self.engine.send("isready")
         self.engine.send(word)
-        if held == "infinite" and word == "ponderhit":
+        if deferred == "infinite" and word == "ponderhit":
             self.engine.send("stop")
         for _ in range(1 if pause else 2):
             self.engine.wait_for("bestmove", 10)
@@ -182,12 +182,12 @@ class UciProcess(unittest.TestCase):
 
     def test_a_go_ends_a_search_that_only_a_command_ends(self):
         for running in ("infinite", "ponder wtime 900 btime 900"):
-            for held in ("infinite", "ponder wtime 900 btime 900", "wtime 900 btime 900",
+            for deferred in ("infinite", "ponder wtime 900 btime 900", "wtime 900 btime 900",
                          "depth 3"):
                 for word in ("stop", "ponderhit"):
                     for pause in (0, 0.03):
-                        with self.subTest(f"{running}, {held}, {word}, {pause}"):
-                            self.held_go(running, held, word, pause)
+                        with self.subTest(f"{running}, {deferred}, {word}, {pause}"):
+                            self.deferred_go(running, deferred, word, pause)
 
     def test_one_stop_ends_every_search_that_waits(self):
         for kind in ("infinite", "ponder", "infinite", "depth 40", "wtime 9000000", "infinite"):
@@ -197,7 +197,7 @@ class UciProcess(unittest.TestCase):
             self.engine.wait_for("bestmove", 10)
         self.engine.ready()
 
-    def test_a_go_releases_a_withheld_answer(self):
+    def test_a_go_releases_a_delayed_best_move(self):
         for running in ("infinite", "ponder"):
             self.engine.send("position fen " + MATE_IN_ONE)
             self.engine.send("go " + running)

@@ -41,13 +41,13 @@ class XBoardProcess(unittest.TestCase):
         self.engine.signal(number)
 
     def ponder(self):
-        """Brings the engine to thinking on the opponent's time."""
+        """Gets the engine to ponder."""
         self.start()
         self.send("new", "time 100", "otim 100", "e2e4")
         self.wait("PONDERING")
 
     def think(self):
-        """Brings the engine to thinking on its own for minutes."""
+        """Gets the engine to search for minutes on its own time."""
         self.start()
         self.send("new", "time 360000", "otim 360000", "e2e4")
         self.wait("Allowing")
@@ -110,7 +110,7 @@ class XBoardProcess(unittest.TestCase):
         self.wait("move")
 
     def test_lines_before_a_terminate_are_handled(self):
-        """They are in the pipe before the engine can look at them."""
+        """They are in the pipe before the engine can read them."""
         self.command = f"sh -c 'echo LoggingMode=1 > config.txt; exec {MIRVO}'"
         for bring in (self.ponder, self.think, self.idle_in_a_game):
             with self.subTest(bring.__name__):

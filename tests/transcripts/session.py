@@ -1,5 +1,5 @@
-"""One start of the program in a folder: scripted input, what came back. Never
-outlives its time limit."""
+"""One start of the program in a folder: scripted input and the output. Never
+exceeds its time limit."""
 
 import os
 import re
@@ -42,7 +42,7 @@ class Session:
         self.program.close_output()
 
     def expect(self, pattern):
-        """Waits for a line that matches, behind the last one that did."""
+        """Waits for a line that matches, after the last one that did."""
         compiled = re.compile(pattern.encode("utf-8", "surrogateescape"))
         try:
             while (line := self.program.read_line(self.deadline)) is not None:
