@@ -35,6 +35,11 @@ wanted quick || packages+=(libbenchmark-dev dpkg-dev file valgrind polyglot stoc
 need_packages "${packages[@]}" ||
   echo "Some packages could not be installed; tests that need them are skipped." >&2
 
+# The newest compiler besides g++.
+if wanted release && clang=$(newest_clang_package) && [ -n "$clang" ]; then
+  need_packages "$clang" || echo "$clang could not be installed; its test may be skipped." >&2
+fi
+
 # Windows: the cross compiler, the test library's sources, and Wine. Without
 # them nothing can be said about that system: under CI ($CI is set) the stage
 # counts as failed, elsewhere it is left out, which the end of the run says

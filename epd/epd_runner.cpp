@@ -59,7 +59,7 @@ void PrintBestMoves(const SuitePosition& position) {
 /// Searches one position from empty tables and prints its result line without the
 /// totals. `number` counts the positions of the file from 1.
 Verdict AnalysePosition(const SuitePosition& position, std::int32_t number, Board& board) {
-  const bool quiet = engineConfig.Quiet != 0;
+  const bool quiet = engineConfig.Quiet;
   SetUpSuitePosition(position, board);
   PrintBoard(board, BoardLayout::wide, quiet);
   ClearSearchMemory();
@@ -87,8 +87,8 @@ void PrintTotals(const SuiteTotals& totals, std::int32_t count) {
 
 /// From now on searches neither probe the book nor poll the input.
 void DisableBookAndInput() {
-  searchFlags.BookInUse = 0;
-  searchFlags.NoInputPolling = 1;
+  searchFlags.BookInUse = false;
+  searchFlags.NoInputPolling = true;
 }
 
 }  // namespace

@@ -12,8 +12,8 @@ void StartRecord(FinishedGame& record, const GameTags& tags) {
   ReleaseRecord(record);
   record.moveText = static_cast<char*>(std::calloc(moveTextBytes, 1));
   record.tags = &tags;
-  record.headerOpen = 1;
-  record.movesOpen = 1;
+  record.headerOpen = true;
+  record.movesOpen = true;
 }
 
 void ReleaseRecord(FinishedGame& record) {

@@ -52,13 +52,13 @@ OwnClock ClockOfMover(const UciSession& session) {
 
 /// Whether the running "go" has nothing but a command to wait for.
 bool NeedsCommand(const UciSession& session) {
-  if (session.answerRule == AnswerRule::onPonderEnd) return searchFlags.pondering != 0;
+  if (session.answerRule == AnswerRule::onPonderEnd) return searchFlags.pondering;
   return session.answerRule == AnswerRule::onCommand;
 }
 
 /// Keeps the best move of a search that finished early until it may be told.
 void DelayBestMove(const UciSession& session) {
-  while (session.waitForInput != nullptr && NeedsCommand(session) && searchFlags.StopSearch == 0) {
+  while (session.waitForInput != nullptr && NeedsCommand(session) && !searchFlags.StopSearch) {
     session.waitForInput();
   }
 }
@@ -67,7 +67,7 @@ void PrintBestMove(const SearchResult& result) {
   char best[moveTextCapacity] = "0000";
   char expected[moveTextCapacity] = "";
   if (result.best != noMove) MoveToCoordinates(result.best, best);
-  const bool mayPonder = engineConfig.Ponder != 0 && searchFlags.BookInUse == 0;
+  const bool mayPonder = engineConfig.Ponder != 0 && !searchFlags.BookInUse;
   const bool tellsReply = mayPonder && result.ponder != noMove;
   if (tellsReply) MoveToCoordinates(result.ponder, expected);
   // Without an expected reply the line still ends with the blank before it.
@@ -77,15 +77,15 @@ void PrintBestMove(const SearchResult& result) {
 /// Searches the game board within the record's limits, makes the move and answers.
 void SearchAndAnswer(UciSession& session, SearchRecord& record) {
   StoreTimeLimits(engineConfig, record.limits);
-  searchFlags.StopSearch = 0;
-  searchFlags.pondering = record.limits.ponder ? 1 : 0;
+  searchFlags.StopSearch = false;
+  searchFlags.pondering = record.limits.ponder;
   session.running = &record.limits;
   const SearchResult result = session.think(record);
   DelayBestMove(session);
   session.running = nullptr;
   session.answerRule = AnswerRule::whenDone;
-  searchFlags.pondering = 0;
-  session.LastMoveFlagged = (result.best & mateMark) != 0 ? 1 : 0;
+  searchFlags.pondering = false;
+  session.LastMoveFlagged = (result.best & mateMark) != 0;
   if (result.best != noMove) MakeMove(gameBoard, result.best & ~mateMark);
   PrintBestMove(result);
 }
@@ -93,15 +93,15 @@ void SearchAndAnswer(UciSession& session, SearchRecord& record) {
 }  // namespace
 
 void Go(UciSession& session, const char* text) {
-  session.bestMovePending = 0;
+  session.bestMovePending = false;
   ReadClocks(session, text);
   SearchRecord record = PrepareSearch(gameBoard);
   SearchLimits& limits = record.limits;
   limits.infinite = Occurs(text, "infinite");
   limits.ponder = Occurs(text, "ponder");
   StoreTimeLimits(engineConfig, limits);
-  if (limits.ponder && session.LastMoveFlagged != 0) {
-    session.bestMovePending = 1;
+  if (limits.ponder && session.LastMoveFlagged) {
+    session.bestMovePending = true;
     return;
   }
   session.answerRule = limits.ponder     ? AnswerRule::onPonderEnd
@@ -116,13 +116,13 @@ void Go(UciSession& session, const char* text) {
 }
 
 void EndSearchWithoutEnd(const UciSession& session) {
-  if (NeedsCommand(session)) searchFlags.StopSearch = 1;
+  if (NeedsCommand(session)) searchFlags.StopSearch = true;
 }
 
 void Stop(UciSession& session) {
-  searchFlags.StopSearch = 1;
-  if (session.bestMovePending == 0) return;
-  session.bestMovePending = 0;
+  searchFlags.StopSearch = true;
+  if (!session.bestMovePending) return;
+  session.bestMovePending = false;
   // A search without time: it ends at its first look at the clock.
   SearchRecord declined = PrepareSearch(gameBoard);
   declined.limits.infinite = false;
@@ -136,8 +136,8 @@ void PonderHitCommand(UciSession& session) {
   PonderHit(limits, session.movesToGo, session.whiteTime, session.whiteIncrement);
   SetDeadline(limits, engineConfig.MoveOverhead, ClockOfMover(session));
   StoreTimeLimits(engineConfig, limits);
-  if (session.bestMovePending == 0) return;
-  session.bestMovePending = 0;
+  if (!session.bestMovePending) return;
+  session.bestMovePending = false;
   SearchAndAnswer(session, declined);
 }
 

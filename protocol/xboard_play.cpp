@@ -18,7 +18,7 @@
 namespace mirvo {
 namespace {
 
-void PrintGameBoard() { PrintBoard(gameBoard, BoardLayout::wide, engineConfig.Quiet != 0); }
+void PrintGameBoard() { PrintBoard(gameBoard, BoardLayout::wide, engineConfig.Quiet); }
 
 /// The pawn beside the from-square is taken when its en-passant square is the
 /// target.
@@ -38,9 +38,9 @@ void LimitToOwnClock(const XBoardGame& game, SearchLimits& limits) {
 /// Sets the limits of the coming search: none while it ponders, else the time
 /// that the own clock allows.
 void LimitSearch(const XBoardGame& game, SearchLimits& limits) {
-  limits.ponder = xboardPonder.ReplayPonderMove != 0;
+  limits.ponder = xboardPonder.ReplayPonderMove;
   limits.infinite = limits.ponder;
-  xboardPonder.ReplayPonderMove = 0;
+  xboardPonder.ReplayPonderMove = false;
   if (limits.ponder) {
     limits.milliseconds = 0;
   } else {
@@ -52,7 +52,7 @@ void LimitSearch(const XBoardGame& game, SearchLimits& limits) {
 /// Searches within the record's limits.
 SearchResult SearchWithin(XBoardGame& game, SearchRecord& record) {
   StoreTimeLimits(engineConfig, record.limits);
-  searchFlags.pondering = record.limits.ponder ? 1 : 0;
+  searchFlags.pondering = record.limits.ponder;
   game.running = &record.limits;
   const SearchResult result = game.think(record);
   game.running = nullptr;
@@ -63,10 +63,10 @@ SearchResult SearchWithin(XBoardGame& game, SearchRecord& record) {
 /// the dispatcher's next line and clears the miss itself.
 void UndoPondering(SearchLimits& limits) {
   UnmakeMove(gameBoard);
-  searchFlags.StopSearch = 0;
+  searchFlags.StopSearch = false;
   limits.infinite = true;
   StoreTimeLimits(engineConfig, limits);
-  if (xboardPonder.PendingMove == 0) xboardPonder.ponderMiss = 0;
+  if (!xboardPonder.PendingMove) xboardPonder.ponderMiss = false;
 }
 
 void PlayEngineMove(Move move) {
@@ -81,17 +81,17 @@ void PlayEngineMove(Move move) {
 /// Searches the game board and plays the answer. Returns the expected reply
 /// to ponder on, noMove when the engine did not move or has none.
 Move ThinkAndMove(XBoardGame& game) {
-  xboardPonder.searchAbandoned = 0;
-  searchFlags.StopSearch = 0;
+  xboardPonder.searchAbandoned = false;
+  searchFlags.StopSearch = false;
   SearchRecord record = PrepareSearch(gameBoard);
   LimitSearch(game, record.limits);
   const SearchResult result = SearchWithin(game, record);
-  game.LastMoveFlagged = (result.best & mateMark) != 0 ? 1 : 0;
+  game.LastMoveFlagged = (result.best & mateMark) != 0;
   // A ponder search that came back undecided is given up as well.
-  if (searchFlags.pondering != 0) AbandonPondering();
-  const bool abandoned = xboardPonder.searchAbandoned != 0;
-  xboardPonder.searchAbandoned = 0;
-  if (record.limits.ponder && xboardPonder.ponderMiss != 0) {
+  if (searchFlags.pondering) AbandonPondering();
+  const bool abandoned = xboardPonder.searchAbandoned;
+  xboardPonder.searchAbandoned = false;
+  if (record.limits.ponder && xboardPonder.ponderMiss) {
     UndoPondering(record.limits);
     return noMove;
   }
@@ -103,13 +103,12 @@ Move ThinkAndMove(XBoardGame& game) {
 /// Hands the expected reply to the dispatcher, if the engine may use the
 /// opponent's time.
 void StartPondering(const XBoardGame& game, Move expected) {
-  const bool mayPonder = game.gameInProgress != 0 && game.force == 0 && game.LastMoveFlagged == 0 &&
-                         engineConfig.Ponder != 0 && searchFlags.pondering == 0 &&
-                         xboardPonder.ponderMiss == 0 && searchFlags.BookInUse == 0 &&
-                         expected != noMove;
+  const bool mayPonder = game.gameInProgress && !game.force && !game.LastMoveFlagged &&
+                         engineConfig.Ponder != 0 && !searchFlags.pondering &&
+                         !xboardPonder.ponderMiss && !searchFlags.BookInUse && expected != noMove;
   if (!mayPonder) return;
-  xboardPonder.PendingMove = 0;
-  xboardPonder.ReplayPonderMove = 1;
+  xboardPonder.PendingMove = false;
+  xboardPonder.ReplayPonderMove = true;
   xboardPonder.expectedMove = expected;
   char text[moveTextCapacity];
   MoveToCoordinates(expected, text);
@@ -128,7 +127,7 @@ void MissPonder(Move realMove) {
   ++ponderStats.misses;
   AbandonPondering();
   xboardPonder.heldMove = realMove;
-  xboardPonder.PendingMove = 1;
+  xboardPonder.PendingMove = true;
   PrintPonderStats();
 }
 
@@ -159,10 +158,10 @@ void PlayTextMove(Move move) {
 /// The first move of a game makes the engine a player with Black, in force
 /// mode only in the header.
 void JoinGame(XBoardGame& game) {
-  if (game.gameInProgress != 0) return;
+  if (game.gameInProgress) return;
   game.engineColour = black;
   FillGameHeader(game);
-  if (game.force == 0) game.gameInProgress = 1;
+  if (!game.force) game.gameInProgress = true;
 }
 
 }  // namespace
@@ -178,30 +177,30 @@ Move CompleteTextMove(const char* text, const Board& board) {
 }
 
 void HandleXBoardMove(XBoardGame& game, const char* line) {
-  const bool unanswered = xboardPonder.replyUnwanted != 0;
-  xboardPonder.replyUnwanted = 0;
+  const bool unanswered = xboardPonder.replyUnwanted;
+  xboardPonder.replyUnwanted = false;
   if (!unanswered) JoinGame(game);
-  if (game.force == 0) PrintGameBoard();
-  if (searchFlags.pondering != 0) {
+  if (!game.force) PrintGameBoard();
+  if (searchFlags.pondering) {
     DecidePonder(game, MoveFromCoordinates(line, gameBoard, game.engineColour ^ 1));
     return;
   }
   PlayTextMove(CompleteTextMove(line, gameBoard));
-  if (game.gameInProgress != 0 && game.force == 0) {
+  if (game.gameInProgress && !game.force) {
     ThinkAndPonder(game);
   } else {
-    xboardPonder.ReplayPonderMove = 0;
+    xboardPonder.ReplayPonderMove = false;
   }
 }
 
 void StartPlaying(XBoardGame& game) {
   game.engineColour = gameBoard.sideToMove;
   FillGameHeader(game);
-  game.gameInProgress = 1;
-  game.force = 0;
-  searchFlags.StopSearch = 0;
-  searchFlags.pondering = 0;
-  xboardPonder.ReplayPonderMove = 0;
+  game.gameInProgress = true;
+  game.force = false;
+  searchFlags.StopSearch = false;
+  searchFlags.pondering = false;
+  xboardPonder.ReplayPonderMove = false;
   ThinkAndPonder(game);
 }
 

@@ -54,7 +54,7 @@ void LookWhileMemoryIsMissing(SearchState& state) {
 }  // namespace
 
 void PollForInput(SearchState& state) {
-  if (searchFlags.NoInputPolling == 0 && searchHooks.pollInput != nullptr) searchHooks.pollInput();
+  if (!searchFlags.NoInputPolling && searchHooks.pollInput != nullptr) searchHooks.pollInput();
   StopCommanded(state);
 }
 

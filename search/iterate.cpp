@@ -70,7 +70,7 @@ void SavePreviousPv(const PvLine& pv) {
   previousPv.length = std::max(previousPv.length, pv.length);
 }
 
-bool IsPondering(const SearchState& state) { return searchFlags.pondering != 0 && !Stopped(state); }
+bool IsPondering(const SearchState& state) { return searchFlags.pondering && !Stopped(state); }
 
 // One round of the wait for the opponent's move by a search that has finished
 // while pondering: a poll and a short sleep.
@@ -174,11 +174,11 @@ SearchResult Iterate(SearchRecord& record) {
 // Probes the book until its first miss. Then the game is out of the book, and the
 // search for its first move gets twice the time.
 bool AskBook(SearchRecord& record, Move& move) {
-  if (searchFlags.BookInUse == 0) return false;
+  if (!searchFlags.BookInUse) return false;
   if (ProbeBook(openingBook, *record.gameBoard, move)) return true;
   DoubleAllottedTime(record.limits);
   StoreTimeLimits(engineConfig, record.limits);
-  searchFlags.BookInUse = 0;
+  searchFlags.BookInUse = false;
   return false;
 }
 
@@ -193,16 +193,16 @@ SearchRecord PrepareSearch(Board& gameBoard) {
 }
 
 SearchResult Think(SearchRecord& record) {
-  searchFlags.searching = 1;
+  searchFlags.searching = true;
   TrimGameHistory(*record.gameBoard);
   SearchResult result{noMove, noMove};
   if (!AskBook(record, result.best)) {
     result = Iterate(record);
-    PrintHashReport(engineConfig.Quiet != 0);
+    PrintHashReport(engineConfig.Quiet);
     ResetHashCounters();
   }
   searchFlags.ponderMove = result.ponder;
-  searchFlags.searching = 0;
+  searchFlags.searching = false;
   return result;
 }
 

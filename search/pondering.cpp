@@ -15,7 +15,7 @@ void PonderHit(SearchLimits& limits, std::int32_t movesToGo, std::int32_t timeLe
   limits.infinite = false;
   timeControl.startTime = TickCount();
   AllocateTime(limits, movesToGo, timeLeft, increment);
-  searchFlags.pondering = 0;
+  searchFlags.pondering = false;
   ++ponderStats.hits;
   PrintPonderStats();
 }

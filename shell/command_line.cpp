@@ -77,7 +77,7 @@ void TakeAnalyze(EngineConfig& config, Arguments& arguments) {
   }
 }
 
-void TakeQuiet(EngineConfig& config, Arguments&) { config.Quiet = 1; }
+void TakeQuiet(EngineConfig& config, Arguments&) { config.Quiet = true; }
 
 void TakeEval(EngineConfig& config, Arguments& arguments) {
   config.RunMode = RunModeCode::eval;
@@ -91,7 +91,7 @@ void TakeUseBook(EngineConfig& config, Arguments& arguments) {
 }
 
 void RunCreateBook(EngineConfig& config, Arguments& arguments) {
-  config.ToolRunOnly = 1;
+  config.ToolRunOnly = true;
   config.RunMode = RunModeCode::createBook;
   const char* const games = arguments.Take();
   const std::int32_t maxPlies = ReadDecimal(arguments.Take());
@@ -103,7 +103,7 @@ void RunCreateBook(EngineConfig& config, Arguments& arguments) {
 }
 
 void RunMergeBooks(EngineConfig& config, Arguments& arguments) {
-  config.ToolRunOnly = 1;
+  config.ToolRunOnly = true;
   const char* const first = arguments.Take();
   const char* const second = arguments.Take();
   const char* const outPath = arguments.Take();
@@ -111,7 +111,7 @@ void RunMergeBooks(EngineConfig& config, Arguments& arguments) {
 }
 
 void RunListMoves(EngineConfig& config, Arguments& arguments) {
-  config.ToolRunOnly = 1;
+  config.ToolRunOnly = true;
   LoadBook(openingBook, arguments.Take(), true);
   TakePosition(arguments, config.CommandLineBoard);
   Move chosen = noMove;
@@ -119,7 +119,7 @@ void RunListMoves(EngineConfig& config, Arguments& arguments) {
 }
 
 void RunBookStats(EngineConfig& config, Arguments& arguments) {
-  config.ToolRunOnly = 1;
+  config.ToolRunOnly = true;
   LoadBook(openingBook, arguments.Take(), true);
   PrintBookStats(openingBook);
 }

@@ -22,7 +22,7 @@ namespace {
 
 void RunPerftMode(EngineConfig& config) {
   Output(output, "Performing -perft %d\n", config.PerftDepth);
-  PrintBoard(config.CommandLineBoard, BoardLayout::compact, config.Quiet != 0);
+  PrintBoard(config.CommandLineBoard, BoardLayout::compact, config.Quiet);
   RunPerft(config.CommandLineBoard, config.PerftDepth);
   for (int depth = 1; depth <= config.PerftDepth; ++depth) {
     Output(output, "%u %12llu\n", static_cast<unsigned>(depth),
@@ -32,7 +32,7 @@ void RunPerftMode(EngineConfig& config) {
 
 void RunEval(EngineConfig& config) {
   Board& board = config.CommandLineBoard;
-  PrintBoard(board, BoardLayout::wide, config.Quiet != 0);
+  PrintBoard(board, BoardLayout::wide, config.Quiet);
   EvalRecord record{};
   const std::int32_t score = EvaluateWithReport(record, board, board.sideToMove);
   Output(output, "Full eval: %d\n", score);
@@ -43,12 +43,12 @@ void RunEval(EngineConfig& config) {
 void LoadEngineBook(EngineConfig& config) {
   if (config.UseOpeningBook == 0 || LoadBook(openingBook, config.BookName, true)) return;
   config.UseOpeningBook = 0;
-  searchFlags.BookInUse = 0;
+  searchFlags.BookInUse = false;
 }
 
 int Run(EngineConfig& config) {
   // Book tools ran while the command line was read.
-  if (config.ToolRunOnly != 0) {
+  if (config.ToolRunOnly) {
     return 0;
   }
   switch (config.RunMode) {

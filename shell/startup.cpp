@@ -74,7 +74,7 @@ void ReadSettings(int argc, const char* const* argv) {
 }
 
 void SetBookFlag() {
-  searchFlags.BookInUse = engineConfig.UseOpeningBook == 1 ? 1 : 0;
+  searchFlags.BookInUse = engineConfig.UseOpeningBook == 1;
   ShowProgress();
 }
 
@@ -113,7 +113,7 @@ void StartUp(int argc, const char* const* argv) {
   AllocateHashTables();
   WarmUpRandom();
   Output(output, "Done.\n");
-  if (engineConfig.ToolRunOnly == 0) {
+  if (!engineConfig.ToolRunOnly) {
     PrintConfig(engineConfig);
   }
 }

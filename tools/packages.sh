@@ -10,6 +10,12 @@ missing_packages() {
   done
 }
 
+# Prints the name of the newest clang that the package lists know; nothing where
+# they know none.
+newest_clang_package() {
+  apt-cache search --names-only '^clang-[0-9]+$' 2>/dev/null | cut -d ' ' -f 1 | sort -V | tail -n 1
+}
+
 # Runs a command as root: directly, or through sudo.
 as_root() {
   if [ "$(id -u)" -eq 0 ]; then

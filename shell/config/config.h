@@ -31,7 +31,7 @@ struct EngineConfig {
   char AnalyzeFile[analyzeFileCapacity] = "";
   std::int32_t AnalyzeFirst = 0;
   std::int32_t AnalyzeCount = 0;
-  std::uint8_t Quiet = 0;  // suppresses boards, statistics and search lines
+  bool Quiet = false;  // suppresses boards, statistics and search lines
   std::int32_t DepthSearch = 40;
   std::int32_t UseOpeningBook = 1;
   std::int32_t InfiniteThinkingTime = 0;        // non-zero: no clock
@@ -50,7 +50,7 @@ struct EngineConfig {
   char CmdLineBookName[bookNameCapacity] = "";  // stored only
   std::int32_t MaxNumExtPerDepth = 100;         // percent of the depth
   std::int32_t Ponder = 1;
-  std::uint8_t ToolRunOnly = 0;
+  bool ToolRunOnly = false;
   std::int32_t MoveOverhead = 0;  // ms that a timed search leaves on its clock; 0: none
 };
 

@@ -95,6 +95,22 @@ TEST_F(BookWriterTest, CleaningDropsAllPositionsWithoutMoves) {
   EXPECT_EQ(FindEntry(book, 1), -1);
 }
 
+// As many positions as before are no reason to trust the index: the empty entry
+// that merging begins with may have taken the place of one that was dropped.
+TEST_F(BookWriterTest, CleaningMovesPositionsInTheIndexToo) {
+  Entry(1, {{1, 0}});
+  Entry(2, {{1, 5}});
+  Entry(3, {{1, 6}});
+  EXPECT_EQ(FindEntry(book, 3), 2);
+  CleanBook(book);
+  Entry(4, {{1, 7}});
+  ASSERT_EQ(book.count, 3);
+  EXPECT_EQ(FindEntry(book, 1), -1);
+  EXPECT_EQ(FindEntry(book, 2), 0);
+  EXPECT_EQ(FindEntry(book, 3), 1);
+  EXPECT_EQ(FindEntry(book, 4), 2);
+}
+
 TEST_F(BookWriterTest, CleaningAnEmptyBookLeavesItEmpty) {
   CleanBook(book);
   EXPECT_EQ(book.count, 0);

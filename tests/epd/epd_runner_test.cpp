@@ -89,7 +89,7 @@ class RunSuiteTest : public testing::Test {
     engineConfig.EvalHashSize = engineConfig.PawnHashSize = engineConfig.TTHashSize = 1;
     engineConfig.InfiniteThinkingTime = 1;
     engineConfig.DepthSearch = 3;
-    engineConfig.Quiet = 1;
+    engineConfig.Quiet = true;
     test::ColdStart();
   }
 
@@ -100,7 +100,7 @@ class RunSuiteTest : public testing::Test {
     engineConfig.TTHashSize = defaults.TTHashSize;
     engineConfig.InfiniteThinkingTime = 0;
     engineConfig.DepthSearch = defaults.DepthSearch;
-    engineConfig.Quiet = 0;
+    engineConfig.Quiet = false;
     engineConfig.FixedTimePerMove = noFixedTime;
     searchFlags = SearchFlags{};
     searchHooks = SearchHooks{};
@@ -136,11 +136,11 @@ class RunSuiteTest : public testing::Test {
 
 TEST_F(RunSuiteTest, AMissingFileGivesItsMessageOnly) {
   const std::string path = Path("none.epd");
-  searchFlags.BookInUse = 1;
-  searchFlags.NoInputPolling = 0;
+  searchFlags.BookInUse = true;
+  searchFlags.NoInputPolling = false;
   EXPECT_EQ(RunFile(path), "File \"" + path + "\" not found.\n");
-  EXPECT_EQ(searchFlags.BookInUse, 0);
-  EXPECT_EQ(searchFlags.NoInputPolling, 1);
+  EXPECT_FALSE(searchFlags.BookInUse);
+  EXPECT_TRUE(searchFlags.NoInputPolling);
 }
 
 TEST_F(RunSuiteTest, AnnotatedBestMovesAndPointsCountAndPrintAsTheFileHasThem) {
@@ -175,7 +175,7 @@ TEST_F(RunSuiteTest, QuietRunsPrintOneLineForEachPosition) {
 }
 
 TEST_F(RunSuiteTest, LoudRunsPrintTheBoardTheSearchAndNoNumber) {
-  engineConfig.Quiet = 0;
+  engineConfig.Quiet = false;
   const std::string text = Run(std::string(fork) + "bm Nc7+;");
   const auto board = std::make_unique<Board>();
   SetUpSuitePosition(ParseSuite(std::string(fork) + ";").at(0), *board);
@@ -298,7 +298,7 @@ TEST_F(RunSuiteTest, OnlyTheFinalScoreStaysOutOfTheLog) {
 }
 
 TEST_F(RunSuiteTest, WhatTheTablesCountedBeforeIsInNoReport) {
-  engineConfig.Quiet = 0;
+  engineConfig.Quiet = false;
   const std::string suite = std::string(fork) + "bm Nc7+;";
   const std::string report = LineWith(Run(suite), "Eval hash: Cache usage: ");
   ASSERT_NE(report, "");
@@ -332,14 +332,14 @@ TEST_F(RunSuiteTest, StalemateAndMateHaveNoMoveAndAreWrong) {
 }
 
 TEST_F(RunSuiteTest, TheBookIsNotAskedAndInputNotPolled) {
-  searchFlags.BookInUse = 1;
+  searchFlags.BookInUse = true;
   nPolls = 0;
   searchHooks.pollInput = [] { ++nPolls; };
   engineConfig.FixedTimePerMove = 100;
   Run("rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - bm e4;");
   EXPECT_EQ(nPolls, 0);
-  EXPECT_EQ(searchFlags.BookInUse, 0);
-  EXPECT_EQ(searchFlags.NoInputPolling, 1);
+  EXPECT_FALSE(searchFlags.BookInUse);
+  EXPECT_TRUE(searchFlags.NoInputPolling);
   // The first move out of the book would have doubled it.
   EXPECT_EQ(engineConfig.FixedTimePerMove, 100);
 }
@@ -410,7 +410,7 @@ TEST_F(RunSuiteTest, ResultsDoNotDependOnThePlaceInTheSuite) {
   std::vector<std::string> positions;
   for (std::string line; std::getline(file, line);) positions.push_back(line);
   ASSERT_EQ(positions.size(), 25U);
-  engineConfig.Quiet = 0;
+  engineConfig.Quiet = false;
   engineConfig.DepthSearch = 4;
 
   // By position: the output between its board and its totals.

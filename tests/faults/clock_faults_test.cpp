@@ -128,7 +128,7 @@ TEST_F(ClockFaults, AJumpForwardEndsTheSearchAtTheNextReading) {
 TEST_F(ClockFaults, AClockThatStandsStillLeavesTheSearchToBeStopped) {
   nPolls = 0;
   poll = [] {
-    if (++nPolls == 30) searchFlags.StopSearch = 1;
+    if (++nPolls == 30) searchFlags.StopSearch = true;
   };
   SearchOn({.now = 5000, .pace = 0});
   EXPECT_EQ(nPolls, 30);

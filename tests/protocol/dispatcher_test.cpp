@@ -23,19 +23,19 @@ TEST(ProtocolModeRecord, BeginsAllZero) {
   EXPECT_EQ(mode.mode, 0U);
   EXPECT_EQ(mode.uciState, 0);
   EXPECT_EQ(mode.xboardState, 0);
-  EXPECT_EQ(mode.detected, 0);
+  EXPECT_FALSE(mode.detected);
 }
 
 TEST_F(Detection, LinesBeforeAProtocolWordAreDropped) {
   EXPECT_EQ(Play("isready\nnew\ne2e4\nquit\n\n"), "");
   EXPECT_EQ(protocolMode.mode, noProtocol);
-  EXPECT_EQ(protocolMode.detected, 0);
+  EXPECT_FALSE(protocolMode.detected);
 }
 
 TEST_F(Detection, UcinewgameIsAProtocolWord) {
   EXPECT_EQ(Play("ucinewgame\nisready\n"), "readyok\n");
   EXPECT_EQ(protocolMode.mode, uciProtocol);
-  EXPECT_EQ(protocolMode.detected, 1);
+  EXPECT_TRUE(protocolMode.detected);
 }
 
 TEST_F(Detection, TheWordMustBeginTheLine) { EXPECT_EQ(Play(" uci\nisready\n"), ""); }
@@ -43,7 +43,7 @@ TEST_F(Detection, TheWordMustBeginTheLine) { EXPECT_EQ(Play(" uci\nisready\n"), 
 TEST_F(Detection, XboardPrintsTheFeaturesOncePerLine) {
   EXPECT_EQ(Play("xboard\n"), featureLine);
   EXPECT_EQ(protocolMode.mode, xboardProtocol);
-  EXPECT_EQ(protocolMode.detected, 1);
+  EXPECT_TRUE(protocolMode.detected);
   EXPECT_EQ(Play("xboard\nprotover 2\n"), featureLine);
 }
 
@@ -66,7 +66,7 @@ TEST_F(Detection, SwitchingToUciEndsPonderingUnderXboard) {
 
 TEST_F(Detection, TheOwnLineOfXboardComesBeforeInput) {
   Play("xboard\nnew\nforce\n");
-  xboardPonder.PendingMove = 1;
+  xboardPonder.PendingMove = true;
   xboardPonder.heldMove = MoveFromCoordinates("e2e4", gameBoard, white);
   const std::string printed = Play("e7e5\n");
   EXPECT_NE(printed.find("/4P3/8/PPPP1PPP/RNBQKBNR b"), std::string::npos);
@@ -348,7 +348,7 @@ TEST_F(Polling, AfterAPonderMissNothingIsReadUntilTheRealMoveWasHandled) {
   EXPECT_NE(printed.find("PONDER NOT HIT. STOPPING\n"), std::string::npos);
   EXPECT_NE(printed.find("move g8f6\n"), std::string::npos);
   EXPECT_EQ(searches.size(), 3U);
-  EXPECT_EQ(xboardGame.force, 1);
+  EXPECT_TRUE(xboardGame.force);
 }
 
 TEST_F(Polling, UciLinesDuringAnXboardSearchWait) {
@@ -474,7 +474,7 @@ TEST_F(EndOfInput, ALastLineWithoutItsEndIsHandled) {
 TEST_F(EndOfInput, ASearchThatEndsByItselfRunsOn) {
   script = {{{inputEnds, "", ""}, "e2e4"}};
   EXPECT_EQ(PlayUci("go depth 5\n"), std::string(noTime) + "bestmove e2e4 \n");
-  EXPECT_EQ(searchFlags.StopSearch, 0);
+  EXPECT_FALSE(searchFlags.StopSearch);
 }
 
 TEST_F(EndOfInput, AnEndlessSearchIsStoppedAndAnswers) {
@@ -482,14 +482,14 @@ TEST_F(EndOfInput, AnEndlessSearchIsStoppedAndAnswers) {
     SetUp();
     script = {{{"isready\n", inputEnds, ""}, "e2e4"}};
     EXPECT_EQ(PlayUci(line), std::string(noTime) + "readyok\nbestmove e2e4 \n");
-    EXPECT_EQ(searchFlags.StopSearch, 1);
+    EXPECT_TRUE(searchFlags.StopSearch);
   }
 }
 
 TEST_F(EndOfInput, APonderSearchThatWasHitRunsToItsEnd) {
   script = {{{"ponderhit\n", inputEnds, ""}, "e2e4"}};
   EXPECT_EQ(PlayUci("go ponder\n"), std::string(noTime) + oneHit + "bestmove e2e4 \n");
-  EXPECT_EQ(searchFlags.StopSearch, 0);
+  EXPECT_FALSE(searchFlags.StopSearch);
 }
 
 TEST_F(EndOfInput, ADelayedBestMoveIsPrinted) {
@@ -500,7 +500,7 @@ TEST_F(EndOfInput, ADelayedBestMoveIsPrinted) {
 
 TEST_F(EndOfInput, AnXboardPonderSearchIsAbandonedWithoutAWord) {
   script = {{{}, "e7e5", "g1f3"}, {{inputEnds}, "b8c6"}};
-  searchFlags.BookInUse = 0;
+  searchFlags.BookInUse = false;
   const std::string printed = Play("xboard\nnew\ne2e4\n");
   EXPECT_EQ(printed.find("move b8c6"), std::string::npos);
   EXPECT_EQ(gameBoard.sideToMove, white);

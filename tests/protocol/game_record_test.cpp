@@ -227,8 +227,8 @@ TEST(GameRecordState, AStartedRecordIsOpenAndItsMoveTextEmpty) {
   FinishedGame record;
   GameTags tags;
   StartRecord(record, tags);
-  EXPECT_EQ(record.headerOpen, 1);
-  EXPECT_EQ(record.movesOpen, 1);
+  EXPECT_TRUE(record.headerOpen);
+  EXPECT_TRUE(record.movesOpen);
   EXPECT_EQ(record.tags, &tags);
   ASSERT_NE(record.moveText, nullptr);
   EXPECT_EQ(record.moveText[0], 0);

@@ -148,7 +148,7 @@ class RandomProtocol : public UciTest {
     }
     fakeInput.ended = true;
     Play("");
-    EXPECT_EQ(searchFlags.searching, 0);
+    EXPECT_FALSE(searchFlags.searching);
     lines = nullptr;
   }
 

@@ -101,7 +101,7 @@ TEST_F(UciGo, ADepthHoldsForItsOwnGoOnly) {
 }
 
 TEST_F(UciGo, AGoWithoutPonderClearsThePonderingFlag) {
-  searchFlags.pondering = 1;
+  searchFlags.pondering = true;
   PlayUci("go\n");
   ASSERT_EQ(searches.size(), 1U);
   EXPECT_FALSE(searches[0].pondering);
@@ -131,7 +131,7 @@ TEST_F(UciGo, WithPonderOffOrInTheBookNoReplyIsNamed) {
   engineConfig.Ponder = 0;
   EXPECT_EQ(PlayUci("go\n"), std::string(noTime) + "bestmove e2e4 \n");
   engineConfig.Ponder = 1;
-  searchFlags.BookInUse = 1;
+  searchFlags.BookInUse = true;
   EXPECT_EQ(PlayUci("go\n"), std::string(noTime) + "bestmove e7e5 \n");
 }
 
@@ -152,10 +152,10 @@ TEST_F(UciGo, APromotionIsNamed) {
 TEST_F(UciGo, TheMateMarkIsKeptButNotPlayed) {
   script = {{{}, "e2e4", "", mateMark}, {{}, "e7e5"}};
   PlayUci("go\n");
-  EXPECT_EQ(uciSession.LastMoveFlagged, 1);
+  EXPECT_TRUE(uciSession.LastMoveFlagged);
   EXPECT_EQ(gameBoard.undoStack[0].move & mateMark, 0U);
   PlayUci("go\n");
-  EXPECT_EQ(uciSession.LastMoveFlagged, 0);
+  EXPECT_FALSE(uciSession.LastMoveFlagged);
 }
 
 // ---- Delayed best moves ----
@@ -179,7 +179,7 @@ TEST_F(UciGo, PonderDelaysItsBestMoveUntilStop) {
   fakeInput.afterPause = {"", "stop\n"};
   EXPECT_EQ(PlayUci("go ponder\n"), std::string(noTime) + "bestmove e2e4 \n");
   EXPECT_EQ(fakeInput.pauses.size(), 2U);
-  EXPECT_EQ(searchFlags.pondering, 0);
+  EXPECT_FALSE(searchFlags.pondering);
 }
 
 TEST_F(UciGo, PonderDelaysItsBestMoveUntilPonderhit) {
@@ -192,7 +192,7 @@ TEST_F(UciGo, ABestMoveAfterPonderhitIsNotDelayed) {
   script = {{{"ponderhit\n", ""}, "e2e4"}};
   EXPECT_EQ(PlayUci("go ponder\n"), std::string(noTime) + hitLines + "bestmove e2e4 \n");
   EXPECT_TRUE(fakeInput.pauses.empty());
-  EXPECT_EQ(searchFlags.StopSearch, 0);
+  EXPECT_FALSE(searchFlags.StopSearch);
 }
 
 TEST_F(UciGo, AMatedPonderSearchWithoutAMoveAnswersWhenAsked) {
@@ -221,7 +221,7 @@ TEST_F(UciGo, PonderhitUsesWhitesClockWhoeverMoves) {
             "bestmove e7e5 \n");
   EXPECT_EQ(engineConfig.FixedTimePerMove, 450);
   EXPECT_EQ(engineConfig.InfiniteThinkingTime, 0);
-  EXPECT_EQ(searchFlags.pondering, 0);
+  EXPECT_FALSE(searchFlags.pondering);
 }
 
 TEST_F(UciGo, HitsAreCounted) {

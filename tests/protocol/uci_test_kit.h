@@ -61,7 +61,7 @@ class UciTest : public ::testing::Test {
     xboardPonder = XBoardPonder{};
     ponderStats = PonderStats{};
     searchFlags = SearchFlags{};
-    engineConfig.Quiet = 1;
+    engineConfig.Quiet = true;
     engineConfig.Ponder = 1;
     engineConfig.DepthSearch = 40;
     engineConfig.InfiniteThinkingTime = 0;
@@ -112,19 +112,19 @@ class UciTest : public ::testing::Test {
 
   SearchResult NextSearch(SearchRecord& record) {
     searches.push_back({record.limits.depth, engineConfig.InfiniteThinkingTime,
-                        engineConfig.FixedTimePerMove, searchFlags.pondering != 0,
-                        searchFlags.StopSearch != 0, record.limits.deadline});
+                        engineConfig.FixedTimePerMove, searchFlags.pondering,
+                        searchFlags.StopSearch, record.limits.deadline});
     ExpectStoredLimits(record.limits);
     if (script.empty()) return {noMove, noMove};
     const ScriptedSearch search = script.front();
     script.pop_front();
-    searchFlags.searching = 1;
+    searchFlags.searching = true;
     for (const std::string& arrival : search.arrivals) {
       FakePauseSends(arrival);
       PollInput();
-      if (searchFlags.StopSearch != 0) break;
+      if (searchFlags.StopSearch) break;
     }
-    searchFlags.searching = 0;
+    searchFlags.searching = false;
     ExpectStoredLimits(record.limits);
     lastLimits = record.limits;
     return Answer(search, *record.gameBoard);

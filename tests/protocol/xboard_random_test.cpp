@@ -52,7 +52,7 @@ std::vector<std::string> LegalMoveTexts(const Board& position) {
 const Board& RealPosition() {
   static Board board;
   CopyBoard(board, gameBoard);
-  if (searchFlags.pondering != 0 && board.undoDepth > 0) UnmakeMove(board);
+  if (searchFlags.pondering && board.undoDepth > 0) UnmakeMove(board);
   return board;
 }
 
@@ -105,7 +105,7 @@ class RandomLines {
   std::string Next() {
     --left;
     // Mostly lines that act at once: moves would only pile up during the search.
-    if (searchFlags.searching != 0 && searchFlags.pondering == 0 && Pick(30) != 0) {
+    if (searchFlags.searching && !searchFlags.pondering && Pick(30) != 0) {
       return commandLines[Pick(std::size(commandLines))] + std::string("\n");
     }
     const unsigned kind = Pick(onlyLegal ? 7 : 10);
@@ -119,7 +119,7 @@ class RandomLines {
 
  private:
   std::string LegalLine() {
-    if (searchFlags.pondering != 0 && Pick(2) == 0) {
+    if (searchFlags.pondering && Pick(2) == 0) {
       return test::MoveText(xboardPonder.expectedMove) + "\n";
     }
     const std::vector<std::string> texts = LegalMoveTexts(RealPosition());
@@ -200,7 +200,7 @@ class RandomSession {
   static void Poll() { current->PollOnce(); }
 
   void PollOnce() {
-    if (++nPolls % gap != 0 && searchFlags.pondering == 0) return;
+    if (++nPolls % gap != 0 && !searchFlags.pondering) return;
     if (lines.Done()) {
       XBoardInputEnded();
       return;
@@ -215,9 +215,9 @@ class RandomSession {
 
   /// Between two lines no search runs and no state of one is left.
   void CheckIdleState() const {
-    ASSERT_EQ(searchFlags.pondering, 0);
-    ASSERT_EQ(searchFlags.searching, 0);
-    ASSERT_EQ(xboardPonder.searchAbandoned, 0);
+    ASSERT_FALSE(searchFlags.pondering);
+    ASSERT_FALSE(searchFlags.searching);
+    ASSERT_FALSE(xboardPonder.searchAbandoned);
     ASSERT_EQ(xboardPonder.ponderMiss, xboardPonder.PendingMove);
     // After illegal moves the key may be wrong.
     if (onlyLegal) {
@@ -244,11 +244,11 @@ class XBoardRandomLines : public testing::Test {
     engineConfig.PawnHashSize = 1;
     engineConfig.EvalHashSize = 1;
     test::ColdStart();
-    engineConfig.Quiet = 1;
+    engineConfig.Quiet = true;
     engineConfig.Ponder = 1;
     engineConfig.LoggingMode = 0;
     engineConfig.DepthSearch = 3;
-    searchFlags.NoInputPolling = 0;
+    searchFlags.NoInputPolling = false;
     xboardGame = XBoardGame{};
     xboardPonder = XBoardPonder{};
     BeginFromStart(gameBoard);

@@ -43,7 +43,7 @@ class XBoardTest : public ::testing::Test {
     xboardPonder = XBoardPonder{};
     ponderStats = PonderStats{};
     searchFlags = SearchFlags{};
-    engineConfig.Quiet = 1;
+    engineConfig.Quiet = true;
     engineConfig.Ponder = 1;
     engineConfig.LoggingMode = 0;
     BeginFromStart(gameBoard);
@@ -103,7 +103,7 @@ class XBoardTest : public ::testing::Test {
   SearchResult NextSearch(SearchRecord& record) {
     searchKinds.emplace_back(record.limits.ponder ? "ponder" : "timed");
     ExpectStoredLimits(record.limits);
-    EXPECT_EQ(searchFlags.StopSearch, 0) << "a stop was left over";
+    EXPECT_FALSE(searchFlags.StopSearch) << "a stop was left over";
     if (script.empty()) return {noMove, noMove};
     const ScriptedAnswer search = script.front();
     script.pop_front();

@@ -140,7 +140,7 @@ TEST_F(Thinking, TheHashReportFollowsAndItsCountersStartAgain) {
 }
 
 TEST_F(Thinking, QuietPrintsNothing) {
-  engineConfig.Quiet = 1;
+  engineConfig.Quiet = true;
   Run(middleGame, 3);
   EXPECT_TRUE(lines.empty());
 }
@@ -201,13 +201,13 @@ TEST_F(Thinking, BothBoardsAreLeftAtTheSearchedPosition) {
 TEST_F(Thinking, AStopAtAnyPollLeavesALegalMove) {
   static int stopAt = 0;
   searchHooks.pollInput = [] {
-    if (++nPolls == stopAt) searchFlags.StopSearch = 1;
+    if (++nPolls == stopAt) searchFlags.StopSearch = true;
   };
   for (stopAt = 1; stopAt < 60; stopAt += 3) {
     nPolls = 0;
     test::ColdStart();
     searchHooks.pollInput = [] {
-      if (++nPolls == stopAt) searchFlags.StopSearch = 1;
+      if (++nPolls == stopAt) searchFlags.StopSearch = true;
     };
     protocolMode.mode = uciProtocol;
     const SearchResult result = Run(middleGame, 40);
@@ -217,26 +217,26 @@ TEST_F(Thinking, AStopAtAnyPollLeavesALegalMove) {
 }
 
 TEST_F(Thinking, StoppedBeforeAnyMoveItPlaysTheFirstLegalMove) {
-  searchHooks.pollInput = [] { searchFlags.StopSearch = 1; };
+  searchHooks.pollInput = [] { searchFlags.StopSearch = true; };
   const SearchResult result = Run(middleGame, 40);
   EXPECT_EQ(result.best, FirstLegalMove(board));
   EXPECT_EQ(CountLines("seldepth"), 0);
 }
 
 TEST_F(Thinking, WithoutABookTheTimeDoublesOnce) {
-  searchFlags.BookInUse = 1;
+  searchFlags.BookInUse = true;
   engineConfig.FixedTimePerMove = 700;
   Run(middleGame, 2);
   EXPECT_EQ(engineConfig.FixedTimePerMove, 1400);
-  EXPECT_EQ(searchFlags.BookInUse, 0);
+  EXPECT_FALSE(searchFlags.BookInUse);
   Run(middleGame, 2);
   EXPECT_EQ(engineConfig.FixedTimePerMove, 1400);
 }
 
 TEST_F(Thinking, PonderingRepeatsTheLastDepthUntilTheHit) {
-  searchFlags.pondering = 1;
+  searchFlags.pondering = true;
   searchHooks.pollInput = [] {
-    if (++nPolls > 400) searchFlags.pondering = 0;
+    if (++nPolls > 400) searchFlags.pondering = false;
   };
   Run("8/8/8/3k4/8/8/3P4/3K4 w -", 2);
   EXPECT_GT(nPolls, 400);
@@ -248,11 +248,11 @@ Board* heldBoard = nullptr;
 
 TEST_F(Thinking, ARepeatedDepthThatSaysSomethingNewIsReportedAgain) {
   heldBoard = &board;
-  searchFlags.pondering = 1;
+  searchFlags.pondering = true;
   searchHooks.pollInput = [] {
     // After the first report the position is replaced by another one.
     if (++nPolls == 10) test::SetPosition(*heldBoard, "8/8/8/3k4/8/8/3Q4/3K4 w -");
-    if (nPolls > 40) searchFlags.StopSearch = 1;
+    if (nPolls > 40) searchFlags.StopSearch = true;
   };
   Run("8/8/8/3k4/8/8/3P4/3K4 w -", 2);
   std::string last;
@@ -265,9 +265,9 @@ TEST_F(Thinking, ARepeatedDepthThatSaysSomethingNewIsReportedAgain) {
 }
 
 TEST_F(Thinking, PonderingOnAMateWaitsForTheHit) {
-  searchFlags.pondering = 1;
+  searchFlags.pondering = true;
   searchHooks.pollInput = [] {
-    if (++nPolls > 30) searchFlags.pondering = 0;
+    if (++nPolls > 30) searchFlags.pondering = false;
   };
   const SearchResult result = Run(mateInOne, 10);
   EXPECT_GT(nPolls, 30);
@@ -278,13 +278,13 @@ TEST_F(Thinking, PonderingOnAMateWaitsForTheHit) {
 // Without polling a ponder wait must end otherwise: here through the clock.
 TEST_F(Thinking, APonderWaitPollsNeitherWithoutAHookNorWithPollingOff) {
   SetTickSource([]() -> std::uint32_t {
-    if (++nTicks > 200) searchFlags.pondering = 0;
+    if (++nTicks > 200) searchFlags.pondering = false;
     return 1;
   });
   for (const bool hasHook : {false, true}) {
     nTicks = 0;
-    searchFlags.pondering = 1;
-    searchFlags.NoInputPolling = hasHook ? 1 : 0;
+    searchFlags.pondering = true;
+    searchFlags.NoInputPolling = hasHook;
     if (hasHook) searchHooks.pollInput = [] { ++nPolls; };
     Run("8/8/8/3k4/8/8/3P4/3K4 w -", 2);
     EXPECT_GT(nTicks, 200);
@@ -342,16 +342,16 @@ TEST_F(Thinking, LimitsThatAPollChangesHoldAtOnce) {
 
 TEST_F(Thinking, AStopGivenBeforeTheSearchEndsItAtOnce) {
   searchHooks.pollInput = [] { ++nPolls; };
-  searchFlags.StopSearch = 1;
+  searchFlags.StopSearch = true;
   const SearchResult result = Run("startpos", 5);
   EXPECT_EQ(result.best, FirstLegalMove(board));
   EXPECT_EQ(nPolls, 0);
 }
 
 TEST_F(Thinking, PonderingWithoutAnyMoveStillPolls) {
-  searchFlags.pondering = 1;
+  searchFlags.pondering = true;
   searchHooks.pollInput = [] {
-    if (++nPolls > 3) searchFlags.StopSearch = 1;
+    if (++nPolls > 3) searchFlags.StopSearch = true;
   };
   const SearchResult result = Run("3R2k1/5ppp/8/8/8/8/8/4K3 b -", 5);
   EXPECT_EQ(result.best, noMove);
@@ -359,10 +359,10 @@ TEST_F(Thinking, PonderingWithoutAnyMoveStillPolls) {
 }
 
 TEST_F(Thinking, TheLineShowsThePonderedMoveInFront) {
-  searchFlags.pondering = 1;
+  searchFlags.pondering = true;
   searchFlags.ponderMove = BuildMove(52, 36, black, pawn);  // e7e5
   searchHooks.pollInput = [] {
-    if (++nPolls > 300) searchFlags.StopSearch = 1;
+    if (++nPolls > 300) searchFlags.StopSearch = true;
   };
   Run("startpos moves e2e4 e7e5", 3);
   EXPECT_GT(CountLines(" pv (e7e5) "), 0);
@@ -404,7 +404,7 @@ TEST_F(Thinking, AnExpectedReplyOfAnotherPieceIsNotTold) {
 }
 
 TEST_F(Thinking, StoppedBeforeAnyLineThePreviousLineTellsTheReply) {
-  searchHooks.pollInput = [] { searchFlags.StopSearch = 1; };
+  searchHooks.pollInput = [] { searchFlags.StopSearch = true; };
   previousPv.length = 2;
   previousPv.moves[1] = BuildMove(52, 36, black, pawn);  // e7e5
   const SearchResult result = Run("startpos", 40);
@@ -437,17 +437,17 @@ TEST_F(Thinking, CountsReversibleMoves) {
   gameCounters.reversibleMoves = 99;
   Run("4k3/8/8/8/8/8/8/R3K3 w -", 1);  // no pawns, nothing to take
   EXPECT_EQ(gameCounters.reversibleMoves, 100);
-  EXPECT_EQ(gameCounters.hundredReached, 1);
+  EXPECT_TRUE(gameCounters.hundredReached);
   Run("4k3/8/8/3q4/8/8/8/3RK3 w -", 2);  // the queen is taken
   EXPECT_EQ(gameCounters.reversibleMoves, 0);
-  EXPECT_EQ(gameCounters.hundredReached, 1);
+  EXPECT_TRUE(gameCounters.hundredReached);
 }
 
 TEST(ReversibleMoves, OnlyExactlyAHundredSetsTheFlag) {
   GameCounters counters;
   counters.reversibleMoves = 100;
   CountReversibleMove(counters, true);
-  EXPECT_EQ(counters.hundredReached, 0);
+  EXPECT_FALSE(counters.hundredReached);
 }
 
 TEST_F(Thinking, AGameOf1200PliesCanBeSearched) {
@@ -469,7 +469,7 @@ constexpr char queenStorm[] = "qqqqqqqk/qqqqqqqq/8/8/8/8/QQQQQQQQ/KQQQQQQQ w -";
 
 TEST_F(Thinking, AStopReachesAnEndlessExchange) {
   searchHooks.pollInput = [] {
-    if (++nPolls == 30) searchFlags.StopSearch = 1;
+    if (++nPolls == 30) searchFlags.StopSearch = true;
   };
   const SearchResult result = Run(queenStorm, 40);
   EXPECT_TRUE(IsLegalMove(board, result.best));
@@ -529,11 +529,11 @@ TEST_F(Thinking, TheExtensionLimitIsAPercentageOfTheDepthUpToABillion) {
 
 TEST_F(Thinking, StartDepthsOfAnySizeEnd) {
   searchHooks.pollInput = [] {
-    if (++nPolls == 60) searchFlags.StopSearch = 1;
+    if (++nPolls == 60) searchFlags.StopSearch = true;
   };
   for (const std::int32_t start : {smallest, 390, greatest}) {
     nPolls = 0;
-    searchFlags.StopSearch = 0;
+    searchFlags.StopSearch = false;
     engineConfig.StartIDDepth = start;
     EXPECT_TRUE(IsLegalMove(board, Run("8/8/4k3/8/8/4K3/4P3/8 w -", 100000).best)) << start;
   }

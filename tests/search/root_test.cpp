@@ -24,7 +24,7 @@ class Root : public testing::Test {
   Root() : quiet(engineConfig.Quiet) {
     test::ColdStart();
     nPolls = 0;
-    engineConfig.Quiet = 1;
+    engineConfig.Quiet = true;
   }
   ~Root() override {
     engineConfig.Quiet = quiet;
@@ -63,7 +63,7 @@ class Root : public testing::Test {
     return depths;
   }
 
-  std::uint8_t quiet;
+  bool quiet;
   Board board;
   SearchState state;
   PvLine pv{};

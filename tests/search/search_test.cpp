@@ -140,7 +140,7 @@ TEST_F(MainSearch, TableCountersTellConflictsMissesAndHits) {
   test::SetPosition(board, middleGame);
   const std::uint64_t key = board.positionKey;
   HashStore(TranspositionTable, key, noMove, 50, lowerBound, 2);
-  searchFlags.NoInputPolling = 1;
+  searchFlags.NoInputPolling = true;
   Search(state, board, NodeInput{10, 11, 2}, nullptr);  // usable
   EXPECT_EQ(TranspositionTable.hits, 1U);
   Search(state, board, NodeInput{60, 61, 1}, nullptr);  // deep enough, not usable
@@ -173,7 +173,7 @@ TEST_F(MainSearch, APvIsBoundedAtItsCapacity) {
 }
 
 TEST_F(MainSearch, TheAbortFlagReturnsAQuickScoreAndStoresNothing) {
-  searchFlags.StopSearch = 1;
+  searchFlags.StopSearch = true;
   const std::int32_t score = Run(middleGame, -open, open, 6);
   SearchState other;
   EXPECT_EQ(score, Quiesce(other, board, -open, open, 0));
@@ -211,14 +211,14 @@ TEST_F(MainSearch, InputIsPolledEvery8192Moves) {
 
 TEST_F(MainSearch, NoPollingMeansNone) {
   searchHooks.pollInput = [] { ++nPolls; };
-  searchFlags.NoInputPolling = 1;
+  searchFlags.NoInputPolling = true;
   Run(middleGame, -open, open, 6);
   EXPECT_EQ(nPolls, 0);
 }
 
 TEST_F(MainSearch, AStopFromAPollUnwindsWithoutATrace) {
   searchHooks.pollInput = [] {
-    if (++nPolls == 2) searchFlags.StopSearch = 1;
+    if (++nPolls == 2) searchFlags.StopSearch = true;
   };
   PvLine pv{};
   Run(middleGame, -open, open, 30, &pv);
@@ -290,7 +290,7 @@ TEST_F(MainSearch, ASideWithPawnsAloneDoesNotPass) {
 
 TEST_F(MainSearch, ExtremeDepthsStayWithinTheirTables) {
   state.nextInputPoll = 20000;
-  searchHooks.pollInput = [] { searchFlags.StopSearch = 1; };
+  searchHooks.pollInput = [] { searchFlags.StopSearch = true; };
   Run("8/8/8/3k4/8/8/3P4/3K4 w -", -open, open, 300);
   EXPECT_EQ(board.undoDepth, 0);
 }

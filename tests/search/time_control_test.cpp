@@ -169,7 +169,7 @@ TEST_F(Clock, DoublingTheAllotmentLeavesTheDeadline) {
 
 TEST_F(Clock, APonderHitTurnsTheSearchIntoATimedOne) {
   fakeTicks = 7777;
-  searchFlags.pondering = 1;
+  searchFlags.pondering = true;
   limits.infinite = true;
   ponderStats = PonderStats{2, 1};
   testing::internal::CaptureStdout();
@@ -179,7 +179,7 @@ TEST_F(Clock, APonderHitTurnsTheSearchIntoATimedOne) {
             "Allowing 2400 ms for move (0, 60000, 0)\n"
             "Ponder hits = 3, misses = 1, percenthits = 75.0%\n");
   EXPECT_FALSE(limits.infinite);
-  EXPECT_EQ(searchFlags.pondering, 0);
+  EXPECT_FALSE(searchFlags.pondering);
   EXPECT_EQ(timeControl.startTime, 7777U);
   EXPECT_EQ(limits.milliseconds, 2400);
   searchFlags = SearchFlags{};

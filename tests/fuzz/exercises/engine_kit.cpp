@@ -152,9 +152,9 @@ std::string PrintedBytes() {
 void FreshEngine() {
   PrepareOnce();
   static const auto defaults = std::make_unique<EngineConfig>();
-  const bool ranBookTool = engineConfig.ToolRunOnly != 0;
+  const bool ranBookTool = engineConfig.ToolRunOnly;
   std::construct_at(&engineConfig, *defaults);
-  engineConfig.Quiet = 1;
+  engineConfig.Quiet = true;
   engineConfig.TTHashSize = engineConfig.PawnHashSize = engineConfig.EvalHashSize = 1;
   std::snprintf(bookFileOptionText, bookNameCapacity, "unique2.bin");
   if (ranBookTool) EmptyBook();

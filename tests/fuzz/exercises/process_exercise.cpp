@@ -254,7 +254,7 @@ constexpr const char* switches[] = {"uci", "xboard"};
 const Board& RealPosition() {
   static Board board;
   CopyInUse(board, gameBoard);
-  if (searchFlags.pondering != 0 && board.undoDepth > 0) UnmakeMove(board);
+  if (searchFlags.pondering && board.undoDepth > 0) UnmakeMove(board);
   return board;
 }
 
@@ -295,7 +295,7 @@ class AnyInterface : public ScriptedInterface {
   std::string MoveText() {
     static Board board;
     const std::size_t kind = decisions.Below(8);
-    if (kind < 3 && searchFlags.pondering != 0 && protocolMode.mode == xboardProtocol) {
+    if (kind < 3 && searchFlags.pondering && protocolMode.mode == xboardProtocol) {
       return TextOf(xboardPonder.expectedMove);
     }
     CopyInUse(board, RealPosition());

@@ -111,12 +111,11 @@ void Poll() {
   const Effort& effort = EffortNow();
   SearchState& state = session.search->state;
   const bool impatient = ++session.nPolls > effort.nPolls || state.nodeCount > effort.nodes;
-  if (impatient) searchFlags.StopSearch = 1;
+  if (impatient) searchFlags.StopSearch = true;
   state.nextInputPoll = state.nodeCount + pollInterval;
   // Every other poll, and the first one of a stopped search, is made overdue, so
   // that the quiescence search polls.
-  if (searchFlags.StopSearch != 0 || session.nPolls % 2 == 0)
-    state.nextInputPoll -= quiescencePatience;
+  if (searchFlags.StopSearch || session.nPolls % 2 == 0) state.nextInputPoll -= quiescencePatience;
 }
 
 // ---- Searches ----
@@ -154,8 +153,8 @@ SearchResult ShortThink(SearchRecord& record) {
 // ---- Between two lines ----
 
 void CheckIdleState() {
-  if (searchFlags.searching != 0 || searchFlags.pondering != 0) Break("a search is left over");
-  if (xboardPonder.searchAbandoned != 0) Break("an abandoned search is left over");
+  if (searchFlags.searching || searchFlags.pondering) Break("a search is left over");
+  if (xboardPonder.searchAbandoned) Break("an abandoned search is left over");
   if (xboardPonder.ponderMiss != xboardPonder.PendingMove) Break("a missed move was forgotten");
   if (const BrokenPromise broken = CheckDerivedFields(gameBoard)) Break(broken);
 }

@@ -125,8 +125,8 @@ BrokenPromise RunChosenMode(std::string_view input) {
   config.PerftDepth = std::min(config.PerftDepth, 1);
   config.AnalyzeCount = std::min(config.AnalyzeCount, 2);
   LimitSearches(config, input);
-  config.Quiet = 1;
-  if (config.RunMode == RunModeCode::engine && config.ToolRunOnly == 0) return nullptr;
+  config.Quiet = true;
+  if (config.RunMode == RunModeCode::engine && !config.ToolRunOnly) return nullptr;
   return Run(config) == 0 ? nullptr : "a run mode failed";
 }
 

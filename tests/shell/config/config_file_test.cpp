@@ -142,8 +142,8 @@ TEST_F(ConfigFileTest, DoesNotKnowTheFieldsOfTheCommandLine) {
   Read("RunMode=3 PerftDepth=4 Quiet=1 ToolRunOnly=1 BookName=x.bk CmdLineBook=1\n");
   EXPECT_EQ(config->RunMode, RunModeCode::engine);
   EXPECT_EQ(config->PerftDepth, 0);
-  EXPECT_EQ(config->Quiet, 0);
-  EXPECT_EQ(config->ToolRunOnly, 0);
+  EXPECT_FALSE(config->Quiet);
+  EXPECT_FALSE(config->ToolRunOnly);
   EXPECT_STREQ(config->BookName, "book.bk");
   EXPECT_EQ(config->CmdLineBook, 0);
 }
