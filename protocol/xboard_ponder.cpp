@@ -29,7 +29,7 @@ void AbandonPondering() {
 
 bool XBoardLineMustWait(const char* line) {
   if (StartsWith(line, "quit")) return false;
-  // Behind a line that ended the search everything keeps its order.
+  // After a line that ended the search, all lines wait, which keeps their order.
   if (xboardPonder.searchAbandoned) return true;
   const bool newGame = StartsWith(line, "new");
   const bool needsBoard = newGame || StartsWith(line, "go") || StartsWith(line, "setboard");
