@@ -95,8 +95,9 @@ void HandleReadLine(ProtocolMode& mode, const char* line) {
 
 /// A request to terminate is followed once every waiting line was handled.
 void EndIfRequested() {
-  if (TerminationRequested() && pending.deferred.lines.empty() && !InputWaits(Reader()))
+  if (TerminationRequested() && pending.deferred.lines.empty() && !InputWaits(Reader())) {
     std::exit(0);
+  }
 }
 
 // ---- Inside a search ----

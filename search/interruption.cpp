@@ -59,8 +59,9 @@ void PollForInput(SearchState& state) {
 }
 
 bool OutOfTime(SearchState& state) {
-  if (HashMemoryMissing()) [[unlikely]]
+  if (HashMemoryMissing()) [[unlikely]] {
     LookWhileMemoryIsMissing(state);
+  }
   if (state.limits->infinite) return false;
   if (Stopped(state)) return true;
   if (state.clockPolls > clockInterval) {

@@ -54,9 +54,7 @@ std::int32_t SearchRoot(SearchState& state, Board& board, const NodeInput& input
   Move hashMove = noMove;
   std::int32_t ignored = 0;
   HashProbe(TranspositionTable, key, hashMove, ignored, alpha, beta, depth);
-  if (hashMove == noMove && depth >= 3) {
-    hashMove = FindRootMoveByDeepening(state, board, input);
-  }
+  if (hashMove == noMove && depth >= 3) hashMove = FindRootMoveByDeepening(state, board, input);
 
   // 2. The moves.
   const bool inCheck = InCheck(board, side);
@@ -142,9 +140,7 @@ std::int32_t SearchRoot(SearchState& state, Board& board, const NodeInput& input
       if (pv != nullptr) pv->length = 0;
       return 0;
     }
-    if (!Stopped(state)) {
-      HashStore(TranspositionTable, key, noMove, -mateScore, upperBound, depth);
-    }
+    if (!Stopped(state)) HashStore(TranspositionTable, key, noMove, -mateScore, upperBound, depth);
     return -mateScore;
   }
 
