@@ -117,27 +117,28 @@ bool SwitchesProtocol(const ProtocolMode& mode, const char* line) {
   return mode.mode == uciProtocol ? IsXBoardWord(line) : IsUciWord(line);
 }
 
-/// Whether a line that arrived during a search has to wait for its end. Asked
-/// once for each line and search, in order: the answer may end the search.
-bool MustWait(const ProtocolMode& mode, DeferredCommands& deferred, const char* line) {
+/// Classifies a line that arrived during a search. Called once for each line and
+/// search, in order: it may end the search.
+LineTiming ClassifyLine(const ProtocolMode& mode, DeferredCommands& deferred, const char* line) {
   if (SwitchesProtocol(mode, line)) {
     deferred.hasSwitch = true;
     // Whoever speaks the other protocol has no command to end this search.
     EndCommands(mode);
-    return true;
+    return LineTiming::afterSearch;
   }
   if (mode.mode == uciProtocol) {
-    if (UciLineMustWait(line, deferred.hasGo)) return true;
-    return deferred.hasSwitch && !UciLineIsUrgent(line);
+    const LineTiming timing = ClassifyUciLine(line, deferred.hasGo);
+    const bool behindSwitch = deferred.hasSwitch && !UciLineIsUrgent(line);
+    return behindSwitch ? LineTiming::afterSearch : timing;
   }
   // Behind a switch to the other protocol the lines are no longer XBoard's.
-  if (deferred.hasSwitch) return !StartsWith(line, "quit");
-  return XBoardLineMustWait(line);
+  if (!deferred.hasSwitch) return ClassifyXBoardLine(line);
+  return StartsWith(line, "quit") ? LineTiming::atOnce : LineTiming::afterSearch;
 }
 
 /// Handles a line that acts at once; false when it has to wait.
 bool HandleDuringSearch(ProtocolMode& mode, const char* line) {
-  if (MustWait(mode, pending.deferred, line)) return false;
+  if (ClassifyLine(mode, pending.deferred, line) == LineTiming::afterSearch) return false;
   HandleReadLine(mode, line);
   return true;
 }

@@ -55,10 +55,10 @@ void LookWhileMemoryIsMissing(SearchState& state) {
 
 void PollForInput(SearchState& state) {
   if (!searchFlags.NoInputPolling && searchHooks.pollInput != nullptr) searchHooks.pollInput();
-  StopCommanded(state);
+  CheckStopCommand(state);
 }
 
-bool OutOfTime(SearchState& state) {
+bool CheckClock(SearchState& state) {
   if (HashMemoryMissing()) [[unlikely]] {
     LookWhileMemoryIsMissing(state);
   }

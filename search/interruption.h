@@ -17,9 +17,9 @@ inline constexpr std::uint32_t quiescencePatience = 2048;
 /// line, a table or a best move.
 inline bool Stopped(const SearchState& state) { return state.stopCause != StopCause::none; }
 
-/// Whether a front end asked the search to stop, which is then noted as the cause
-/// if there was none. Called after every poll: front ends run in no other place.
-inline bool StopCommanded(SearchState& state) {
+/// Notes a front end's wish to stop as the cause if there was none, and tells
+/// whether there is such a wish. Called after every poll: front ends run in no other place.
+inline bool CheckStopCommand(SearchState& state) {
   if (!searchFlags.StopSearch) return false;
   if (!Stopped(state)) state.stopCause = StopCause::command;
   return true;
@@ -31,7 +31,7 @@ void PollForInput(SearchState& state);
 
 /// For each node entry of the main search: looks at the clock once in 1024
 /// entries, unless the search has no time limit. True when the search is stopped.
-bool OutOfTime(SearchState& state);
+bool CheckClock(SearchState& state);
 
 /// For each node entry of the main search: lets the front ends handle waiting
 /// input once in 8192 counted moves.

@@ -157,8 +157,8 @@ SearchResult Iterate(SearchRecord& record) {
   timeControl.startTime = TickCount();
   record.state = SearchState{};
   record.state.limits = &record.limits;
-  StopCommanded(record.state);  // a stop may have come before the search
-  ResetHashCounters();          // evaluations between searches have counted as well
+  CheckStopCommand(record.state);  // a stop may have come before the search
+  ResetHashCounters();             // evaluations between searches have counted as well
   Iteration iteration;
   Deepen(record, iteration);
   CopyBoard(*record.board, *record.gameBoard);

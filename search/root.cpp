@@ -72,7 +72,7 @@ std::int32_t SearchRoot(SearchState& state, Board& board, const NodeInput& input
   for (int number = 0; picker.Next(move, orderScore); ++number) {
     // 2a. Input, progress, legality.
     PollForInput(state);
-    if (StopCommanded(state)) return Quiesce(state, board, alpha, beta, 0);
+    if (CheckStopCommand(state)) return Quiesce(state, board, alpha, beta, 0);
     ReportRootMove(state.limits->reportStyle, board, move, number);
     MakeMove(board, move);
     if (MoverLeftInCheck(board)) {
