@@ -8,6 +8,9 @@
 
 namespace mirvo {
 
+/// When a line is handled that arrives during a search.
+enum class LineTiming { atOnce, afterSearch };
+
 inline constexpr std::size_t maxDeferredCommands = 4096;
 
 struct DeferredCommands {

@@ -95,8 +95,9 @@ void HandleReadLine(ProtocolMode& mode, const char* line) {
 
 /// Ends the process on a request to terminate, once every waiting line is handled.
 void EndIfRequested() {
-  if (TerminationRequested() && pending.deferred.lines.empty() && !InputWaits(Reader()))
+  if (TerminationRequested() && pending.deferred.lines.empty() && !InputWaits(Reader())) {
     std::exit(0);
+  }
 }
 
 // ---- Inside a search ----
@@ -116,27 +117,28 @@ bool SwitchesProtocol(const ProtocolMode& mode, const char* line) {
   return mode.mode == uciProtocol ? IsXBoardWord(line) : IsUciWord(line);
 }
 
-/// Whether a line that arrived during a search has to wait for its end. Called once
-/// for each line and search, in order, because it may end the search.
-bool MustWait(const ProtocolMode& mode, DeferredCommands& deferred, const char* line) {
+/// Classifies a line that arrived during a search. Called once for each line and
+/// search, in order, because it may end the search.
+LineTiming ClassifyLine(const ProtocolMode& mode, DeferredCommands& deferred, const char* line) {
   if (SwitchesProtocol(mode, line)) {
     deferred.hasSwitch = true;
     // The other protocol has no command that could end this search.
     EndCommands(mode);
-    return true;
+    return LineTiming::afterSearch;
   }
   if (mode.mode == uciProtocol) {
-    if (UciLineMustWait(line, deferred.hasGo)) return true;
-    return deferred.hasSwitch && !UciLineIsUrgent(line);
+    const LineTiming timing = ClassifyUciLine(line, deferred.hasGo);
+    const bool behindSwitch = deferred.hasSwitch && !UciLineIsUrgent(line);
+    return behindSwitch ? LineTiming::afterSearch : timing;
   }
   // After a switch to the other protocol the lines are no longer XBoard's.
-  if (deferred.hasSwitch) return !StartsWith(line, "quit");
-  return XBoardLineMustWait(line);
+  if (!deferred.hasSwitch) return ClassifyXBoardLine(line);
+  return StartsWith(line, "quit") ? LineTiming::atOnce : LineTiming::afterSearch;
 }
 
 /// Handles a line if it acts at once; false when it has to wait.
 bool HandleDuringSearch(ProtocolMode& mode, const char* line) {
-  if (MustWait(mode, pending.deferred, line)) return false;
+  if (ClassifyLine(mode, pending.deferred, line) == LineTiming::afterSearch) return false;
   HandleReadLine(mode, line);
   return true;
 }

@@ -131,18 +131,19 @@ void HandleUciLine(std::uint8_t&, const char* line) {
   command->action(uciSession, *rest == 0 ? rest : rest + 1);
 }
 
-bool UciLineMustWait(const char* line, bool& hasGo) {
+LineTiming ClassifyUciLine(const char* line, bool& hasGo) {
   const Command* command = FindCommand(line);
-  if (command == nullptr || command->timing == Timing::atOnce) return false;
+  if (command == nullptr || command->timing == Timing::atOnce) return LineTiming::atOnce;
   if (command->timing == Timing::onSearch) {
-    if (hasGo) command->flag();
-    return hasGo;
+    if (!hasGo) return LineTiming::atOnce;
+    command->flag();
+    return LineTiming::afterSearch;
   }
   if (command->action == Go) {
     hasGo = true;
     EndSearchWithoutEnd(uciSession);
   }
-  return true;
+  return LineTiming::afterSearch;
 }
 
 bool UciLineIsUrgent(const char* line) {

@@ -4,20 +4,22 @@
 
 #include <cstdint>
 
+#include "protocol/deferred_commands.h"
+
 namespace mirvo {
 
 /// Handles one line (line end allowed); ignores unknown ones. Returns from "go" when
 /// its search is over and answered.
 void HandleUciLine(std::uint8_t& state, const char* line);
 
-/// Classifies a line during a search: true when it must wait until the search is
-/// over, because it needs the board or a search of its own, false when it acts at
-/// once. `hasGo` says whether a "go" is already waiting; a "go" sets it.
+/// Classifies a line during a search: it must wait until the search is over if it needs
+/// the board or a search of its own. `hasGo` says whether a "go" is already waiting; a
+/// "go" sets it.
 ///
 /// A "go" stops a running search that only a command ends, so that every search ends.
 /// After a waiting "go" it is unknown which search a "stop" or "ponderhit" is for, so
 /// it acts on the running one at once and waits for the others too.
-bool UciLineMustWait(const char* line, bool& hasGo);
+LineTiming ClassifyUciLine(const char* line, bool& hasGo);
 
 /// Whether the line acts on the running search or is "isready" or "quit".
 bool UciLineIsUrgent(const char* line);

@@ -39,9 +39,7 @@ constexpr UciOption uciOptions[] = {
 void PrintOption(const UciOption& option) {
   Output(output, "option name %s type %s", option.name, optionTypeNames[option.type]);
   if (option.type != buttonOption) Output(output, " default %s", option.defaultText);
-  if (option.type == spinOption) {
-    Output(output, " min %d max %d", option.minimum, option.maximum);
-  }
+  if (option.type == spinOption) Output(output, " min %d max %d", option.minimum, option.maximum);
   if (option.type == comboOption) {
     for (const char* const* value = option.comboValues; *value != nullptr; ++value) {
       Output(output, " var %s", *value);

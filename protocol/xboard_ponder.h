@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "board/move.h"
+#include "protocol/deferred_commands.h"
 
 namespace mirvo {
 
@@ -33,11 +34,10 @@ bool XBoardHasOwnLine();
 /// `line` and clears the held move's flags. Call only between searches.
 void TakeXBoardOwnLine(char* line, std::size_t size);
 
-/// Classifies a line during a search: true when it must wait until the search is over,
-/// false when it acts at once. May stop the running search for a line that waits. Call
-/// it once for each arriving line, in order; lines still waiting when the next search
-/// starts are classified again, in order, at its first poll.
-bool XBoardLineMustWait(const char* line);
+/// Classifies a line during a search. May stop the running search for a line that must
+/// wait. Call it once for each arriving line, in order; lines still waiting when the
+/// next search starts are classified again, in order, at its first poll.
+LineTiming ClassifyXBoardLine(const char* line);
 
 /// Ends the ponder search without counting a hit or a miss; the pondered move is unmade
 /// when the search returns.

@@ -55,12 +55,13 @@ void LookWhileMemoryIsMissing(SearchState& state) {
 
 void PollForInput(SearchState& state) {
   if (!searchFlags.NoInputPolling && searchHooks.pollInput != nullptr) searchHooks.pollInput();
-  StopCommanded(state);
+  CheckStopCommand(state);
 }
 
-bool OutOfTime(SearchState& state) {
-  if (HashMemoryMissing()) [[unlikely]]
+bool CheckClock(SearchState& state) {
+  if (HashMemoryMissing()) [[unlikely]] {
     LookWhileMemoryIsMissing(state);
+  }
   if (state.limits->infinite) return false;
   if (Stopped(state)) return true;
   if (state.clockPolls > clockInterval) {

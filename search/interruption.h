@@ -16,9 +16,9 @@ inline constexpr std::uint32_t quiescencePatience = 2048;
 /// a table or a best move.
 inline bool Stopped(const SearchState& state) { return state.stopCause != StopCause::none; }
 
-/// Whether a front end asked the search to stop; stores that as the cause if there is
-/// none yet. Called after every poll, the only place where front ends run.
-inline bool StopCommanded(SearchState& state) {
+/// Checks whether a front end asked the search to stop; stores that as the cause if
+/// there is none yet. Called after every poll, the only place where front ends run.
+inline bool CheckStopCommand(SearchState& state) {
   if (!searchFlags.StopSearch) return false;
   if (!Stopped(state)) state.stopCause = StopCause::command;
   return true;
@@ -30,7 +30,7 @@ void PollForInput(SearchState& state);
 
 /// Called at each node entry of the main search: reads the clock once in 1024 entries,
 /// unless the search has no time limit. True when the search is stopped.
-bool OutOfTime(SearchState& state);
+bool CheckClock(SearchState& state);
 
 /// Called at each node entry of the main search: polls the input once in 8192 counted
 /// moves.

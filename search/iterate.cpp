@@ -157,8 +157,8 @@ SearchResult Iterate(SearchRecord& record) {
   timeControl.startTime = TickCount();
   record.state = SearchState{};
   record.state.limits = &record.limits;
-  StopCommanded(record.state);  // a stop may have arrived before the search
-  ResetHashCounters();          // evaluations between searches have counted too
+  CheckStopCommand(record.state);  // a stop may have arrived before the search
+  ResetHashCounters();             // evaluations between searches have counted too
   Iteration iteration;
   Deepen(record, iteration);
   CopyBoard(*record.board, *record.gameBoard);

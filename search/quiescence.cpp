@@ -168,12 +168,14 @@ std::int32_t Quiesce(SearchState& state, Board& board, std::int32_t alpha, std::
     anyLegal = true;
     ++state.nodeCount;
     ++searchStats.nQSNodes;
-    if (IsPollOverdue(state)) [[unlikely]]
+    if (IsPollOverdue(state)) [[unlikely]] {
       PollOverdue(state);
+    }
     const std::int32_t score = -Quiesce(state, board, -beta, -alpha, qply + 1);
     UnmakeMove(board);
-    if (state.stopCause == StopCause::abandonedExchange) [[unlikely]]
+    if (state.stopCause == StopCause::abandonedExchange) [[unlikely]] {
       return best;
+    }
 
     // 3c. Judge.
     if (score > best) {

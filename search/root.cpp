@@ -54,9 +54,7 @@ std::int32_t SearchRoot(SearchState& state, Board& board, const NodeInput& input
   Move hashMove = noMove;
   std::int32_t ignored = 0;
   HashProbe(TranspositionTable, key, hashMove, ignored, alpha, beta, depth);
-  if (hashMove == noMove && depth >= 3) {
-    hashMove = FindRootMoveByDeepening(state, board, input);
-  }
+  if (hashMove == noMove && depth >= 3) hashMove = FindRootMoveByDeepening(state, board, input);
 
   // 2. The moves.
   const bool inCheck = InCheck(board, side);
@@ -74,7 +72,7 @@ std::int32_t SearchRoot(SearchState& state, Board& board, const NodeInput& input
   for (int number = 0; picker.Next(move, orderScore); ++number) {
     // 2a. Input, progress, legality.
     PollForInput(state);
-    if (StopCommanded(state)) return Quiesce(state, board, alpha, beta, 0);
+    if (CheckStopCommand(state)) return Quiesce(state, board, alpha, beta, 0);
     ReportRootMove(state.limits->reportStyle, board, move, number);
     MakeMove(board, move);
     if (MoverLeftInCheck(board)) {
@@ -141,9 +139,7 @@ std::int32_t SearchRoot(SearchState& state, Board& board, const NodeInput& input
       if (pv != nullptr) pv->length = 0;
       return 0;
     }
-    if (!Stopped(state)) {
-      HashStore(TranspositionTable, key, noMove, -mateScore, upperBound, depth);
-    }
+    if (!Stopped(state)) HashStore(TranspositionTable, key, noMove, -mateScore, upperBound, depth);
     return -mateScore;
   }
 

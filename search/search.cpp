@@ -290,9 +290,9 @@ std::int32_t Search(SearchState& state, Board& board, const NodeInput& input, Pv
   const std::int32_t depth = input.depth;
 
   // 1. Clock and input.
-  if (OutOfTime(state)) return Quiesce(state, board, alpha, beta, 0);
+  if (CheckClock(state)) return Quiesce(state, board, alpha, beta, 0);
   PollWhenDue(state);
-  if (StopCommanded(state)) return Quiesce(state, board, alpha, beta, 0);
+  if (CheckStopCommand(state)) return Quiesce(state, board, alpha, beta, 0);
 
   // 2. A position seen once before is a draw; a capture cannot lead to one.
   if (!input.afterCapture && IsRepetition(board)) return 0;
