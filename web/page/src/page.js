@@ -189,10 +189,12 @@ export class Page {
   #showControls() {
     const { play } = this;
     const newest = play.game.plies.length;
+    const thinks = play.task === Task.move || play.task === Task.hint;
+    setText(byId("move-now"), thinks || !play.open ? "Move now" : "Mirvo moves");
     const off = {
       "take-back": !play.canTakeBack,
       hint: !play.open || play.task === Task.hint,
-      "move-now": play.task !== Task.move && play.task !== Task.hint,
+      "move-now": !thinks && !play.open,
       first: play.viewed === 0,
       earlier: play.viewed === 0,
       later: play.viewed === newest,
