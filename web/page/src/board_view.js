@@ -110,8 +110,8 @@ export class BoardView {
         const cell = element("div", {
           class: `square ${light ? "light" : "dark"}`, role: "gridcell", "data-cell": square, tabindex: "-1",
         });
-        if (row === 7) cell.append(element("span", { class: "file", text: file, "aria-hidden": "true" }));
-        if (column === 0) cell.append(element("span", { class: "rank", text: rank, "aria-hidden": "true" }));
+        if (row === 7) cell.append(element("span", { class: "file", "data-text": file, "aria-hidden": "true" }));
+        if (column === 0) cell.append(element("span", { class: "rank", "data-text": rank, "aria-hidden": "true" }));
         this.#cells.set(square, cell);
         return cell;
       }))));

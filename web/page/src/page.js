@@ -148,11 +148,15 @@ export class Page {
       setText(byId("thinking-line"), "–");
       return;
     }
-    const { fen, line } = thinking;
-    const { san } = lineInSan(fen, line.pv, LINE_MOVES);
+    const { fen, line, move } = thinking;
+    const { san } = lineInSan(fen, line?.pv ?? [move], LINE_MOVES);
+    setText(byId("thinking-line"), numberedLine(fen, san) || "–");
+    if (line === null) {
+      setText(byId("thinking-facts"), "from the opening book");
+      return;
+    }
     const score = scoreText(whitesScore(line.score, sideToMove(fen)));
     setText(byId("thinking-facts"), `depth ${line.depth} · ${score} · ${line.nodes.toLocaleString("en")} nodes`);
-    setText(byId("thinking-line"), numberedLine(fen, san) || "–");
   }
 
   #showScores() {

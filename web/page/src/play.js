@@ -178,6 +178,8 @@ export class Play {
         if (this.wantsMoveNow && this.session.answerNow()) this.wantsMoveNow = false;
         this.changed();
       });
+      // A move of the opening book comes without a thought.
+      if (answer?.thinking === null && answer.move !== null) this.thinking = { fen, line: null, move: answer.move };
       return answer;
     } catch (error) {
       this.#fail(error);
