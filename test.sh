@@ -1,11 +1,11 @@
 #!/bin/bash
 # Installs what the tests need, builds everything and runs every test: the
 # release build, the same tests under the sanitizers, those of the program for
-# Windows under Wine. The last line printed is "N passed, N failed" (and skipped
-# ones, if any).
+# Windows under Wine and of the WebAssembly package under Node. The last line
+# printed is "N passed, N failed" (and skipped ones, if any).
 #
 #   ./test.sh quick           after a change: what can notice it, in a minute
-#   ./test.sh                 release, sanitize and windows
+#   ./test.sh                 release, sanitize, windows and web
 #   ./test.sh release         one stage only
 #   ./test.sh --only PATTERN release    of its tests only those named like that
 set -uo pipefail
@@ -21,7 +21,7 @@ if [ "${1:-}" = --only ]; then
   shift 2
 fi
 stages=("$@")
-[ ${#stages[@]} -gt 0 ] || stages=(release sanitize windows)
+[ ${#stages[@]} -gt 0 ] || stages=(release sanitize windows web)
 
 wanted() {
   [[ " ${stages[*]} " == *" $1 "* ]]
@@ -41,6 +41,11 @@ need_packages "${packages[@]}" ||
 # once more.
 if wanted windows && ! need_packages g++-mingw-w64-x86-64-posix googletest wine64; then
   options+=(--left-out windows)
+fi
+
+# WebAssembly: emscripten, which brings Node, in the same way.
+if wanted web && ! need_packages emscripten; then
+  options+=(--left-out web)
 fi
 
 in_clean_environment /usr/bin/python3 tools/run_tests.py "${options[@]}" "${stages[@]}"

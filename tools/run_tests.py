@@ -25,6 +25,8 @@ ROOT = pathlib.Path(__file__).resolve().parents[1]
 WHY_LEFT_OUT = {
     "windows": "its compiler or Wine is not there and\n"
                "***  could not be installed (g++-mingw-w64-x86-64-posix, googletest, wine64).",
+    "web": "its compiler is not there and\n"
+           "***  could not be installed (emscripten).",
 }
 FRAME = "*" * 79
 
