@@ -49,7 +49,7 @@ def check_source(path, scratch):
     with tarfile.open(path) as archive:
         archive.extractall(scratch)
     program = build_source(scratch / path.name.removesuffix(".tar.gz"))
-    return check_signature(SIGNATURE, [program], scratch)
+    return check_signature(SIGNATURE, [program])
 
 
 def check_web_zip(path, scratch, files):
@@ -70,7 +70,7 @@ def check_web_zip(path, scratch, files):
 def check_npm(path, scratch):
     with tarfile.open(path) as archive:
         archive.extractall(scratch)
-    return check_signature(SIGNATURE, ["node", scratch / "package/bin/mirvo.mjs"], scratch)
+    return check_signature(SIGNATURE, ["node", scratch / "package/bin/mirvo.mjs"])
 
 
 def check_program_package(path, scratch):
@@ -82,16 +82,16 @@ def check_program_package(path, scratch):
             print(complaint)
             faults += 1
         subprocess.run(["dpkg-deb", "-x", path, scratch], check=True)
-        program, folder = scratch / "usr/bin/mirvo", scratch
+        program = scratch / "usr/bin/mirvo"
         emulated = "_arm64" in path.name
     else:
-        program, folder = check_packages.unpacked_program(path, scratch)
+        program, _ = check_packages.unpacked_program(path, scratch)
         emulated = "aarch64" in path.name
     loader = QEMU if emulated else []
     if path.suffix == ".zip":
         loader = wine_prefix(scratch)
     try:
-        return faults + check_signature(SIGNATURE, [*loader, program], folder)
+        return faults + check_signature(SIGNATURE, [*loader, program])
     finally:
         if path.suffix == ".zip":
             subprocess.run([ROOT / "tests/windows/wine_session", scratch / "wine", "stop"],

@@ -3,11 +3,10 @@ position, as any interface can: over UCI, to the signature's depth, each positio
 by a new process, because a search learns from those before it. It is for packages
 that were unpacked, whatever runs what they hold.
 
-Usage: check_signature.py [--folder FOLDER] SIGNATURE_FILE COMMAND...
-The engine is started in FOLDER (default: an empty one).
+Usage: check_signature.py SIGNATURE_FILE COMMAND...
+The engine is started in an empty folder, where it finds no book to play from.
 """
 
-import argparse
 import pathlib
 import re
 import subprocess
@@ -39,8 +38,7 @@ def count_nodes(command, folder, position):
     limit = threading.Timer(LIMIT, process.kill)
     limit.start()
     try:
-        process.stdin.write("uci\nsetoption name Use Opening Book value false\n"
-                            f"position fen {position} - 0 1\ngo depth {DEPTH}\n")
+        process.stdin.write(f"uci\nposition fen {position} - 0 1\ngo depth {DEPTH}\n")
         process.stdin.flush()
         nodes = None
         for line in process.stdout:
@@ -56,29 +54,20 @@ def count_nodes(command, folder, position):
         limit.cancel()
 
 
-def check(signature_file, command, folder):
+def check(signature_file, command):
     """Number of positions whose nodes are others; says which."""
     positions, total = read_signature(signature_file)
     faults, found = 0, 0
-    for name, position, nodes in positions:
-        counted = count_nodes(command, folder, position)
-        found += counted or 0
-        if counted != nodes:
-            print(f"{name}: {counted} nodes, stored {nodes}")
-            faults += 1
+    with tempfile.TemporaryDirectory(prefix="mirvo-signature-") as folder:
+        for name, position, nodes in positions:
+            counted = count_nodes(command, folder, position)
+            found += counted or 0
+            if counted != nodes:
+                print(f"{name}: {counted} nodes, stored {nodes}")
+                faults += 1
     print(f"signature {found}, stored {total}")
     return faults + (found != total)
 
 
-def main():
-    parser = argparse.ArgumentParser(description=__doc__.split("\n\n", maxsplit=1)[0])
-    parser.add_argument("--folder")
-    parser.add_argument("signature_file")
-    parser.add_argument("command", nargs=argparse.REMAINDER)
-    options = parser.parse_args()
-    with tempfile.TemporaryDirectory(prefix="mirvo-signature-") as scratch:
-        return 1 if check(options.signature_file, options.command, options.folder or scratch) else 0
-
-
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(1 if check(sys.argv[1], sys.argv[2:]) else 0)
