@@ -32,9 +32,14 @@ wanted() {
 # and the referees, peers and clients of the tests that play whole games.
 packages=(g++ cmake ninja-build libgtest-dev libgmock-dev clang-format cppcheck python3)
 wanted quick || packages+=(libbenchmark-dev dpkg-dev file valgrind polyglot stockfish xboard fairymax
-  xvfb xauth)
+  xvfb xauth xdotool xclip desktop-file-utils)
 need_packages "${packages[@]}" ||
   echo "Some packages could not be installed; tests that need them are skipped." >&2
+
+# The newest compiler besides g++.
+if wanted release && clang=$(newest_clang_package) && [ -n "$clang" ]; then
+  need_packages "$clang" || echo "$clang could not be installed; its test may be skipped." >&2
+fi
 
 # Windows: the cross compiler, the test library's sources, and Wine. Without
 # them nothing can be said about that system: under CI ($CI is set) the stage

@@ -61,9 +61,10 @@ inline Bitboard Blockers(const Board& board, int square, int attacker) {
 
 /// The squares from which a move of the side to move may leave its own king
 /// attacked; a generated move from any other square is legal. They are the
-/// king's own square and those of blockers before it; all squares in check and
-/// where a move can clear more than its own origin (en passant, overlaps).
-inline Bitboard ExposedOrigins(Board& board, int side) {
+/// king's own square and those of its blockers, which are pinned or the enemy's;
+/// all squares in check and where a move can clear more than its own origin (en
+/// passant, overlaps).
+inline Bitboard KingAndPinned(Board& board, int side) {
   const Bitboard kings = board.pieces[PieceIndex(side, king)];
   const int square = KingSquare(board, side);
   if (HasEnPassant(board) || board.hasOverlaps || kings != Bit(square) || InCheck(board, side)) {

@@ -1,5 +1,4 @@
-# Packages of what is installed: "cpack" in a build folder makes a tar.gz and a
-# .deb, or a zip for Windows. tools/release.sh makes all that a release has.
+# Packages: "cpack" in a build folder makes a tar.gz and a .deb, or a zip for Windows. tools/release.sh makes all that a release has.
 set(CPACK_PACKAGE_NAME mirvo)
 set(CPACK_PACKAGE_VENDOR "Tavelin")
 set(CPACK_PACKAGE_CONTACT "Tavelin <tavelin@localhost>")
@@ -22,7 +21,7 @@ set(CPACK_PROJECT_CONFIG_FILE ${CMAKE_CURRENT_BINARY_DIR}/package_time.cmake)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_SECTION games)
-set(CPACK_DEBIAN_PACKAGE_SUGGESTS "xboard")
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "xboard, polyglot")
 set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
 if(CMAKE_CROSSCOMPILING)
   # dpkg-shlibdeps knows this machine's libraries only. These are the versions that

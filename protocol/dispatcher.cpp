@@ -52,7 +52,7 @@ void WaitForInput() {
 }
 
 void SwitchToUci(ProtocolMode& mode) {
-  mode.detected = 1;
+  mode.detected = true;
   if (mode.mode == xboardProtocol) {
     XBoardLeave();
     FollowSignals(false);
@@ -61,7 +61,7 @@ void SwitchToUci(ProtocolMode& mode) {
 }
 
 void SwitchToXBoard(ProtocolMode& mode) {
-  mode.detected = 1;
+  mode.detected = true;
   if (mode.mode == uciProtocol) UciLeave();
   if (mode.mode != xboardProtocol) FollowSignals(true);
   mode.mode = xboardProtocol;
@@ -218,7 +218,7 @@ bool LineWaits(const ProtocolMode& mode) {
 
 /// Uses the time until the next line for the memory of searches to come.
 void PrefaultWhileIdle(const ProtocolMode& mode) {
-  if (mode.detected == 0) return;
+  if (!mode.detected) return;
   while (!LineWaits(mode) && HashPrefaultSlice()) EndIfRequested();
 }
 

@@ -32,8 +32,8 @@ inline constexpr std::size_t moveTextBytes = 1048576;
 struct FinishedGame {
   const GameTags* tags = nullptr;
   char* moveText = nullptr;  // moveTextBytes, zero-filled; stays empty
-  std::uint8_t headerOpen = 0;
-  std::uint8_t movesOpen = 0;
+  bool headerOpen = false;
+  bool movesOpen = false;
   std::FILE* file = nullptr;  // while it is being written
 };
 

@@ -40,11 +40,11 @@ struct Command {
   void (*flag)() = nullptr;  // what it tells the running search, for onSearch
 };
 
-void FlagStop() { searchFlags.StopSearch = 1; }
+void FlagStop() { searchFlags.StopSearch = true; }
 
 /// Of the hit only what a search reads: it is counted, reported and timed once,
 /// for the "go" that it follows.
-void FlagPonderHit() { searchFlags.pondering = 0; }
+void FlagPonderHit() { searchFlags.pondering = false; }
 
 /// The slots' own statistics go with their contents.
 void ClearTranspositionTable() {
@@ -56,18 +56,18 @@ void ClearTranspositionTable() {
 }
 
 void NewGame(UciSession& session, const char*) {
-  session.bestMovePending = 0;
+  session.bestMovePending = false;
   BeginFromStart(gameBoard);
   ClearHistory();
   ClearTranspositionTable();
   HashPrefaultFor(newGamePrefaultTime);
   // Even without a book: the first probe finds nothing then and ends this.
-  searchFlags.BookInUse = 1;
+  searchFlags.BookInUse = true;
 }
 
 /// The interface waits for the last line, so this is the time to get memory.
 void PrefaultBeforeAnswer(std::int32_t milliseconds) {
-  if (searchFlags.searching == 0) HashPrefaultFor(milliseconds);
+  if (!searchFlags.searching) HashPrefaultFor(milliseconds);
 }
 
 void Identify(UciSession&, const char*) {
@@ -84,7 +84,7 @@ void ReportReady(UciSession&, const char*) {
 }
 
 void Position(UciSession& session, const char* rest) {
-  session.bestMovePending = 0;
+  session.bestMovePending = false;
   SetUpPosition(session, gameBoard, rest);
 }
 
@@ -152,6 +152,6 @@ bool UciLineIsUrgent(const char* line) {
 
 void UciInputEnded() { EndSearchWithoutEnd(uciSession); }
 
-void UciLeave() { uciSession.bestMovePending = 0; }
+void UciLeave() { uciSession.bestMovePending = false; }
 
 }  // namespace mirvo

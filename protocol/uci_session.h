@@ -27,11 +27,12 @@ struct UciSession {
   std::int32_t movesToGo = 0;
   bool clockReceived[nSides] = {false, false};  // a "go" has named this side's clock
   /// The last search ended on a mate score.
-  std::uint8_t LastMoveFlagged = 0;
+  bool LastMoveFlagged = false;
   /// A "go ponder" was declined; "stop" or "ponderhit" still gets a best move.
-  std::uint8_t bestMovePending = 0;
+  bool bestMovePending = false;
   /// Of the "go" that is running.
   AnswerRule answerRule = AnswerRule::whenDone;
+  SearchLimits* running = nullptr;  // its limits; null when none is
   /// The search; tests install their own.
   SearchResult (*think)(SearchRecord& record) = Think;
   /// One look at the input while a best move is delayed. Installed by the

@@ -39,14 +39,14 @@ void NewGame(XBoardGame& game, const char*) { BeginXBoardGame(game); }
 /// What "force" and "result" do to a search: it ends, a pondered move is taken
 /// back, and a held move is recorded without an answer.
 void EndSearch() {
-  if (searchFlags.pondering != 0) AbandonPondering();
-  searchFlags.StopSearch = 1;
-  xboardPonder.ReplayPonderMove = 0;
+  if (searchFlags.pondering) AbandonPondering();
+  searchFlags.StopSearch = true;
+  xboardPonder.ReplayPonderMove = false;
   xboardPonder.replyUnwanted = xboardPonder.PendingMove;
 }
 
 void Force(XBoardGame& game, const char*) {
-  game.force = 1;
+  game.force = true;
   EndSearch();
 }
 
@@ -60,12 +60,12 @@ std::int32_t ClockMilliseconds(const char* rest) {
 void OwnTime(XBoardGame& game, const char* rest) {
   game.ownTime = ClockMilliseconds(rest);
   game.ownTimeReceived = true;
-  game.clockReceived = 1;
+  game.clockReceived = true;
 }
 
 void OpponentTime(XBoardGame& game, const char* rest) {
   game.opponentTime = ClockMilliseconds(rest);
-  game.clockReceived = 1;
+  game.clockReceived = true;
 }
 
 void Go(XBoardGame& game, const char*) { StartPlaying(game); }
@@ -74,7 +74,7 @@ void PonderOn(XBoardGame&, const char*) { engineConfig.Ponder = 1; }
 
 void PonderOff(XBoardGame&, const char*) { engineConfig.Ponder = 0; }
 
-void ComputerOpponent(XBoardGame& game, const char*) { game.computerOpponent = 1; }
+void ComputerOpponent(XBoardGame& game, const char*) { game.computerOpponent = true; }
 
 void Ratings(XBoardGame& game, const char* rest) {
   char own[fieldCapacity];
@@ -118,7 +118,7 @@ void SetBoard(XBoardGame&, const char* rest) {
   rest = ReadWord(rest, side, sizeof side);
   ReadWord(rest, castling, sizeof castling);
   BeginFromFen(placement, side, castling, gameBoard);
-  PrintBoard(gameBoard, BoardLayout::wide, engineConfig.Quiet != 0);
+  PrintBoard(gameBoard, BoardLayout::wide, engineConfig.Quiet);
 }
 
 /// The first word that a line begins with decides, in this order, so that

@@ -13,14 +13,14 @@ namespace mirvo {
 struct XBoardGame {
   // Cleared by "new".
   std::int32_t engineColour = black;  // the side the engine plays
-  std::uint8_t force = 0;             // moves are recorded, not answered
-  std::uint8_t gameInProgress = 0;    // the engine is a player
-  std::uint8_t clockReceived = 0;     // a "time" or "otim" has arrived
-  std::uint8_t computerOpponent = 0;
+  bool force = false;                 // moves are recorded, not answered
+  bool gameInProgress = false;        // the engine is a player
+  bool clockReceived = false;         // a "time" or "otim" has arrived
+  bool computerOpponent = false;
   std::int32_t ownRating = 0;
   std::int32_t opponentRating = 0;
   GameTags tags;
-  std::uint8_t gameStarted = 0;  // the header is filled
+  bool gameStarted = false;  // the header is filled
 
   // Kept between games. Times in ms.
   char opponentName[tagCapacity] = "";
@@ -29,9 +29,10 @@ struct XBoardGame {
   std::int32_t opponentTime = 0;
   std::int32_t ownIncrement = 0;
   std::int32_t opponentIncrement = 0;
-  std::int32_t movesToGo = 0;        // no command sets it
-  std::uint8_t LastMoveFlagged = 0;  // the last search ended on a mate score
+  std::int32_t movesToGo = 0;    // no command sets it
+  bool LastMoveFlagged = false;  // the last search ended on a mate score
   FinishedGame record;
+  SearchLimits* running = nullptr;  // limits of the search; null when none is running
 
   /// The search; tests put their own here.
   SearchResult (*think)(SearchRecord&) = Think;

@@ -11,13 +11,13 @@
 namespace mirvo {
 
 struct XBoardPonder {
-  std::uint8_t ReplayPonderMove = 0;  // expectedMove is the next line
-  std::uint8_t PendingMove = 0;       // heldMove is the next line
-  std::uint8_t ponderMiss = 0;        // companion: the ponder search is to be undone
-  std::uint8_t searchAbandoned = 0;   // nothing of the running search is kept
-  std::uint8_t replyUnwanted = 0;     // heldMove is recorded but not answered
-  Move expectedMove = noMove;         // the reply that is pondered
-  Move heldMove = noMove;             // the opponent's real move after a miss
+  bool ReplayPonderMove = false;  // expectedMove is the next line
+  bool PendingMove = false;       // heldMove is the next line
+  bool ponderMiss = false;        // companion: the ponder search is to be undone
+  bool searchAbandoned = false;   // nothing of the running search is kept
+  bool replyUnwanted = false;     // heldMove is recorded but not answered
+  Move expectedMove = noMove;     // the reply that is pondered
+  Move heldMove = noMove;         // the opponent's real move after a miss
 };
 
 /// Owner: xboard_ponder.cpp. Writers: the XBoard front end, and the dispatcher

@@ -5,7 +5,6 @@
 #include "search/hash/hash_memory.h"
 #include "search/search_hooks.h"
 #include "search/time_control.h"
-#include "shell/config/config.h"
 
 namespace mirvo {
 namespace {
@@ -31,14 +30,13 @@ void Poll(SearchState& state) {
 }
 
 bool ReadClock(SearchState& state) {
-  if (TimeIsUp(engineConfig) && !Stopped(state)) state.stopCause = StopCause::time;
+  if (TimeIsUp(*state.limits) && !Stopped(state)) state.stopCause = StopCause::time;
   return Stopped(state);
 }
 
-int SlicesInTime() {
-  if (engineConfig.InfiniteThinkingTime != 0) return maxSlices;
-  return static_cast<int>(
-      std::clamp<std::int64_t>(TimeLeft(engineConfig) / timePerSlice, 0, maxSlices));
+int SlicesInTime(const SearchLimits& limits) {
+  if (limits.infinite) return maxSlices;
+  return static_cast<int>(std::clamp<std::int64_t>(TimeLeft(limits) / timePerSlice, 0, maxSlices));
 }
 
 void LookWhileMemoryIsMissing(SearchState& state) {
@@ -47,23 +45,23 @@ void LookWhileMemoryIsMissing(SearchState& state) {
   state.movesAtLook = state.nodeCount;
   HashNoteUse(nMoves);
   Poll(state);
-  if (engineConfig.InfiniteThinkingTime == 0) ReadClock(state);
+  if (!state.limits->infinite) ReadClock(state);
   if (Stopped(state)) return;
-  for (int i = SlicesInTime(); i > 0 && HashPrefaultSlice(); --i) {
+  for (int i = SlicesInTime(*state.limits); i > 0 && HashPrefaultSlice(); --i) {
   }
 }
 
 }  // namespace
 
 void PollForInput(SearchState& state) {
-  if (searchFlags.NoInputPolling == 0 && searchHooks.pollInput != nullptr) searchHooks.pollInput();
+  if (!searchFlags.NoInputPolling && searchHooks.pollInput != nullptr) searchHooks.pollInput();
   StopCommanded(state);
 }
 
 bool OutOfTime(SearchState& state) {
   if (HashMemoryMissing()) [[unlikely]]
     LookWhileMemoryIsMissing(state);
-  if (engineConfig.InfiniteThinkingTime != 0) return false;
+  if (state.limits->infinite) return false;
   if (Stopped(state)) return true;
   if (state.clockPolls > clockInterval) {
     state.clockPolls = 0;
@@ -79,7 +77,7 @@ void PollWhenDue(SearchState& state) {
 
 void PollOverdue(SearchState& state) {
   Poll(state);
-  if (engineConfig.InfiniteThinkingTime == 0) ReadClock(state);
+  if (!state.limits->infinite) ReadClock(state);
   if (Stopped(state)) state.stopCause = StopCause::abandonedExchange;
 }
 

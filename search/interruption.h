@@ -20,7 +20,7 @@ inline bool Stopped(const SearchState& state) { return state.stopCause != StopCa
 /// Whether a front end asked the search to stop, which is then noted as the cause
 /// if there was none. Called after every poll: front ends run in no other place.
 inline bool StopCommanded(SearchState& state) {
-  if (searchFlags.StopSearch == 0) return false;
+  if (!searchFlags.StopSearch) return false;
   if (!Stopped(state)) state.stopCause = StopCause::command;
   return true;
 }

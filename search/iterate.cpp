@@ -70,7 +70,7 @@ void SavePreviousPv(const PvLine& pv) {
   previousPv.length = std::max(previousPv.length, pv.length);
 }
 
-bool IsPondering(const SearchState& state) { return searchFlags.pondering != 0 && !Stopped(state); }
+bool IsPondering(const SearchState& state) { return searchFlags.pondering && !Stopped(state); }
 
 // One round of the wait for the opponent's move by a search that has finished
 // while pondering: a poll and a short sleep.
@@ -156,7 +156,7 @@ SearchResult ChooseResult(Board& board, const Iteration& iteration) {
 SearchResult Iterate(SearchRecord& record) {
   timeControl.startTime = TickCount();
   record.state = SearchState{};
-  record.state.reportStyle = record.limits.reportStyle;
+  record.state.limits = &record.limits;
   StopCommanded(record.state);  // a stop may have come before the search
   ResetHashCounters();          // evaluations between searches have counted as well
   Iteration iteration;
@@ -173,11 +173,12 @@ SearchResult Iterate(SearchRecord& record) {
 
 // Probes the book until its first miss. Then the game is out of the book, and the
 // search for its first move gets twice the time.
-bool AskBook(Board& board, Move& move) {
-  if (searchFlags.BookInUse == 0) return false;
-  if (ProbeBook(openingBook, board, move)) return true;
-  DoubleAllottedTime(engineConfig);
-  searchFlags.BookInUse = 0;
+bool AskBook(SearchRecord& record, Move& move) {
+  if (!searchFlags.BookInUse) return false;
+  if (ProbeBook(openingBook, *record.gameBoard, move)) return true;
+  DoubleAllottedTime(record.limits);
+  StoreTimeLimits(engineConfig, record.limits);
+  searchFlags.BookInUse = false;
   return false;
 }
 
@@ -187,23 +188,21 @@ SearchRecord PrepareSearch(Board& gameBoard) {
   SearchRecord record{};
   record.gameBoard = &gameBoard;
   record.board = &BoardPool[0];
-  record.limits.depth = engineConfig.DepthSearch;
-  // Runs that read no input are those of test suites.
-  if (searchFlags.NoInputPolling != 0) record.limits.reportStyle = ReportStyle::console;
+  record.limits = LimitsOf(engineConfig);
   return record;
 }
 
 SearchResult Think(SearchRecord& record) {
-  searchFlags.searching = 1;
+  searchFlags.searching = true;
   TrimGameHistory(*record.gameBoard);
   SearchResult result{noMove, noMove};
-  if (!AskBook(*record.gameBoard, result.best)) {
+  if (!AskBook(record, result.best)) {
     result = Iterate(record);
-    PrintHashReport(engineConfig.Quiet != 0);
+    PrintHashReport(engineConfig.Quiet);
     ResetHashCounters();
   }
   searchFlags.ponderMove = result.ponder;
-  searchFlags.searching = 0;
+  searchFlags.searching = false;
   return result;
 }
 

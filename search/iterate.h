@@ -5,16 +5,15 @@
 
 namespace mirvo {
 
-/// Searches record.gameBoard within the record's limits and the time of the
-/// settings and returns the best move and the expected reply (also left in
-/// searchFlags.ponderMove). The caller clears searchFlags.StopSearch before. Polls
-/// input through the hook, prints the iteration reports and the hash report, and
-/// doubles the allotted time of the first search after the book.
+/// Searches record.gameBoard within the record's limits, which a front end may
+/// change at a poll, and returns the best move and the expected reply (also left
+/// in searchFlags.ponderMove). The caller clears searchFlags.StopSearch before.
+/// Polls input through the hook, prints the iteration reports and the hash report,
+/// and doubles the allotted time of the first search after the book.
 SearchResult Think(SearchRecord& record);
 
 /// Prepares a record for a search of `gameBoard` on search slot 0 with the limits
-/// of the settings, to be changed before Think. Reports are for the console in
-/// runs without input polling.
+/// of the settings, to be changed before Think.
 SearchRecord PrepareSearch(Board& gameBoard);
 
 }  // namespace mirvo

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "shell/config/config.h"
+#include "search/search_limits.h"
 
 namespace mirvo {
 
@@ -15,10 +15,10 @@ struct PonderStats {
 /// Owner: pondering.cpp. Writers: PonderHit; the XBoard front end counts misses.
 extern PonderStats ponderStats;
 
-/// The opponent played the expected move: the running search becomes a timed
-/// one that starts now with the given clock. Prints "PONDER HIT. CONTINUING",
+/// The opponent played the expected move: the search with these limits becomes a
+/// timed one that starts now with the given clock. Prints "PONDER HIT. CONTINUING",
 /// the "Allowing" line and the statistics line.
-void PonderHit(EngineConfig& config, std::int32_t movesToGo, std::int32_t timeLeft,
+void PonderHit(SearchLimits& limits, std::int32_t movesToGo, std::int32_t timeLeft,
                std::int32_t increment);
 
 /// Prints "Ponder hits = ..." (0.0 % when nothing was counted).

@@ -9,6 +9,7 @@
 #include "board/bb_move_generator.h"
 #include "board/legal_moves.h"
 #include "board/make_move.h"
+#include "board/square_sets.h"
 #include "eval/evaluate.h"
 #include "search/check_info.h"
 #include "search/child_prefetch.h"
@@ -96,8 +97,7 @@ void DropIllegal(const CheckInfo& checkInfo, BBMoveGenerator2& generator) {
 // Whether the side has a pawn one step from promotion. Promotions are never
 // pruned.
 bool MayPromote(const Board& board, int side) {
-  constexpr Bitboard seventh[nSides] = {0x00FF000000000000ULL, 0x000000000000FF00ULL};
-  return (board.pieces[PieceIndex(side, pawn)] & seventh[side]) != 0;
+  return (PiecesOf(board, side)[pawn] & RelativeRankSet(side, rank7)) != 0;
 }
 
 }  // namespace

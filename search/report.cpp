@@ -49,7 +49,7 @@ struct PvText {
 };
 
 void AppendPv(PvText& text, const PvLine& pv, bool san) {
-  if (searchFlags.pondering != 0 && searchFlags.ponderMove != noMove) {
+  if (searchFlags.pondering && searchFlags.ponderMove != noMove) {
     text.Append("(");
     text.AppendMove(searchFlags.ponderMove, san);
     text.Append(") ");
@@ -130,7 +130,7 @@ void PrintPV(const PvLine& pv, bool san) {
 void ReportIteration(const SearchRecord& record, const PvLine& pv, std::int32_t score) {
   std::int32_t elapsed = ElapsedSince(timeControl.startTime);
   if (elapsed < 0) elapsed = 0;
-  const bool quiet = engineConfig.Quiet != 0;
+  const bool quiet = engineConfig.Quiet;
   if (record.limits.reportStyle == ReportStyle::console) {
     if (!quiet) ReportForConsole(record, pv, score, elapsed);
   } else if (protocolMode.mode == xboardProtocol) {
@@ -141,7 +141,7 @@ void ReportIteration(const SearchRecord& record, const PvLine& pv, std::int32_t 
 }
 
 void ReportRootMove(ReportStyle style, Board& board, Move move, int number) {
-  if (engineConfig.Quiet != 0) return;
+  if (engineConfig.Quiet) return;
   const bool forConsole = style == ReportStyle::console;
   if (!forConsole && protocolMode.mode != uciProtocol) return;
   const std::uint32_t now = TickCount();

@@ -75,7 +75,7 @@ std::int32_t SearchRoot(SearchState& state, Board& board, const NodeInput& input
     // 2a. Input, progress, legality.
     PollForInput(state);
     if (StopCommanded(state)) return Quiesce(state, board, alpha, beta, 0);
-    ReportRootMove(state.reportStyle, board, move, number);
+    ReportRootMove(state.limits->reportStyle, board, move, number);
     MakeMove(board, move);
     if (MoverLeftInCheck(board)) {
       UnmakeMove(board);

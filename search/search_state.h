@@ -6,6 +6,7 @@
 
 #include "board/board.h"
 #include "board/move.h"
+#include "search/search_limits.h"
 
 namespace mirvo {
 
@@ -34,19 +35,6 @@ struct NodeInput {
   bool afterCapture = false;  // the move that led here was a capture
 };
 
-/// For whom a search reports.
-enum class ReportStyle : std::uint8_t {
-  protocol,  // in the form of the protocol in use
-  console,   // for the eye: a run of a test suite
-};
-
-/// What a search is asked to do. Its time is not among it: that is read from the
-/// settings while the search runs, since a ponder hit sets it then.
-struct SearchLimits {
-  std::int32_t depth;  // last iteration, in plies
-  ReportStyle reportStyle = ReportStyle::protocol;
-};
-
 /// Why a search unwinds.
 enum class StopCause : std::uint8_t {
   none,               // it does not
@@ -63,11 +51,11 @@ struct SearchState {
   std::int32_t selectiveDepth = 0;  // largest quiescence ply entered
   std::int32_t extensions = 0;      // on the current path
   std::int32_t extensionLimit = 0;
-  std::int32_t iterationDepth = 0;  // of the running iteration
-  std::uint32_t clockPolls = 0;     // node entries since the clock was read
-  std::uint32_t nextInputPoll = 0;  // node count at which input is polled next
-  std::uint32_t movesAtLook = 0;    // node count at the last look while memory was missing
-  ReportStyle reportStyle = ReportStyle::protocol;
+  std::int32_t iterationDepth = 0;          // of the running iteration
+  std::uint32_t clockPolls = 0;             // node entries since the clock was read
+  std::uint32_t nextInputPoll = 0;          // node count at which input is polled next
+  std::uint32_t movesAtLook = 0;            // node count at the last look while memory was missing
+  const SearchLimits* limits = &unlimited;  // those of the record, while Think runs
 };
 
 /// One search, owned by its caller: made by PrepareSearch, used by Think.

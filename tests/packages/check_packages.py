@@ -31,9 +31,13 @@ DEBIAN_TOOLS = ["dpkg-deb", "dpkg-shlibdeps", "file", "readelf"]
 ON_LINUX = [
     "bin/mirvo",
     "bin/mirvo-play",
-    "share/games/plugins/xboard/mirvo.eng",
+    "bin/mirvo-window",
+    "share/applications/mirvo.desktop",
+    "share/games/plugins/uci/mirvo.eng",
+    "share/icons/hicolor/scalable/apps/mirvo.svg",
     "share/man/man6/mirvo.6.gz",
     "share/man/man6/mirvo-play.6.gz",
+    "share/man/man6/mirvo-window.6.gz",
     "share/mirvo/book.bk",
     "share/mirvo/config.txt",
     "share/mirvo/mirvo-suite.epd",
@@ -46,7 +50,7 @@ ON_LINUX = [
     "share/doc/mirvo/docs/performance.md",
 ]
 FIELDS = ["Package: mirvo\n", "Version: 0.2.7-1\n", "Section: games\n", "Depends: libc6 (>= ",
-          "Maintainer: Tavelin <"]
+          "Maintainer: Tavelin <", "Recommends: xboard, polyglot\n"]
 OPENING = "uci\nisready\nposition startpos\ngo depth 1\n"
 ON_WINDOWS = ["mirvo.exe", "README.md", "LICENCE.txt", "config.txt", "book.bk", "mirvo-suite.epd",
               "docs/performance.md", "docs/windows.md"]

@@ -70,12 +70,12 @@ TEST_F(UciOptions, ChecksKnowTrueOnly) {
 }
 
 TEST_F(UciOptions, UseOpeningBookLeavesTheGameInItsBook) {
-  searchFlags.BookInUse = 1;
+  searchFlags.BookInUse = true;
   SetUciOption("Use Opening Book value false");
-  EXPECT_EQ(searchFlags.BookInUse, 1);
-  searchFlags.BookInUse = 0;
+  EXPECT_TRUE(searchFlags.BookInUse);
+  searchFlags.BookInUse = false;
   SetUciOption("Use Opening Book value true");
-  EXPECT_EQ(searchFlags.BookInUse, 0);
+  EXPECT_FALSE(searchFlags.BookInUse);
 }
 
 struct SizeCase {

@@ -1,7 +1,7 @@
-// How often a test repeats what chance or sheer number may show, by the kind of
-// build. Under the sanitizers every step is looked at, an emulator translates it
-// for another processor, and either takes ten times as long; more of the same
-// steps shows nothing more there.
+// How often a test with many repetitions repeats, by the kind of build. The
+// sanitizers check every step, an emulator translates it for another processor, and
+// either takes ten times as long; repeating the same steps more often shows nothing
+// more there.
 #pragma once
 
 namespace mirvo::test {
