@@ -41,14 +41,15 @@ make_windows() {
   return $status
 }
 
+# The engine for the web, its package, and the page with its zip.
 make_web() {
-  [ -e build/web/package/package.json ] ||
+  [ -e build/web/package/mirvo.wasm ] ||
     { cmake --preset web -DMIRVO_TESTS=OFF && cmake --build --preset web; }
 }
 
 make_npm() { make_web && (cd build/web/package && npm pack --pack-destination "$output"); }
 
-make_page() { make_web && web/make_zip.sh && cp build/web/mirvo-web.zip "$output"; }
+make_page() { make_web && cp build/web/mirvo-web.zip "$output"; }
 
 make_source() {
   local version
@@ -60,8 +61,8 @@ make_source() {
 pack_anew() {
   local seconds
   seconds=$(date --utc --date "$(sed -n 's/^ -- .*>  //p;T;q' packaging/changelog.Debian)" +%s)
-  find "$output" -name '*.zip' -o -name '*.t*gz' |
-    xargs -r python3 tools/repack.py "$seconds"
+  find "$output" '(' -name '*.zip' -o -name '*.tgz' -o -name '*.tar.gz' ')' \
+    -exec python3 tools/repack.py "$seconds" {} +
 }
 
 make_parts() {
@@ -106,18 +107,23 @@ done
 if [ ${#parts[@]} -eq 0 ]; then
   parts=(amd64 arm64 windows source)
   [ ! -e "$here/web/package" ] || parts+=(npm)
-  [ ! -e "$here/web/make_zip.sh" ] || parts+=(page)
+  [ ! -e "$here/web/page/CMakeLists.txt" ] || parts+=(page)
 fi
 wanted() { [[ " ${parts[*]} " == *" $1 "* ]]; }
 
 packages=(g++ cmake ninja-build git python3 dpkg-dev file binutils lintian)
 wanted arm64 && packages+=(g++-aarch64-linux-gnu qemu-user)
 wanted windows && packages+=(g++-mingw-w64-x86-64-posix wine64)
-if wanted npm || wanted page; then packages+=(emscripten node-acorn nodejs npm); fi
+if wanted npm || wanted page; then
+  packages+=(emscripten node-acorn nodejs)
+  # Some builds of Node bring it along.
+  command -v npm >/dev/null || packages+=(npm)
+fi
 need_packages "${packages[@]}" || give_up "some packages could not be installed"
 
 [ -z "$(git -C "$here" status --porcelain)" ] ||
   say "changes that are not committed stay out"
+commit=$(git -C "$here" rev-parse HEAD) || exit 1
 scratch=$(mktemp -d /var/tmp/mirvo-release-XXXXXX)
 trap 'rm -rf "$scratch"' EXIT
 logs=$here/build/logs/release
@@ -127,7 +133,8 @@ mkdir -p "$logs"
 make_in() {
   local clone=$scratch/$1
   mkdir -p "$(dirname "$clone")"
-  git clone -q --no-hardlinks "$here" "$clone" || return 1
+  git clone -q --no-hardlinks "$here" "$clone" &&
+    git -C "$clone" checkout -q --detach "$commit" || return 1
   say "making ${parts[*]} in $clone"
   (cd "$clone" && unset CMAKE_CXX_COMPILER_LAUNCHER &&
     in_clean_environment tools/release.sh --inside "$scratch/made-${1//\//-}" \
