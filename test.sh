@@ -16,6 +16,7 @@ root=$(cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")" && pwd)
 cd "$root" || exit 1
 . tools/packages.sh
 . tools/environment.sh
+. web/packages.sh
 
 options=()
 if [ "${1:-}" = --only ]; then
@@ -58,8 +59,8 @@ if wanted s390x && ! need_packages g++-s390x-linux-gnu googletest qemu-user; the
   options+=(--left-out s390x)
 fi
 
-# WebAssembly: emscripten, which brings Node, in the same way.
-if wanted web && ! need_packages emscripten; then
+# WebAssembly: emscripten, Node, and a browser for the page, in the same way.
+if wanted web && ! { need_page_packages && need_page_test_packages; }; then
   options+=(--left-out web)
 fi
 
