@@ -1,7 +1,7 @@
 #!/bin/bash
 # Installs what the tests need, builds everything and runs every test: the
 # release build, the same tests under the sanitizers, those of the program for
-# Windows under Wine, for 64-bit ARM under qemu and of the WebAssembly package
+# Windows under Wine, for 64-bit ARM under qemu, and of the WebAssembly package
 # under Node. The last line printed is "N passed, N failed" (and skipped ones, if
 # any).
 #
@@ -16,6 +16,7 @@ root=$(cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")" && pwd)
 cd "$root" || exit 1
 . tools/packages.sh
 . tools/environment.sh
+. web/packages.sh
 
 options=()
 if [ "${1:-}" = --only ]; then
@@ -58,8 +59,8 @@ if wanted s390x && ! need_packages g++-s390x-linux-gnu googletest qemu-user; the
   options+=(--left-out s390x)
 fi
 
-# WebAssembly: emscripten, which brings Node, in the same way.
-if wanted web && ! need_packages emscripten; then
+# WebAssembly: emscripten, Node, and a browser for the page, in the same way.
+if wanted web && ! { need_page_packages && need_page_test_packages; }; then
   options+=(--left-out web)
 fi
 
