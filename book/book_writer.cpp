@@ -39,11 +39,11 @@ void NormalizeEntry(BookEntry& entry) {
 
 struct SortKey {
   std::uint64_t key;
-  std::int32_t source;  // entry that belongs in this place
+  std::int32_t source;  // index of the entry that belongs here
 };
 
-// Moves every entry to its place along the cycles of the permutation, so that
-// no second buffer of entries is needed.
+// Permutes the entries in place, cycle by cycle, so that no second buffer of
+// entries is needed.
 void ApplyOrder(BookEntry* entries, std::vector<SortKey>& order) {
   for (std::size_t start = 0; start < order.size(); ++start) {
     const BookEntry first = entries[start];

@@ -15,11 +15,11 @@
 namespace mirvo {
 namespace {
 
-// Follows the order of tags and moves in a file: which game a token belongs to
-// and what that game is worth. Shared by counting and reading.
+// Tracks which game a token belongs to, and the points of that game's result.
+// Shared by counting and reading.
 class GameTracker {
  public:
-  /// Takes a tag. True when it begins a new game.
+  /// Handles a tag. True when it starts a new game.
   bool TakeTag(const PgnScanner& scanner) {
     const bool newGame = hasMoves;
     if (!inTags) points[white] = points[black] = 0;
@@ -32,7 +32,7 @@ class GameTracker {
     return newGame;
   }
 
-  /// Takes a word and returns the text of the move in it; empty without one.
+  /// Handles a word and returns the text of the move in it, or an empty text.
   std::string_view TakeWord(const PgnScanner& scanner) {
     inTags = false;
     const char* word = MoveInWord(scanner.Word());
@@ -82,8 +82,8 @@ File OpenGames(const char* path) {
   return file;
 }
 
-// A pawn's text names its file first, and where that is not the file of the
-// square it goes to, only a capture can be meant.
+// Whether the candidate agrees with the stated origin file. A pawn's text begins
+// with its origin file, so "e4" is no capture from another file.
 bool ComesFromStatedFile(Move candidate, Move partial, const char* text) {
   const int from = FileOf(FromSquare(candidate));
   if ((partial & sanFileMark) != 0 && from != FileOf(FromSquare(partial))) return false;

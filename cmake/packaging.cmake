@@ -1,5 +1,4 @@
-# Packages of what is installed: "cpack" in a build folder makes a tar.gz and a
-# .deb, or a zip for Windows.
+# Packages: "cpack" in a build folder makes a tar.gz and a .deb, or a zip for Windows.
 set(CPACK_PACKAGE_NAME mirvo)
 set(CPACK_PACKAGE_VENDOR "Tavelin")
 set(CPACK_PACKAGE_CONTACT "Tavelin <tavelin@localhost>")
@@ -9,7 +8,7 @@ set(CPACK_PACKAGE_FILE_NAME
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_PACKAGE_SECTION games)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_SUGGESTS "xboard")
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "xboard, polyglot")
 if(WIN32)
   set(CPACK_GENERATOR ZIP)
 else()

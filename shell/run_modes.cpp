@@ -47,7 +47,7 @@ void LoadEngineBook(EngineConfig& config) {
 }
 
 int Run(EngineConfig& config) {
-  // A book tool has done its work while the command line was read.
+  // Book tools ran while the command line was read.
   if (config.ToolRunOnly) return 0;
   switch (config.RunMode) {
     case RunModeCode::engine:
@@ -62,7 +62,7 @@ int Run(EngineConfig& config) {
       RunEval(config);
       break;
     case RunModeCode::test:
-      // Loading the position was all: this mode only exercises the set-up.
+      // The position was set up while the command line was read; that is all.
     case RunModeCode::createBook:
       break;
   }

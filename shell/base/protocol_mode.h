@@ -14,7 +14,7 @@ struct ProtocolMode {
   bool detected = false;  // a protocol word has been seen
 };
 
-/// Owner: protocol_mode.cpp, in the base layer. Writer: the dispatcher. Reader: the
+/// Owner: protocol_mode.cpp. Writer: the dispatcher. Readers: the dispatcher, the
 /// search reports.
 extern ProtocolMode protocolMode;
 

@@ -33,7 +33,7 @@ std::int32_t ReadDecimal(const char* text) {
   if (*text == '-' || *text == '+') ++text;
   std::int64_t magnitude = 0;
   for (; IsDigit(*text); ++text) {
-    // Beyond 32 bits only "too large" matters, so the sum stops growing there.
+    // Beyond 32 bits the result saturates anyway, so the sum need not grow.
     if (magnitude <= highest) magnitude = magnitude * 10 + (*text - '0');
   }
   return Saturate(negative ? -magnitude : magnitude);

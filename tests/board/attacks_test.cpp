@@ -53,7 +53,7 @@ TEST(InCheck, RemembersTheAnswerForTheSideToMove) {
   EXPECT_EQ(board.inCheckCache, -1);
   EXPECT_TRUE(InCheck(board, black));
   EXPECT_EQ(board.inCheckCache, 1);
-  // The stored answer is what counts from now on.
+  // From now on the stored answer counts.
   board.inCheckCache = 0;
   EXPECT_FALSE(InCheck(board, black));
 }

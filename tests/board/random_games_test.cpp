@@ -67,8 +67,8 @@ TEST(RandomGames, WholeGamesCanBeTakenBack) {
   }
 }
 
-// The mailbox plays along by its own rules: same legal moves, same check, same
-// placement after every move.
+// The mailbox plays the same moves by its own rules: the legal moves, check and
+// the placement agree after every move.
 TEST(RandomGames, LegalMovesAreThoseOfTheMailbox) {
   const char* const starts[] = {test::startFen,
                                 test::kiwipeteFen,

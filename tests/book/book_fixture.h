@@ -1,5 +1,5 @@
-// What the book tests share: scratch files, byte strings of book records, and
-// a fixture with an empty book on a board whose tables are built.
+// Helpers for tests of the book: scratch files, byte strings of book records, and
+// a fixture with an empty book and a board.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -51,7 +51,7 @@ inline std::string RecordBytes(std::uint64_t key, std::uint16_t move, std::uint1
   return bytes;
 }
 
-/// A directory of its own for each test, removed afterwards.
+/// A new directory for each test, removed afterwards.
 class ScratchDirectory {
  public:
   ScratchDirectory() {
@@ -121,7 +121,7 @@ class BookTest : public testing::Test {
     return board;
   }
 
-  /// Appends an entry with one move, past all checks.
+  /// Appends an entry with one move, without any checks.
   BookEntry& AppendEntry(std::uint64_t key, Move move, std::int32_t hits, std::int32_t weight) {
     BookEntry& entry = book.entries[book.count++];
     entry.key = key;

@@ -15,7 +15,7 @@ namespace {
 
 class BookWriterTest : public BookTest {
  protected:
-  // An entry whose moves are a1a1 to a1h1, told apart by target square.
+  // An entry whose moves are a1a1 to a1h1, which differ in the target square.
   BookEntry& Entry(std::uint64_t key, const std::vector<std::pair<int, int>>& hitsAndWeights) {
     BookEntry& entry = book.entries[book.count++];
     entry.key = key;
@@ -56,7 +56,7 @@ TEST_F(BookWriterTest, CleaningDoesNotExamineTheMoveThatSlidIn) {
   book.minHits = 2;
   BookEntry& entry = Entry(1, {{1, 5}, {1, 6}, {1, 7}, {1, 8}, {9, 9}});
   CleanBook(book);
-  // Places 0, 1 and 2 are looked at: moves 0, 2 and the one after each slide.
+  // CleanBook examines places 0, 1 and 2, where moves 0, 2 and 4 are by then.
   EXPECT_EQ(Targets(entry), (std::vector<int>{1, 3, 4}));
 }
 

@@ -28,7 +28,7 @@ std::string BytesOf(const std::filesystem::path& path) {
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-/// What an input came to: the broken promise, if any, and the engine's trace.
+/// The result of an input: the failed property, if any, and the engine's trace.
 struct Outcome {
   std::string broken;
   std::string trace;
@@ -54,7 +54,7 @@ TEST_P(FuzzCorpus, KeepsEveryPromiseInAnyOrder) {
     }
     traces.push_back(outcome.trace);
   }
-  // Whatever ran before, an input comes to the same.
+  // The result of an input must not depend on earlier ones.
   for (std::size_t i = files.size(); i-- > 0;) {
     const Outcome outcome = OutcomeOf(GetParam(), files[i]);
     if (outcome.broken.empty() && outcome.trace == traces[i]) continue;

@@ -126,7 +126,7 @@ TEST_F(UciCommands, UcinewgameForgetsTheGame) {
   HashRelease(TranspositionTable);
 }
 
-// A few large pages at least, before whoever waits for an answer has it.
+// At least a few large pages, before the answer that the interface waits for.
 TEST_F(UciCommands, MemoryOfTheTablesIsPrefaultedWhereTheInterfaceWaits) {
   for (const char* command : {"uci\n", "isready\n", "ucinewgame\n"}) {
     test::AllocateAfresh(TranspositionTable, 2000);

@@ -1,5 +1,5 @@
-// A fixture that drives dispatcher and UCI front end from scripted input with
-// scripted searches: each says what arrives at its polls and what it answers.
+// A fixture that drives dispatcher and UCI front end with scripted input and
+// scripted searches: each defines what arrives at its polls and what it answers.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -35,7 +35,7 @@ struct ScriptedSearch {
   Move marks = noMove;                // added to the best move's word
 };
 
-/// Limits and flags that a search started with.
+/// Limits and flags at the start of a search.
 struct SearchSeen {
   std::int32_t depth;
   std::int32_t InfiniteThinkingTime;
@@ -78,7 +78,7 @@ class UciTest : public ::testing::Test {
     current = nullptr;
   }
 
-  /// Sends the text and handles lines until no input is left; what was printed.
+  /// Sends the text, handles lines until no input is left, returns the output.
   std::string Play(const std::string& text) {
     fakeInput.bytes += text;
     testing::internal::CaptureStdout();
@@ -87,7 +87,7 @@ class UciTest : public ::testing::Test {
     return testing::internal::GetCapturedStdout();
   }
 
-  /// The same once the interface has introduced itself, which is not shown.
+  /// The same after "uci", whose output is left out.
   std::string PlayUci(const std::string& text) {
     protocolMode.mode = uciProtocol;
     return Play(text);

@@ -199,7 +199,7 @@ INSTANTIATE_TEST_SUITE_P(
         SpecialMove{"Promotion", "1r2k3/P7/8/8/8/8/8/4K3 b - -", "e8e7", "a7a8q", "a7b8n"}),
     [](const testing::TestParamInfo<SpecialMove>& item) { return item.param.name; });
 
-// Lines that give the ponder search up.
+// Lines that abandon the ponder search.
 
 TEST_F(XBoardPondering, GoAbandonsAndPlaysTheOtherSide) {
   script = {FirstAnswer(), {{"go\n"}, "b8c6", "f1b5"}, {{}, "d2d4"}};

@@ -28,7 +28,7 @@
 namespace mirvo {
 namespace {
 
-/// Every look at the clock is a millisecond, so that timed searches end at the
+/// The clock advances by 1 ms at every reading, so that timed searches end at the
 /// same node on every machine.
 std::uint32_t ticks = 0;
 std::uint32_t CountTicks() { return ++ticks; }
@@ -48,7 +48,7 @@ std::vector<std::string> LegalMoveTexts(const Board& position) {
   return texts;
 }
 
-/// The board as it stands without the move that is pondered.
+/// The game board without the pondered move.
 const Board& RealPosition() {
   static Board board;
   CopyBoard(board, gameBoard);
@@ -82,7 +82,7 @@ constexpr const char* commandLines[] = {"go",
                                         "hard",
                                         ""};
 
-/// Lines that change the course of a game, told less often.
+/// Lines that change the course of a game, sent less often.
 constexpr const char* turningPoints[] = {
     "new",
     "force",
@@ -104,8 +104,7 @@ class RandomLines {
 
   std::string Next() {
     --left;
-    // Most lines that arrive while the engine thinks act at once; were they
-    // moves, they would only pile up behind the search.
+    // Mostly lines that act at once: moves would only pile up during the search.
     if (searchFlags.searching && !searchFlags.pondering && Pick(30) != 0) {
       return commandLines[Pick(std::size(commandLines))] + std::string("\n");
     }
@@ -145,7 +144,7 @@ class RandomLines {
     for (unsigned n = Pick(6); n > 0 && !text.empty(); --n) {
       text[Pick(text.size())] = static_cast<char>(1 + Pick(255));
     }
-    // A line that happens to end the process proves nothing.
+    // A line that ends the process would end the test.
     return text.starts_with("quit") ? "q\n" : text + "\n";
   }
 
@@ -154,7 +153,7 @@ class RandomLines {
   bool onlyLegal;
 };
 
-/// Plays the dispatcher's part: own lines first, then held ones, then new.
+/// Takes lines like the dispatcher: own lines first, then deferred ones, then new.
 class RandomSession {
  public:
   RandomSession(unsigned seed, int nLines, bool wellFormed, unsigned pollGap)
@@ -214,13 +213,13 @@ class RandomSession {
     }
   }
 
-  /// Between two lines no search runs and nothing of one is left.
+  /// Between two lines no search runs and no state of one is left.
   void CheckIdleState() const {
     ASSERT_FALSE(searchFlags.pondering);
     ASSERT_FALSE(searchFlags.searching);
     ASSERT_FALSE(xboardPonder.searchAbandoned);
     ASSERT_EQ(xboardPonder.ponderMiss, xboardPonder.PendingMove);
-    // An illegal move may leave the key astray; each search computes its own.
+    // After illegal moves the key may be wrong.
     if (onlyLegal) {
       ASSERT_EQ(gameBoard.positionKey, ComputeKey(gameBoard));
     }

@@ -75,7 +75,7 @@ TEST_F(XBoardCommands, AWhiteEngineStaysWhiteWhenItsOpponentMoves) {
   EXPECT_EQ(xboardGame.engineColour, white);
 }
 
-// Were the flag left, the search would come back as one to be given up.
+// With the flag still set, the search would count as abandoned.
 TEST_F(XBoardCommands, GoClearsAPonderingFlag) {
   script = {{{}, "e2e4"}};
   Play({"new\n"});
@@ -93,8 +93,8 @@ TEST_F(XBoardCommands, GoodbyeIsAGo) {
 
 TEST_F(XBoardCommands, TheHeaderIsFilledOncePerGame) {
   script = {{{}, "d2d4"}};
-  // The move in force mode names the engine as Black; "go" with White to move
-  // comes too late to change that.
+  // The move in force mode makes the engine Black in the header; "go" with White to
+  // move comes too late to change that.
   Play({"new\n", "force\n", "e2e4\n", "e7e5\n", "go\n"});
   EXPECT_STREQ(xboardGame.tags.black, "Mirvo 0.2.7_d");
   EXPECT_STREQ(xboardGame.tags.white, "");
@@ -131,8 +131,8 @@ TEST_F(XBoardCommands, ClocksAreReadInCentiseconds) {
   EXPECT_EQ(xboardGame.ownTime, 0);
 }
 
-// Under XBoard a move from a square that holds no such piece is the only text
-// that passes the turn; what is no move at all is an unknown command.
+// Under XBoard only a move from a square without such a piece passes the turn;
+// other texts are unknown commands.
 TEST_F(XBoardCommands, ATextThatMovesNothingEndsEnPassant) {
   Play({"new\n", "force\n", "e2e4\n", "a7a6\n", "e4e5\n", "d7d5\n", "e4e6\n"});
   EXPECT_FALSE(HasEnPassant(gameBoard));
@@ -324,7 +324,7 @@ TEST_F(XBoardCommands, NewStartsAgainButKeepsTheOpponentsName) {
   EXPECT_FALSE(searchFlags.pondering);
 }
 
-// The second game is one of its own although the first never had a result.
+// The second game has its own record although the first never had a result.
 TEST_F(XBoardCommands, NewEndsAGameThatIsInProgress) {
   script = {{{}, "e7e5"}, {{}, "c7c5"}};
   Play({"new\n", "e2e4\n"});
@@ -427,7 +427,7 @@ TEST_F(XBoardCommands, ReversibleMovesOfTheOpponentAreCounted) {
   EXPECT_FALSE(gameCounters.hundredReached);
   Play({"f3g1\n"});
   EXPECT_TRUE(gameCounters.hundredReached);
-  // A capture starts the count again; the flag stays.
+  // A capture restarts the count; the flag stays.
   Play({"setboard 4k3/8/8/8/8/8/r7/R3K3 w Q\n", "a1a2\n"});
   EXPECT_EQ(gameCounters.reversibleMoves, 0);
   EXPECT_TRUE(gameCounters.hundredReached);

@@ -1,5 +1,5 @@
-// A fixture that drives the XBoard front end with scripted searches: each one
-// says which lines arrive while it runs and what it answers.
+// A fixture that drives the XBoard front end with scripted searches: each defines
+// the lines that arrive while it runs and what it answers.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -55,8 +55,8 @@ class XBoardTest : public ::testing::Test {
     current = nullptr;
   }
 
-  /// Handles the lines as the dispatcher does between searches: the front
-  /// end's own line first, then those that waited. Returns what was printed.
+  /// Handles the lines as the dispatcher does between searches: the front end's own
+  /// line first, then waiting ones. Returns the output.
   std::string Play(const std::vector<std::string>& lines) {
     testing::internal::CaptureStdout();
     for (const std::string& line : lines) {

@@ -240,7 +240,7 @@ TEST_F(Thinking, PonderingRepeatsTheLastDepthUntilTheHit) {
   };
   Run("8/8/8/3k4/8/8/3P4/3K4 w -", 2);
   EXPECT_GT(nPolls, 400);
-  // A repeated depth is reported only once while score and line stay.
+  // A repeated depth is reported again only if score or line have changed.
   EXPECT_LE(CountLines("info depth 2 seldepth"), 2);
 }
 
@@ -250,7 +250,7 @@ TEST_F(Thinking, ARepeatedDepthThatSaysSomethingNewIsReportedAgain) {
   heldBoard = &board;
   searchFlags.pondering = true;
   searchHooks.pollInput = [] {
-    // After the first report the position is exchanged for another one.
+    // After the first report the position is replaced by another one.
     if (++nPolls == 10) test::SetPosition(*heldBoard, "8/8/8/3k4/8/8/3Q4/3K4 w -");
     if (nPolls > 40) searchFlags.StopSearch = true;
   };
@@ -275,7 +275,7 @@ TEST_F(Thinking, PonderingOnAMateWaitsForTheHit) {
   EXPECT_EQ(CountLines("score cp 32768"), 1);
 }
 
-// Without polling the ponder wait can end by other means: here by the clock.
+// Without polling a ponder wait must end otherwise: here through the clock.
 TEST_F(Thinking, APonderWaitPollsNeitherWithoutAHookNorWithPollingOff) {
   SetTickSource([]() -> std::uint32_t {
     if (++nTicks > 200) searchFlags.pondering = false;
@@ -394,7 +394,7 @@ TEST_F(Thinking, ALineOfOneMoveTakesTheExpectedReplyOfThePreviousLine) {
   EXPECT_EQ(Run("startpos", 1).ponder, noMove);
 }
 
-// A line of another position may name the right squares and the wrong piece.
+// A line of another position may have the right squares but another piece.
 TEST_F(Thinking, AnExpectedReplyOfAnotherPieceIsNotTold) {
   previousPv.length = 2;
   previousPv.moves[1] = BuildMove(52, 36, black, queen);  // a queen from e7 to e5
@@ -464,7 +464,7 @@ TEST_F(Thinking, AGameOf1200PliesCanBeSearched) {
   EXPECT_LE(board.undoDepth, undoCapacity - searchPlyRoom);
 }
 
-// Exchanges among this many queens never end by themselves.
+// Exchanges among so many queens practically never end.
 constexpr char queenStorm[] = "qqqqqqqk/qqqqqqqq/8/8/8/8/QQQQQQQQ/KQQQQQQQ w -";
 
 TEST_F(Thinking, AStopReachesAnEndlessExchange) {
@@ -479,7 +479,7 @@ TEST_F(Thinking, AStopReachesAnEndlessExchange) {
 std::uint32_t runningTicks = 0;
 
 TEST_F(Thinking, TheClockReachesAnEndlessExchange) {
-  // A clock that moves on by itself at every look.
+  // A clock that advances at every reading.
   SetTickSource([] { return runningTicks += 10; });
   engineConfig.InfiniteThinkingTime = 0;
   engineConfig.FixedTimePerMove = 200;

@@ -248,17 +248,17 @@ TEST_F(MainSearch, TheExtensionLimitIsNeverReached) {
   EXPECT_EQ(CountExtension(stats, state, rookMove), 0);
   state.extensions = 1;
   EXPECT_EQ(CountExtension(stats, state, pawnToSeventh), 0);
-  // Counted are the moves of the kind, granted or not.
+  // Counts all moves of the kind, extended or not.
   EXPECT_EQ(stats.nPromExt, 2);
   EXPECT_EQ(stats.nExt, 2);
 }
 
-// White is hopelessly behind: its one capture wins too little, its king steps
-// are searched whatever they bring.
-constexpr char hopelessSide[] = "7k/8/8/8/8/1p5q/P7/K7 w -";
+// White is far behind: its one capture wins too little; its king moves are
+// searched in any case.
+constexpr char farBehind[] = "7k/8/8/8/8/1p5q/P7/K7 w -";
 
-TEST_F(MainSearch, AHopelessNodeNextToTheHorizonFailsLow) {
-  Run(hopelessSide, 5000, 5001, 1);
+TEST_F(MainSearch, ANodeFarBehindNextToTheHorizonFailsLow) {
+  Run(farBehind, 5000, 5001, 1);
   EXPECT_GT(state.nodeCount, 0U);
   const HashEntry& slot = HashSlot(TranspositionTable, board.positionKey);
   EXPECT_EQ(slot.bound, upperBound);

@@ -150,13 +150,13 @@ TEST_F(Clock, TheTimeIsUpWhenTheDeadlineIsReached) {
   EXPECT_FALSE(TimeIsUp(limits));
   fakeTicks = 5100;
   EXPECT_TRUE(TimeIsUp(limits));
-  // The allotted time ends the search before it as ever.
+  // The allotted time still ends the search before the deadline.
   limits.milliseconds = 50;
   fakeTicks = 5051;
   EXPECT_TRUE(TimeIsUp(limits));
 }
 
-// The deadline is a whole clock: what a first move may take twice is not.
+// The deadline comes from the clock: doubling the allotted time does not move it.
 TEST_F(Clock, DoublingTheAllotmentLeavesTheDeadline) {
   timeControl.startTime = 5000;
   limits.deadline = 100;

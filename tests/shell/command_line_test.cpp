@@ -24,8 +24,8 @@ using testing::internal::GetCapturedStdout;
 
 using Words = std::initializer_list<const char*>;
 
-/// The settings after a command line of the program's name and `words`. The
-/// vector has no terminator: reading past the count is caught by sanitizers.
+/// The settings after a command line of the program's name and `words`. The vector
+/// has no terminator, so sanitizers catch a read past the end.
 std::unique_ptr<EngineConfig> Parse(Words words) {
   auto config = std::make_unique<EngineConfig>();
   std::vector<const char*> arguments{"mirvo"};

@@ -89,7 +89,8 @@ TEST_F(EngineBook, IsLoadedByItsName) {
   EXPECT_EQ(config.UseOpeningBook, 1);
 }
 
-// Leaving the book doubles a move's time, so a game without one never is in it.
+// Leaving the book doubles a move's time, so a game without a book must not start
+// in it.
 TEST_F(EngineBook, IsSwitchedOffSilentlyWhenItsFileIsMissing) {
   EXPECT_EQ(Load("missing.bk"), "");
   EXPECT_FALSE(searchFlags.BookInUse);

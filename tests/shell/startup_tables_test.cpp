@@ -1,7 +1,7 @@
-// Every table that start-up computes, folded into one number each and compared
-// with tests/data/startup_tables.txt. The tables' own tests say what their
-// entries mean; this one says that no compiler, C library or system makes them
-// different, down to the last entry.
+// Compares a hash of every table that start-up computes with
+// tests/data/startup_tables.txt. The tables' own tests say what their entries
+// mean; this one shows that they are the same, down to the last entry, with every
+// compiler, C library and system.
 #include <gtest/gtest.h>
 
 #include <cinttypes>
@@ -23,7 +23,7 @@
 namespace mirvo {
 namespace {
 
-/// The 64-bit FNV-1a rule over the eight bytes of each entry, lowest first.
+/// The 64-bit FNV-1a hash over the eight bytes of each entry, lowest first.
 struct Folder {
   std::uint64_t hash = 0xCBF29CE484222325ULL;
 
@@ -53,7 +53,7 @@ std::string Folded(const Table& table) {
   return text;
 }
 
-/// Name and number of each table, as this build makes them.
+/// Name and hash of each table of this build.
 std::map<std::string, std::string> BuiltTables() {
   for (const TableBuilder build : boardTableBuilders) build();
   BuildKingDangerTable();

@@ -33,7 +33,7 @@ std::uint32_t fakeTicks = 0;
 
 std::uint32_t FakeTickCount() { return fakeTicks; }
 
-/// Start-up works on the globals; each test begins with fresh settings.
+/// Start-up writes the globals; each test begins with default settings.
 class StartUpTest : public testing::Test {
  protected:
   StartUpTest() {

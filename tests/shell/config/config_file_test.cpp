@@ -241,7 +241,7 @@ TEST_F(ConfigFileTest, CutsBookNamesAtTheirWidth) {
 }
 
 TEST_F(ConfigFileTest, TakesAWordOfAnyLengthAsOneToken) {
-  // Were it cut in two, the second half would be a setting of its own.
+  // If it were split, its second half would be a setting.
   for (const std::size_t length : {140U, 149U, 150U, 1022U, 1023U, 1024U, 4095U, 100000U}) {
     Read(std::string(length, 'x') + "DepthSearch=10\nPonder=0\n");
     EXPECT_EQ(config->DepthSearch, 40) << length;
@@ -292,7 +292,7 @@ TEST_F(ConfigFileTest, PrintsTheReport) {
   CopyText(config->BookName, sizeof config->BookName, "my%sbook.bk");
   config->MaxNumExtPerDepth = 8;
   config->Ponder = 9;
-  config->MoveOverhead = 10;  // not told
+  config->MoveOverhead = 10;  // not part of the report
   CaptureStdout();
   PrintConfig(*config);
   EXPECT_EQ(GetCapturedStdout(),
