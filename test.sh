@@ -1,12 +1,13 @@
 #!/bin/bash
 # Installs what the tests need, builds everything and runs every test: the
 # release build, the same tests under the sanitizers, those of the program for
-# Windows under Wine. The last line printed is "N passed, N failed" (and skipped
-# ones, if any).
+# Windows under Wine and for 64-bit ARM under qemu. The last line printed is
+# "N passed, N failed" (and skipped ones, if any).
 #
 #   ./test.sh quick           after a change: what can notice it, in a minute
-#   ./test.sh                 release, sanitize and windows
+#   ./test.sh                 release, sanitize, windows and arm64
 #   ./test.sh release         one stage only
+#   ./test.sh s390x           another byte order (docs/testing.md)
 #   ./test.sh --only PATTERN release    of its tests only those named like that
 set -uo pipefail
 
@@ -21,7 +22,7 @@ if [ "${1:-}" = --only ]; then
   shift 2
 fi
 stages=("$@")
-[ ${#stages[@]} -gt 0 ] || stages=(release sanitize windows)
+[ ${#stages[@]} -gt 0 ] || stages=(release sanitize windows arm64)
 
 wanted() {
   [[ " ${stages[*]} " == *" $1 "* ]]
@@ -31,7 +32,7 @@ wanted() {
 # and the referees, peers and clients of the tests that play whole games.
 packages=(g++ cmake ninja-build libgtest-dev libgmock-dev clang-format cppcheck python3)
 wanted quick || packages+=(libbenchmark-dev dpkg-dev file valgrind polyglot stockfish xboard fairymax
-  xvfb xauth)
+  xvfb xauth xdotool xclip desktop-file-utils)
 need_packages "${packages[@]}" ||
   echo "Some packages could not be installed; tests that need them are skipped." >&2
 
@@ -46,6 +47,14 @@ fi
 # once more.
 if wanted windows && ! need_packages g++-mingw-w64-x86-64-posix googletest wine64; then
   options+=(--left-out windows)
+fi
+
+# Other processors: the cross compilers, and an emulator in the same way.
+if wanted arm64 && ! need_packages g++-aarch64-linux-gnu googletest qemu-user; then
+  options+=(--left-out arm64)
+fi
+if wanted s390x && ! need_packages g++-s390x-linux-gnu googletest qemu-user; then
+  options+=(--left-out s390x)
 fi
 
 in_clean_environment /usr/bin/python3 tools/run_tests.py "${options[@]}" "${stages[@]}"

@@ -2,7 +2,7 @@
 depth over the signature positions and of perft, in turns on one core.
 
 Usage: compare_builds.py NAME=PROGRAM NAME=PROGRAM... [--depth D] [--rounds N]
-                         [--perft D] [--core C]
+                         [--perft D] [--core C] [--settings FILE]
 
 Every build is compared with the first, by searches in new processes, as after the
 start of an engine, and by searches in one process, whose tables are in use:
@@ -15,6 +15,7 @@ printed, because the times then compare different trees.
 
 import argparse
 import os
+import shutil
 import statistics
 import tempfile
 
@@ -79,12 +80,15 @@ def main():
     parser.add_argument("--perft", type=int, default=5, help="depth of the perft")
     parser.add_argument("--rounds", type=int, default=3, help="each build runs so often")
     parser.add_argument("--core", type=int, default=0, help="processor to run on")
+    parser.add_argument("--settings", help="config.txt of all builds; none: their defaults")
     options = parser.parse_args()
     programs = {}
     for build in options.builds:
         name, program = build.split("=", 1)
         programs[name] = os.path.abspath(program)
     with tempfile.TemporaryDirectory() as folder:
+        if options.settings:
+            shutil.copyfile(options.settings, os.path.join(folder, "config.txt"))
         perfts = perft_times(programs, options, folder)
         searches = {new: search_times(programs, options, folder, new) for new in (True, False)}
     first = next(iter(programs))

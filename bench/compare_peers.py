@@ -69,7 +69,7 @@ def sjeng_perft(_, fen, depth, core, folder):
         leaves = perft_answer(engine.lines(), lambda line: "Raw nodes" in line)
         return leaves, engine.seconds() - start
     finally:
-        engine.kill()
+        engine.close()
 
 
 def ethereal_perft(_, fen, depth, core, folder):
@@ -84,7 +84,7 @@ def ethereal_perft(_, fen, depth, core, folder):
         leaves = perft_answer(engine.lines(), str.isdecimal)
         return leaves, engine.seconds() - start
     finally:
-        engine.kill()
+        engine.close()
 
 
 # Name: command, measurement.
@@ -121,7 +121,7 @@ def search_speed(command, settings, options, folder):
         results = [search_position(engine, fen, options.seconds) for fen in POSITIONS]
         return sum(nodes for nodes, _ in results), sum(seconds for _, seconds in results)
     finally:
-        engine.kill()
+        engine.close()
 
 
 def take_turns(runs, rounds):

@@ -12,17 +12,18 @@ import subprocess
 import sys
 import tempfile
 
+from engine import NOTHING, EngineProcess
+
 PLIES = "40"
 
 
 def cost(command, folder):
     """Processor seconds and peak megabytes of one run."""
-    child = subprocess.Popen(command, cwd=folder, stdout=subprocess.DEVNULL,
-                             stderr=subprocess.DEVNULL)
-    _, status, usage = os.wait4(child.pid, 0)
-    if status != 0:
-        sys.exit(f"{command[0]} failed with status {status}")
-    return usage.ru_utime + usage.ru_stime, usage.ru_maxrss / 1024
+    with EngineProcess(command, folder, input=None, output=NOTHING) as program:
+        status = program.wait()
+        if status != 0:
+            sys.exit(f"{command[0]} failed with status {status}")
+        return program.processor_seconds(), program.usage.ru_maxrss / 1024
 
 
 def main():

@@ -12,10 +12,14 @@ if(WIN32)
 endif()
 target_compile_definitions(mirvo_test_flags INTERFACE MIRVO_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
 target_link_libraries(mirvo_test_flags INTERFACE mirvo_flags mirvo_warnings GTest::gtest)
+if(MIRVO_EMULATED)
+  target_compile_definitions(mirvo_test_flags INTERFACE MIRVO_EMULATED)
+endif()
 
 file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/test_headers.cpp CONTENT "// Only its headers matter.\n")
 add_library(test_headers OBJECT ${CMAKE_BINARY_DIR}/test_headers.cpp)
 target_link_libraries(test_headers PRIVATE mirvo_test_flags)
+set_target_properties(test_headers PROPERTIES MIRVO_IS_TEST ON)
 target_precompile_headers(test_headers PRIVATE
   <gtest/gtest.h> <algorithm> <array> <cstdint> <cstring> <deque> <filesystem> <fstream>
   <functional> <iterator> <map> <memory> <ostream> <random> <set> <sstream> <string> <utility>
@@ -23,6 +27,12 @@ target_precompile_headers(test_headers PRIVATE
 
 # Number of a program's sources compiled as one, unless CMAKE_UNITY_BUILD is set.
 set(sources_together 7)
+
+# The programs that an emulated build has: what another processor could compute
+# differently. How the system's memory and processes behave is the emulator's there.
+set(emulated_programs
+  board_test book_test check_info_test eval_test hash_table_test reference_search_test
+  search_test signature_test startup_tables_test)
 
 # mirvo_test(NAME USES layer... SOURCES file... [SEPARATE file...] [LABELS label...]
 #            [SHARDS count] [COST seconds] [ALONE filter...])
@@ -35,10 +45,14 @@ set(sources_together 7)
 #   ALONE     cases that need their own process
 # The results of single cases are in gtest-results/ of the build folder.
 function(mirvo_test name)
+  if(MIRVO_EMULATED AND NOT name IN_LIST emulated_programs)
+    return()
+  endif()
   cmake_parse_arguments(arg "" "SHARDS;COST" "SOURCES;SEPARATE;USES;LABELS;ALONE" ${ARGN})
   add_executable(${name} ${arg_SOURCES} ${arg_SEPARATE})
   target_link_libraries(${name} PRIVATE mirvo_test_flags ${arg_USES} GTest::gtest_main)
   target_precompile_headers(${name} REUSE_FROM test_headers)
+  set_target_properties(${name} PROPERTIES MIRVO_IS_TEST ON)
   if(NOT DEFINED CMAKE_UNITY_BUILD)
     set_target_properties(${name} PROPERTIES
       UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE ${sources_together})
@@ -73,7 +87,7 @@ endfunction()
 # For use in mirvo_test only, whose labels and costs it uses.
 function(mirvo_test_process program test)
   set(results ${CMAKE_BINARY_DIR}/gtest-results/${test}.xml)
-  if(CMAKE_CROSSCOMPILING)
+  if(WIN32)
     # Wine's name of the root folder.
     set(results "Z:${results}")
   endif()
@@ -83,7 +97,7 @@ function(mirvo_test_process program test)
   if(arg_COST)
     set_tests_properties(${test} PROPERTIES COST ${arg_COST})
   endif()
-  if(CMAKE_CROSSCOMPILING)
+  if(WIN32)
     set_tests_properties(${test} PROPERTIES FIXTURES_REQUIRED wine)
   endif()
 endfunction()

@@ -16,7 +16,7 @@ cd "$root" || exit 1
 . tools/packages.sh
 
 need_packages gcovr g++ cmake ninja-build libgtest-dev libgmock-dev python3 polyglot stockfish \
-  xboard fairymax xvfb xauth || exit 1
+  xboard fairymax xvfb xauth xdotool xclip || exit 1
 export PATH="$PATH:/usr/games"
 
 status=0

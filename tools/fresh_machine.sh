@@ -1,11 +1,13 @@
 #!/bin/bash
 # Makes a minimal Debian 12 machine in a folder, clones the committed state of this
 # repository into it, and follows the README there: run.sh as root, which installs
-# the compiler; run.sh as an ordinary user without sudo; then test.sh as root. To be
-# run once before each release.
+# the compiler; run.sh as an ordinary user without sudo; play.sh as root; then
+# test.sh as root. To be run once before each release.
 #
-#   tools/fresh_machine.sh                    all three
+#   tools/fresh_machine.sh                    all four
 #   tools/fresh_machine.sh run                both starts of run.sh only
+#   tools/fresh_machine.sh window             play.sh only: from the clone to the
+#                                             first move, with the time it took
 #   tools/fresh_machine.sh test [WORD...]     test.sh only, with these arguments
 #   tools/fresh_machine.sh shell              a shell there, for inspection
 #
@@ -39,7 +41,7 @@ read_options() {
     case $1 in
       --folder) machine=${2:?--folder needs a folder} && shift ;;
       --keep) keep=yes ;;
-      run | test | shell) action=$1 && shift && words=("$@") && return ;;
+      run | window | test | shell) action=$1 && shift && words=("$@") && return ;;
       *) give_up "unknown word: $1 (see the head of $0)" ;;
     esac
     shift
@@ -71,6 +73,9 @@ certificate_files() {
 
 prepare() {
   need_packages debootstrap git util-linux || give_up "debootstrap is needed"
+  case $action in
+    window | everything) need_packages xvfb xdotool || give_up "xvfb and xdotool are needed" ;;
+  esac
   [ -n "$machine" ] || machine=$(mktemp -d /var/tmp/mirvo-fresh-machine-XXXXXX)
   mkdir -p "$machine" || exit 1
   machine=$(cd "$machine" && pwd)
@@ -183,6 +188,49 @@ play_both() {
   play "$player"
 }
 
+# An X server of this side, which programs inside reach too: they share its
+# network. Its number goes into $screen.
+open_screen() {
+  local number=$kit/screen
+  Xvfb -displayfd 3 -screen 0 1024x768x24 -nolisten tcp 3>"$number" 2>/dev/null &
+  while ! [ -s "$number" ]; do
+    kill -0 $! || return 1
+    sleep 0.1
+  done
+  screen=:$(cat "$number")
+}
+
+# play.sh in a new clone, until the engine has made a move in its window.
+play_window() {
+  say "play.sh"
+  local screen log=$machine/root/polyglot.log printed=$kit/window.txt
+  open_screen && put_clone root || return 1
+  rm -f "$log"
+  SECONDS=0
+  inside root "cd mirvo && DISPLAY=$screen ./play.sh -- -adapterCommand \
+    'polyglot -noini -ec \"%fcp\" -ed \"%fd\" -log true -lf /root/polyglot.log'" >"$printed" 2>&1 &
+  local program=$!
+  until grep -q 'Adapter->GUI: move ' "$log" 2>/dev/null; do
+    kill -0 $program 2>/dev/null && [ $SECONDS -lt 900 ] || {
+      tail -30 "$printed" >&2
+      say "play.sh: FAILED"
+      return 1
+    }
+    # "Machine White", once there is a window.
+    DISPLAY=$screen xdotool search --onlyvisible --class xboard windowfocus key ctrl+w 2>/dev/null
+    sleep 0.5
+  done
+  local seconds=$SECONDS
+  # Closed as a person does it, so that the processor time of all comes together.
+  while kill -0 $program 2>/dev/null; do
+    DISPLAY=$screen xdotool search --onlyvisible --class xboard windowfocus key ctrl+q 2>/dev/null
+    sleep 0.5
+  done
+  times >"$kit/times"
+  say "play.sh: well, $seconds s from the clone to the first move;" \
+    "processor time (user, system): $(tail -1 "$kit/times")"
+}
+
 run_tests() {
   local quoted=
   [ ${#words[@]} -eq 0 ] || printf -v quoted '%q ' "${words[@]}"
@@ -198,9 +246,10 @@ work_inside() {
   make_machine && mount_system || return 1
   case $action in
     run) play_both ;;
+    window) play_window ;;
     test) run_tests ;;
     shell) put_clone root && inside root bash ;;
-    everything) play_both && run_tests ;;
+    everything) play_both && play_window && run_tests ;;
   esac
 }
 

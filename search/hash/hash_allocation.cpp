@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 
 #include "search/hash/hash_memory.h"
 
@@ -14,9 +15,18 @@ constexpr std::size_t slotSize = sizeof(HashEntry);
 constexpr std::size_t tagSize = sizeof(std::uint8_t);
 static_assert(slotSize == std::size_t{1} << slotShift);
 
-/// Bytes for slots and tags, with room for aligning the slots.
-std::size_t BlockSize(std::uint32_t nSlots) {
-  return nSlots * (slotSize + tagSize) + (slotSize - 1);
+/// Bytes for slots and tags, with room for aligning the slots. 64 bits wide, because the
+/// largest tables exceed a 32-bit address space.
+std::uint64_t BlockSize(std::uint32_t nSlots) {
+  return std::uint64_t{nSlots} * (slotSize + tagSize) + (slotSize - 1);
+}
+
+/// No system allocates more than half of the address space.
+constexpr std::uint64_t largestBlock = std::numeric_limits<std::size_t>::max() / 2;
+
+bool ReserveSlots(HashTable& table, std::uint32_t nSlots) {
+  const std::uint64_t bytes = BlockSize(nSlots);
+  return bytes <= largestBlock && HashReserve(table, static_cast<std::size_t>(bytes));
 }
 
 }  // namespace
@@ -34,7 +44,7 @@ void HashAllocate(HashTable& table) {
   // Sizes are computed in 32 bits, so 4096 megabytes and more wrap around.
   std::uint32_t nSlots = (table.size << megabyteShift) >> slotShift;
   if (nSlots == 0) nSlots = minHashSlots;
-  while (nSlots != 0 && !HashReserve(table, BlockSize(nSlots))) nSlots /= 2;
+  while (nSlots != 0 && !ReserveSlots(table, nSlots)) nSlots /= 2;
   table.size = nSlots;
   table.reciprocal = nSlots == 0 ? 0 : HashReciprocal(nSlots);
   if (table.block == nullptr) return;

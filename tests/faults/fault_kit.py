@@ -17,7 +17,8 @@ import tempfile
 import time
 import unittest
 
-sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "arbiter"))
+TESTS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..")
+sys.path[:0] = [TESTS, os.path.join(TESTS, "arbiter")]
 import rules  # noqa: E402
 from uci_engine import UciEngine  # noqa: E402
 
@@ -99,7 +100,7 @@ class FaultTest(unittest.TestCase):
 
     def ended(self, limit=60):
         """Exit status of a process that must end by itself."""
-        return self.engine.process.wait(timeout=limit * patience)
+        return self.engine.wait(limit * patience)
 
     def quit(self):
         self.send("quit")
@@ -119,11 +120,6 @@ class FaultTest(unittest.TestCase):
 def stat_fields(pid):
     with open(f"/proc/{pid}/stat", encoding="ascii") as file:
         return file.read().rsplit(")", 1)[1].split()
-
-
-def processor_seconds(pid):
-    fields = stat_fields(pid)
-    return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
 
 
 def is_alive(pid):

@@ -145,8 +145,7 @@ class CrowdedPositions(fault_kit.FaultTest):
                     self.assertEqual(len(legal), 218)
                 self.start(command="$mirvo -perft 1 " + " ".join(fen.split()[:3]))
                 self.assertEqual(self.ended(), 0)
-                self.engine.reader.join(timeout=5)
-                lines = [self.engine.lines.get()[1] for _ in range(self.engine.lines.qsize())]
+                lines = [line.text for line in self.engine.read_rest(60)]
                 self.assertIn(f"1 {len(legal):12}", lines)
 
 

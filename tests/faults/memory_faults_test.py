@@ -33,7 +33,7 @@ class HashSizes(fault_kit.FaultTest):
         """A table of any size prefaults a bounded part of its memory and uses the
         rest on access; sanitizers need memory themselves."""
         if not fault_kit.is_slow():
-            self.assertLess(resident_megabytes(self.engine.process.pid), 300)
+            self.assertLess(resident_megabytes(self.engine.pid), 300)
 
     def test_of_the_settings_file_are_reported_as_given_and_played_with(self):
         for size in SIZES:
@@ -82,7 +82,7 @@ class AddressSpace(fault_kit.FaultTest):
     def test_exhausted_at_run_time_makes_tables_smaller(self):
         self.start()
         self.speak_uci()
-        resource.prlimit(self.engine.process.pid, resource.RLIMIT_AS, (MEGABYTE, MEGABYTE))
+        resource.prlimit(self.engine.pid, resource.RLIMIT_AS, (MEGABYTE, MEGABYTE))
         self.play()
 
     def test_without_room_for_the_book_none_is_used(self):
@@ -104,7 +104,7 @@ class AddressSpace(fault_kit.FaultTest):
         self.start("echo LoggingMode=1 > config.txt")
         self.send("xboard")
         self.wait("feature")
-        resource.prlimit(self.engine.process.pid, resource.RLIMIT_AS, (MEGABYTE, MEGABYTE))
+        resource.prlimit(self.engine.pid, resource.RLIMIT_AS, (MEGABYTE, MEGABYTE))
         self.send("new", "easy", "time 100", "e2e4")
         self.wait("move")
         self.send("result 1-0 {White mates}")

@@ -61,13 +61,11 @@ class TableTest(fault_kit.FaultTest):
             self.start(f"echo {settings} > config.txt" if settings else "")
 
     def stop_now(self):
-        self.engine.process.kill()
-        self.engine.process.wait()
+        self.engine.kill()
 
     def used(self):
         """Milliseconds of processor time so far."""
-        # The number of the process's clock, as clock_getcpuclockid makes it.
-        return 1000 * time.clock_gettime((~self.engine.process.pid << 3) | 2)
+        return 1000 * self.engine.processor_seconds()
 
     def set_sizes(self, sizes):
         self.send(*(f"setoption name {table} Hash Size value {size}"
@@ -131,7 +129,7 @@ class Times(TableTest):
             self.start_counted()
             self.speak_uci()
             ready = self.readiness("setoption name TT Hash Size value -5", "ucinewgame")
-            self.assertLess(resident_megabytes(self.engine.process.pid), MOST_MEMORY)
+            self.assertLess(resident_megabytes(self.engine.pid), MOST_MEMORY)
             self.stop_now()
             return ready
         self.expect_within(PROMPT, measure)
@@ -163,7 +161,7 @@ class Memory(TableTest):
                         self.send("ucinewgame")
                     self.expect_a_game_move()
                     if not fault_kit.is_slow():
-                        self.assertLess(resident_megabytes(self.engine.process.pid), MOST_MEMORY)
+                        self.assertLess(resident_megabytes(self.engine.pid), MOST_MEMORY)
                     self.quit()
 
 

@@ -38,6 +38,7 @@ PLATFORM_HEADERS = {
     "*_windows*.cpp": ["windows.h", "io.h", "conio.h", "fcntl.h", "process.h"],
     "*_posix*.cpp": ["unistd.h", "poll.h", "time.h", "signal.h", "fcntl.h", "sched.h", "errno.h",
                      "sys/*"],
+    "*_web*.cpp": ["unistd.h"],
 }
 UNWANTED_HEADERS = ["iostream", "sstream", "fstream", "regex", "locale"]
 

@@ -26,8 +26,12 @@ DEBIAN_TOOLS = ["dpkg-deb", "dpkg-shlibdeps", "file"]
 ON_LINUX = [
     "bin/mirvo",
     "bin/mirvo-play",
-    "share/games/plugins/xboard/mirvo.eng",
+    "bin/mirvo-window",
+    "share/applications/mirvo.desktop",
+    "share/games/plugins/uci/mirvo.eng",
+    "share/icons/hicolor/scalable/apps/mirvo.svg",
     "share/man/man6/mirvo.6",
+    "share/man/man6/mirvo-window.6",
     "share/mirvo/book.bk",
     "share/mirvo/config.txt",
     "share/mirvo/mirvo-suite.epd",
@@ -81,7 +85,8 @@ def check_deb(package):
             faults = complain_of_tar(package, archive, "./usr/")
     fields = subprocess.run(["dpkg-deb", "--field", package], check=True, text=True,
                             stdout=subprocess.PIPE).stdout
-    for field in ("Package: mirvo\n", "Version: 0.2.7", "Section: games\n", "Depends: libc6"):
+    for field in ("Package: mirvo\n", "Version: 0.2.7", "Section: games\n", "Depends: libc6",
+                  "Recommends: xboard, polyglot\n"):
         if field not in fields:
             print(f"{package.name} does not say {field.strip()!r}")
             faults += 1

@@ -15,7 +15,9 @@ import tempfile
 import time
 import unittest
 
-sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "arbiter"))
+TESTS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..")
+sys.path[:0] = [TESTS, os.path.join(TESTS, "arbiter")]
+from kit.engine_process import EngineProcess  # noqa: E402
 from uci_engine import UciEngine  # noqa: E402
 
 MIRVO = ""
@@ -34,13 +36,7 @@ MATED = "R5k1/5ppp/8/8/8/8/8/4K3 b - - 0 1"
 POSITIONS = ["startpos", "fen " + MIDDLE_GAME, "fen " + PAWN_ENDING, "fen " + MATE_IN_ONE,
              "fen " + STALEMATED, "fen " + MATED, "startpos moves e2e4 e7e5 g1f3 b8c6 f1b5"]
 
-
-CRASHING_INTERFACE = """
-import subprocess, sys, time
-engine = subprocess.Popen([sys.argv[1]], stdin=subprocess.PIPE, stdout=subprocess.DEVNULL)
-print(engine.pid, flush=True)
-time.sleep(60)
-"""
+DOOMED = [sys.executable, os.path.join(TESTS, "kit", "doomed_interface.py")]
 
 
 def run(text, limit=20):
@@ -220,8 +216,7 @@ class UciProcess(unittest.TestCase):
     def test_half_a_line_does_not_freeze_the_search(self):
         self.engine.send("position fen " + MIDDLE_GAME)
         self.engine.send("go wtime 12000 btime 12000")  # 400 ms
-        self.engine.process.stdin.write("isre")
-        self.engine.process.stdin.flush()
+        self.engine.send_bytes(b"isre")
         self.engine.wait_for("bestmove", 5)
         self.engine.send("ady")
         self.engine.wait_for("readyok", 5)
@@ -312,7 +307,7 @@ class EndOfInput(unittest.TestCase):
         engine = self.start()
         engine.send("position fen " + MIDDLE_GAME)
         engine.send("go depth 6")
-        engine.process.stdin.close()
+        engine.close_input()
         engine.wait_for("bestmove", 20)
 
     def test_an_endless_search_is_stopped_and_answers(self):
@@ -320,37 +315,34 @@ class EndOfInput(unittest.TestCase):
             engine = self.start()
             engine.send("go " + kind)
             time.sleep(0.05)
-            engine.process.stdin.close()
+            engine.close_input()
             engine.wait_for("bestmove", 5)
 
     def test_every_go_that_waits_is_answered(self):
         engine = self.start()
         for kind in ("infinite", "ponder", "infinite", "depth 3"):
             engine.send("go " + kind)
-        engine.process.stdin.close()
+        engine.close_input()
         for _ in range(4):
             engine.wait_for("bestmove", 10)
 
     def test_idle_the_process_stays_without_using_the_processor(self):
         engine = self.start()
-        engine.process.stdin.close()
-        ticks = processor_ticks(engine.process.pid)
+        engine.close_input()
+        before = engine.processor_seconds()
         time.sleep(1.0)
-        self.assertIsNone(engine.process.poll())
-        used = (processor_ticks(engine.process.pid) - ticks) / os.sysconf("SC_CLK_TCK")
-        self.assertLess(used, 0.05)
+        self.assertIsNone(engine.poll())
+        self.assertLess(engine.processor_seconds() - before, 0.05)
 
     def test_the_process_follows_an_interface_that_crashed(self):
         with tempfile.TemporaryDirectory() as folder:
             # The interface starts the engine, tells its number and is killed.
-            parent = subprocess.Popen([sys.executable, "-c", CRASHING_INTERFACE, MIRVO],
-                                      cwd=folder, stdout=subprocess.PIPE, text=True)
-            engine = int(parent.stdout.readline())
+            parent = EngineProcess([*DOOMED, MIRVO], folder)
+            self.addCleanup(parent.close)
+            engine = int(parent.read_line().text)
             time.sleep(0.5)
             self.assertTrue(is_alive(engine))
             parent.kill()
-            parent.wait()
-            parent.stdout.close()
             deadline = time.monotonic() + 5
             while is_alive(engine) and time.monotonic() < deadline:
                 time.sleep(0.02)

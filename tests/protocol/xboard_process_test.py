@@ -38,7 +38,7 @@ class XBoardProcess(unittest.TestCase):
         return self.engine.wait_for(first_word, 10 * PATIENCE)[1]
 
     def signal(self, number):
-        self.engine.process.send_signal(number)
+        self.engine.signal(number)
 
     def ponder(self):
         """Gets the engine to ponder."""
@@ -53,7 +53,7 @@ class XBoardProcess(unittest.TestCase):
         self.wait("Allowing")
 
     def ended(self, limit):
-        return self.engine.process.wait(timeout=limit * PATIENCE)
+        return self.engine.wait(limit * PATIENCE)
 
     def path(self, name):
         return os.path.join(self.engine.folder.name, name)
@@ -125,7 +125,7 @@ class XBoardProcess(unittest.TestCase):
 
     def test_end_of_input_abandons_pondering_silently(self):
         self.ponder()
-        self.engine.process.stdin.close()
+        self.engine.close_input()
         deadline = time.monotonic() + 1
         words = []
         try:
@@ -140,7 +140,7 @@ class XBoardProcess(unittest.TestCase):
         self.start()
         self.send("new", "easy", "time 1000", "otim 1000", "e2e4")
         self.wait("Allowing")
-        self.engine.process.stdin.close()
+        self.engine.close_input()
         self.wait("move")
 
     def test_force_is_taken_at_once_while_it_thinks(self):

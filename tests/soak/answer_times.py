@@ -128,12 +128,12 @@ def processor_share(options, lines, answer):
             engine.send(line)
         if answer:
             engine.wait_for(answer, LIMIT)
-        engine.process.stdin.close()
+        engine.close_input()
         time.sleep(1)  # for what it was doing to end
-        pid, start = engine.process.pid, time.monotonic()
+        pid, start = engine.pid, time.monotonic()
         before = processor_time(pid)
         time.sleep(options.idle_time)
-        if engine.process.poll() is not None:
+        if engine.poll() is not None:
             raise EngineFault("the process ends when its input does")
         return (processor_time(pid) - before) / (10 * (time.monotonic() - start))
     finally:

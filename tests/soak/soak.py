@@ -63,7 +63,7 @@ class Pair:
                 self.players.append(self.kind(name, self.command, self.settings))
 
     def sizes(self):
-        pids = [player.engine.process.pid for player in self.players]
+        pids = [player.engine.pid for player in self.players]
         return [(status_kilobytes(pid), open_files(pid)) for pid in pids]
 
     def growth(self):

@@ -22,21 +22,15 @@ class TimedEngine(UciEngine):
 
     def __init__(self, name, command, settings=None):
         self.waits = {}  # arrival of an answer -> what `waits_now` was
-        self.reading = None  # the reader's thread
         super().__init__(name, command, settings)
 
-    def _read(self):
-        self.reading = threading.get_native_id()
-        for line in self.process.stdout:
-            arrival = time.monotonic()
-            if line.startswith(ANSWER):
-                self.waits[arrival] = self.waits_now()
-            self.lines.put((arrival, line.rstrip("\r\n")))
-        self.lines.put((time.monotonic(), None))
+    def arrived(self, line):
+        if line.text.startswith(ANSWER):
+            self.waits[line.arrival] = self.waits_now(threading.get_native_id())
 
-    def waits_now(self):
+    def waits_now(self, reader=None):
         """Milliseconds that the engine and the reader have waited so far."""
-        return waited(self.process.pid), waited("self", self.reading)
+        return waited(self.pid), waited("self", reader or self.reader.native_id)
 
 
 class Turn:

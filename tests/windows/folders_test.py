@@ -11,8 +11,10 @@ import shutil
 import subprocess
 import sys
 import tempfile
-import threading
 import unittest
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."))
+from kit.engine_process import EngineProcess  # noqa: E402
 
 PROGRAM = ""
 LOADER = []
@@ -87,17 +89,10 @@ class Folders(unittest.TestCase):
         (folder / "config.txt").write_bytes(b"UseOpeningBook=0\n")
         (folder / "commands.txt").write_bytes(b"uci\nposition startpos\ngo infinite\n")
         with open(folder / "commands.txt", "rb") as commands:
-            engine = subprocess.Popen([*LOADER, PROGRAM], cwd=folder, stdin=commands,
-                                      stdout=subprocess.PIPE)
-        killer = threading.Timer(60, engine.kill)
-        killer.start()
-        answered = any(line.startswith(b"bestmove ") for line in engine.stdout)
-        # Then it waits for its interface to end it.
-        killer.cancel()
-        engine.kill()
-        engine.wait()
-        engine.stdout.close()
-        self.assertTrue(answered)
+            engine = EngineProcess([*LOADER, PROGRAM], folder, input=commands)
+        # Closed, since it then waits for the end that its interface has in mind for it.
+        self.addCleanup(engine.close)
+        engine.wait_for_line("bestmove ", 60)
 
     def test_tools_need_no_input_at_all(self):
         folder = self.make("none")

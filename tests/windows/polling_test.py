@@ -43,15 +43,15 @@ class Idle(unittest.TestCase):
         engine = uci_process_test.UciEngine("mirvo", uci_process_test.MIRVO)
         self.addCleanup(engine.close)
         engine.start([])
-        engine.process.stdin.close()
+        engine.close_input()
         number = engine_process(engine.folder.name)
         self.assertIsNotNone(number)
         ticks = uci_process_test.processor_ticks(number)
         time.sleep(1.0)
-        self.assertIsNone(engine.process.poll())
+        self.assertIsNone(engine.poll())
         used = (uci_process_test.processor_ticks(number) - ticks) / os.sysconf("SC_CLK_TCK")
         self.assertLess(used, 0.1)
-        engine.process.kill()
+        engine.kill()
         deadline = time.monotonic() + 10
         while uci_process_test.is_alive(number) and time.monotonic() < deadline:
             time.sleep(0.05)
