@@ -19,6 +19,8 @@ if(MIRVO_HARDENED)
   set(MIRVO_PIE ON)
   target_compile_definitions(mirvo_flags INTERFACE _FORTIFY_SOURCE=2)
   target_compile_options(mirvo_flags INTERFACE -fstack-protector-strong -Werror=format-security)
+  # No object tells in which folder it was built.
+  target_compile_options(mirvo_flags INTERFACE -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
   target_link_options(mirvo_flags INTERFACE -Wl,-z,relro,-z,now)
 endif()
 if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
