@@ -11,7 +11,7 @@ namespace mirvo {
 /// Whether `attacker` attacks `square` (0..63). Tests pawns, knights, king,
 /// diagonal sliders and orthogonal sliders, in that order.
 inline bool SquareAttacked(const Board& board, int attacker, int square) {
-  const std::uint64_t* enemy = board.pieces + attacker * nKinds;
+  const Bitboard* enemy = PiecesOf(board, attacker);
   return (PawnAttacks[attacker ^ 1][square] & enemy[pawn]) != 0 ||
          (KnightAttacks[square] & enemy[knight]) != 0 || (KingAttacks[square] & enemy[king]) != 0 ||
          (BishopAttacks(board, square) & (enemy[bishop] | enemy[queen])) != 0 ||
