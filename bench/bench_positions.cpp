@@ -36,7 +36,7 @@ void PrepareEngine() {
   BuildKingDangerTable();
   BuildReductionTables();
   output.toConsole = 0;
-  engineConfig.Quiet = 1;
+  engineConfig.Quiet = true;
   EmptyTable(EvalHashTable, engineConfig.EvalHashSize);
   EmptyTable(PawnHashTable, engineConfig.PawnHashSize);
   EmptyTable(TranspositionTable, engineConfig.TTHashSize);

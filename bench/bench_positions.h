@@ -1,4 +1,4 @@
-// The positions that the benchmarks run on, and the set-up they share.
+// The positions of the benchmarks, and their common set-up.
 #pragma once
 
 #include "board/board.h"
@@ -22,13 +22,13 @@ extern const BenchPosition benchPositions[nBenchPositions];
 /// Loads position `index` into `board`, key and key history included.
 void LoadPosition(int index, Board& board);
 
-/// Empties a hash table in no time: a fresh zeroed block of its default size.
+/// Replaces a hash table's memory by a zeroed block, which is faster than clearing.
 void EmptyTable(HashTable& table, std::int32_t megabytes);
 
 /// Builds every start-up table, allocates the hash tables, silences the output.
 void PrepareEngine();
 
-/// Empties every slot of the tables, killers, history and previous line.
+/// Clears the tables, killers, history and previous line.
 void ForgetEverything();
 
 }  // namespace mirvo::bench

@@ -14,7 +14,7 @@
 namespace mirvo {
 namespace {
 
-// A full book with `nMoves` moves a position, keys ascending as in any file.
+// A full book with `nMoves` moves per position, keys ascending as in any file.
 void FillBook(OpeningBook& book, int nMoves) {
   CreateOpeningBook(book);
   std::mt19937_64 random(1);
@@ -37,7 +37,7 @@ void LoadFullBook(benchmark::State& state) {
   SortBook(book);
   WriteBook(book, path.c_str());
   for (auto _ : state) {
-    // The pages of a fresh buffer are part of what a start costs.
+    // The pages of a new buffer are part of the cost of a start.
     state.PauseTiming();
     CreateOpeningBook(book);
     state.ResumeTiming();

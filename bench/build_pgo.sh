@@ -1,7 +1,7 @@
 #!/bin/bash
-# Builds Mirvo for this machine, optimised by a profile of searches and perft:
-# builds a program that counts, lets it work, and builds again by the counts.
-# Takes two builds and a few seconds of work.
+# Builds Mirvo for this machine with profile-guided optimisation: builds an
+# instrumented program, runs searches and perft with it, and builds again with the
+# profile. Takes two builds and a few seconds of runs.
 #
 #   bench/build_pgo.sh [FOLDER [CMAKE OPTION...]]
 #
@@ -20,10 +20,10 @@ build_with_preset() {
 }
 
 build_with_preset pgo-generate mirvo "${@:2}"
-# Counts of earlier programs do not belong to this one.
+# Profiles of earlier programs do not fit this one.
 find "$build" -name '*.gcda' -delete
 
-# Leaves the counts of some work beside the objects.
+# Runs the training, which leaves the profile beside the objects.
 train() {
   local mirvo=$build/shell/mirvo folder
   folder=$(mktemp -d)

@@ -4,13 +4,13 @@ depth over the signature positions and of perft, in turns on one core.
 Usage: compare_builds.py NAME=PROGRAM NAME=PROGRAM... [--depth D] [--rounds N]
                          [--perft D] [--core C] [--settings FILE]
 
-Every build is compared with the first, by searches of new processes, as after the
-start of an engine, and by searches of one process, whose tables have been in use:
-"ucinewgame" empties the transposition table, the evaluation's caches keep what
-they learned. A position's ratio is the median over the rounds, the figure the
-geometric mean over the positions. Positions that the first build searches in less
-than 5 ms are left out; where two builds take different nodes the number of such
-positions is said, for then the times compare different trees.
+Every build is compared with the first, by searches in new processes, as after the
+start of an engine, and by searches in one process, whose tables are in use:
+"ucinewgame" clears the transposition table, but not the evaluation caches. The
+ratio of a position is the median over the rounds, the final figure the geometric
+mean over the positions. Positions that the first build searches in less than 5 ms
+are left out. If builds search different nodes, the number of such positions is
+printed, because the times then compare different trees.
 """
 
 import argparse

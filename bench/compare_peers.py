@@ -1,12 +1,12 @@
-"""Speed of Mirvo beside other engines: leaves of a perft and nodes of a search
-per second of processor time, all on one core, in one run, in turns.
+"""Compares the speed of Mirvo with other engines: perft leaves and search nodes per
+second of processor time, on one core, in one run, in turns.
 
 Usage: compare_peers.py MIRVO [--rounds N] [--seconds S] [--fewer-plies N] [--core C]
                               [--only perft|search]
 
-Each round runs every engine once; a ratio is Mirvo's speed by the other's in the
-same round, and the best and the median over the rounds are shown. An engine that
-is not installed is left out with a message, and so is one that ends early.
+Each round runs every engine once; a ratio is Mirvo's speed divided by the other's in
+the same round, and the best and the median over the rounds are shown. Engines that
+are not installed or end early are left out with a message.
 """
 
 import argparse
@@ -50,7 +50,7 @@ def last_number(line):
 
 
 def perft_answer(lines, is_answer):
-    """The count in the first line that is an answer."""
+    """The count in the first line that has one."""
     for line in lines:
         if is_answer(line) and last_number(line) is not None:
             return last_number(line)
@@ -69,7 +69,7 @@ def sjeng_perft(_, fen, depth, core, folder):
         leaves = perft_answer(engine.lines(), lambda line: "Raw nodes" in line)
         return leaves, engine.seconds() - start
     finally:
-        engine.kill()
+        engine.close()
 
 
 def ethereal_perft(_, fen, depth, core, folder):
@@ -84,7 +84,7 @@ def ethereal_perft(_, fen, depth, core, folder):
         leaves = perft_answer(engine.lines(), str.isdecimal)
         return leaves, engine.seconds() - start
     finally:
-        engine.kill()
+        engine.close()
 
 
 # Name: command, measurement.
@@ -121,12 +121,12 @@ def search_speed(command, settings, options, folder):
         results = [search_position(engine, fen, options.seconds) for fen in POSITIONS]
         return sum(nodes for nodes, _ in results), sum(seconds for _, seconds in results)
     finally:
-        engine.kill()
+        engine.close()
 
 
 def take_turns(runs, rounds):
-    """{name: [(count, seconds)]}: each round calls every run once. A run that
-    fails is dropped from there on, with what it gave before."""
+    """{name: [(count, seconds)]}: each round calls every run once. A run that fails is
+    dropped, with its earlier results."""
     figures = {name: [] for name in runs}
     for _ in range(rounds):
         for name in list(figures):
@@ -139,7 +139,7 @@ def take_turns(runs, rounds):
 
 
 def ratios(figures):
-    """{name: (best, median) of Mirvo's speed by the other's in the same round}."""
+    """{name: (best, median) of Mirvo's speed divided by the other's in each round}."""
     def speeds(name):
         return [count / seconds for count, seconds in figures[name]]
 
@@ -159,11 +159,11 @@ def report(title, unit, figures):
     for name, (best, median) in ratios(figures).items():
         speed = statistics.median(count / seconds for count, seconds in figures[name])
         compared = f"   mirvo/{name} best {best:.2f}, median {median:.2f}" if name != "mirvo" else ""
-        print(f"  {name:10} {speed / 1e6:8.2f} million {unit} a second{compared}")
+        print(f"  {name:10} {speed / 1e6:8.2f} million {unit} per second{compared}")
 
 
 def present(names):
-    """Those of {name: command} that are installed, the others being named."""
+    """Those of {name: command} that are installed; names the others."""
     found = [name for name, command in names.items() if is_installed(command)]
     for name in names:
         if name not in found:

@@ -1,11 +1,11 @@
 #!/bin/bash
-# Compares Mirvo's speed with that of other engines on this machine, in turns on
-# the same core: perft leaves and searched nodes per second of processor time.
-# Installs the engines it compares with; without one of them the others serve.
+# Compares Mirvo's speed with that of other engines on this machine, in turns on the
+# same core: perft leaves and searched nodes per second of processor time. Installs
+# these engines and leaves out those that cannot be installed.
 #
 #   bench/compare_peers.sh [baseline|native|pgo] [OPTION OF compare_peers.py...]
 #
-# The build is native, the one that run.sh starts, if none is named.
+# The default build is native, which is also that of run.sh.
 set -euo pipefail
 root=$(cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.." && pwd)
 . "$root/tools/packages.sh"

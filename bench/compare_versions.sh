@@ -1,12 +1,12 @@
 #!/bin/bash
 # Compares two commits of Mirvo on this machine: time to depth over the
-# signature positions and perft (bench/compare_builds.py), each built from a
-# checkout of its own with the same options. Trees may differ; the positions in
-# which they do are counted.
+# signature positions and perft (bench/compare_builds.py), each built from its own
+# checkout with the same options. Search trees may differ; the positions in which
+# they do are counted.
 #
 #   bench/compare_versions.sh [OLD [NEW [OPTION OF compare_builds.py...]]]
 #
-# OLD is the first version that played under UCI if none is named, NEW is HEAD.
+# OLD defaults to the first version that played under UCI, NEW to HEAD.
 # CXXFLAGS=-march=native bench/compare_versions.sh builds both for this machine.
 set -euo pipefail
 root=$(cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.." && pwd)

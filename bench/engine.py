@@ -1,16 +1,18 @@
-"""What the measuring scripts share: an engine on one core with its processor
-time, searches of it, and the signature positions."""
+"""Helpers for the measuring scripts: an engine on one core with its processor time,
+its searches, and the signature positions."""
 
 import math
 import os
 import pathlib
 import shutil
 import statistics
-import subprocess
-import time
+import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 SEARCH_PATH = os.environ.get("PATH", "") + ":/usr/games"
+
+sys.path.insert(0, str(ROOT / "tests"))
+from kit.engine_process import NOTHING, EngineProcess  # noqa: E402
 
 
 def is_installed(command):
@@ -19,17 +21,15 @@ def is_installed(command):
 
 def run_program(command, core, folder):
     """What a program prints on one core, and the processor seconds of its life."""
-    with subprocess.Popen(["taskset", "-c", str(core), *command], cwd=folder, text=True,
-                          stdin=subprocess.DEVNULL, stdout=subprocess.PIPE) as process:
-        text = process.stdout.read()
-        _, _, usage = os.wait4(process.pid, 0)
-        process.returncode = 0
-    return text, usage.ru_utime + usage.ru_stime
+    with EngineProcess(command, folder, core=core, input=NOTHING, errors=None) as program:
+        text = "".join(line.text + "\n" for line in program.read_rest())
+        program.wait()
+        return text, program.processor_seconds()
 
 
 def mirvo_perft(program, fen, depth, core, folder):
-    """Leaves and processor seconds; what one of depth 1 takes is the start's
-    and is taken off."""
+    """Leaves and processor seconds, without the time of the start, which is measured
+    with depth 1."""
     command = [program, "-perft"]
     text, seconds = run_program([*command, str(depth), *fen.split()], core, folder)
     _, start = run_program([*command, "1", *fen.split()], core, folder)
@@ -38,42 +38,33 @@ def mirvo_perft(program, fen, depth, core, folder):
     return int(counts.get(str(depth), 0)), max(seconds - start, 1e-6)
 
 
-class Engine:
+class Engine(EngineProcess):
     """A program on one core; lines go in and out, its processor time is known."""
 
     def __init__(self, command, core, folder):
         path = shutil.which(command[0], path=SEARCH_PATH)
-        self.process = subprocess.Popen(
-            ["taskset", "-c", str(core), path, *command[1:]], cwd=folder, text=True,
-            stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, bufsize=1)
-        # The number of the process's clock, as clock_getcpuclockid makes it.
-        self.clock = (~self.process.pid << 3) | 2
-
-    def send(self, line):
-        self.process.stdin.write(line + "\n")
-        self.process.stdin.flush()
+        super().__init__([path, *command[1:]], folder, core=core)
 
     def lines(self):
-        for line in self.process.stdout:
-            yield line.strip()
+        return (line.text.strip() for line in self.all_lines())
 
     def wait_for(self, *beginnings):
         """The first line that begins with one of the words."""
-        return next(line for line in self.lines() if line.startswith(beginnings))
+        return self.wait_for_line(beginnings)[0].text
 
     def seconds(self):
-        """Processor time used so far; taskset becomes the engine, so it is its."""
-        return time.clock_gettime(self.clock)
+        """Processor time used so far."""
+        return self.processor_seconds()
 
     def start_uci(self, settings=()):
-        """Says "uci" and sets options ("NAME value VALUE")."""
+        """Sends "uci" and sets options ("NAME value VALUE")."""
         self.send("uci")
         self.wait_for("uciok")
         for setting in settings:
             self.send("setoption name " + setting)
 
     def new_position(self, fen):
-        """Empties the tables and sets a position up."""
+        """Clears the tables and sets up a position."""
         self.send("ucinewgame")
         self.send("isready")
         self.wait_for("readyok")
@@ -91,15 +82,11 @@ class Engine:
         return nodes, self.seconds() - start
 
     def quit(self):
-        """Ends an engine that answers; the memory it used at most, in MB."""
+        """Ends the engine; returns its peak memory in MB."""
         self.send("quit")
-        _, _, usage = os.wait4(self.process.pid, 0)
-        self.process.returncode = 0
-        return usage.ru_maxrss / 1024
-
-    def kill(self):
-        self.process.kill()
-        self.process.wait()
+        self.wait()
+        self.close()
+        return self.usage.ru_maxrss / 1024
 
 
 def read_nodes(line):

@@ -8,11 +8,11 @@
 namespace mirvo::bench {
 namespace {
 
-/// Forgets one position in a cache, so that the next look-up fails.
+/// Removes one position from a cache, so that the next probe fails.
 void Forget(HashTable& table, std::uint64_t key) { HashSlot(table, key).key = 0; }
 
-/// No cache knows the position. The pawn key is the evaluation's own affair, so
-/// it is read from the one slot that a first evaluation fills in a small table.
+/// No cache has the position. The pawn key is private to the evaluation, so it is
+/// read from the one slot that a first evaluation fills in a small table.
 void EvaluateCold(benchmark::State& state) {
   Board board;
   LoadPosition(static_cast<int>(state.range(0)), board);
@@ -35,7 +35,8 @@ void EvaluateCold(benchmark::State& state) {
 }
 BENCHMARK(EvaluateCold)->DenseRange(0, nBenchPositions - 1);
 
-/// The pawn structure is known, the position is not: the usual case.
+/// The pawn cache has the structure, the evaluation cache not the position: the usual
+/// case.
 void EvaluateKnownPawns(benchmark::State& state) {
   Board board;
   LoadPosition(static_cast<int>(state.range(0)), board);
@@ -53,9 +54,7 @@ void EvaluateWarm(benchmark::State& state) {
   Board board;
   LoadPosition(static_cast<int>(state.range(0)), board);
   EvalRecord record;
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(Evaluate(record, board, board.sideToMove));
-  }
+  for (auto _ : state) benchmark::DoNotOptimize(Evaluate(record, board, board.sideToMove));
   state.SetLabel(benchPositions[state.range(0)].name);
 }
 BENCHMARK(EvaluateWarm)->DenseRange(0, nBenchPositions - 1);

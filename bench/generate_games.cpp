@@ -1,8 +1,8 @@
-// Writes random but legal games as PGN, to measure book building with:
+// Writes random legal games as PGN, for measuring book building:
 //   generate_games NUMBER [PLIES] > games.pgn
-// The first moves are drawn from a few per position, so that games share their
-// openings as real ones do; later ones are free. The same arguments give the
-// same games everywhere. Ends with status 1 when one of them is no whole number.
+// The first moves are chosen among a few per position, so that games share openings
+// like real ones; later moves are free. The same arguments always give the same
+// games. Exit status 1 if an argument is not a whole number.
 #include <charconv>
 #include <cstdint>
 #include <cstdio>
@@ -35,7 +35,7 @@ std::uint32_t Random() {
   return static_cast<std::uint32_t>(randomState >> 32);
 }
 
-// Pieces of the moving kind that reach the same square, this one included.
+// Counts the pieces of the moving kind that reach the same square, this one included.
 int CountRivals(const BBMoveGenerator2& generator, Move move, bool sameFileOnly) {
   int n = 0;
   for (std::int32_t i = 0; i < generator.count; ++i) {
@@ -47,9 +47,9 @@ int CountRivals(const BBMoveGenerator2& generator, Move move, bool sameFileOnly)
   return n;
 }
 
-// Writes the text of a move with the source file where it is needed. False for
-// a move that only its rank could tell from another, or that promotes to less
-// than a queen: the games do without those.
+// Writes the text of a move, with the origin file if needed. False for a move that
+// needs the origin rank, or that promotes to less than a queen: the games do without
+// those.
 bool WriteText(const BBMoveGenerator2& generator, Move move, char* text) {
   if (IsPromotion(move) && PromotionKind(move) != queen) return false;
   MoveToSan(move, text);
@@ -61,18 +61,19 @@ bool WriteText(const BBMoveGenerator2& generator, Move move, char* text) {
   return true;
 }
 
-// Draws a place in the list: in the opening nearly always one of the first few
-// after a shuffle that depends on the position alone.
+// Chooses an index in the list: in the opening nearly always one of the first few
+// after a shuffle that depends only on the position.
 std::int32_t DrawPlace(const Board& board, std::int32_t count, int ply) {
-  if (ply >= openingPlies)
+  if (ply >= openingPlies) {
     return static_cast<std::int32_t>(Random() % static_cast<std::uint32_t>(count));
+  }
   std::uint32_t choice = 0;
   while (choice < 6 && Random() % 3 == 0) ++choice;
   const std::uint64_t mixed = (board.positionKey + choice) * 0xBF58476D1CE4E5B9ULL;
   return static_cast<std::int32_t>((mixed >> 33) % static_cast<std::uint64_t>(count));
 }
 
-// Plays a legal, plainly written move; false when twenty draws find none.
+// Plays a legal move that can be written like this; false after twenty failures.
 bool PlayRandomMove(Board& board, int ply, char* text) {
   BBMoveGenerator2 generator(board, board.sideToMove);
   generator.GenerateAll();
@@ -111,7 +112,7 @@ void WriteGame(int number, int nPlies) {
   std::printf("%s\n\n", result);
 }
 
-// Reads a whole number that is the whole text; otherwise says so and returns false.
+// Reads a text that is a whole number; otherwise prints a message and returns false.
 bool ReadNumber(const char* text, int& number) {
   const char* const end = text + std::strlen(text);
   const auto [rest, error] = std::from_chars(text, end, number);

@@ -1,4 +1,4 @@
-// Entry point of the benchmarks: the engine's tables come first.
+// Entry point of the benchmarks: first builds the engine's tables.
 #include <benchmark/benchmark.h>
 
 #include "bench/bench_positions.h"

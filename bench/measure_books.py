@@ -3,8 +3,8 @@
 
     measure_books.py BUILD_FOLDER [NUMBER_OF_GAMES ...]
 
-Prints processor seconds (user and system) and peak memory of each; the time
-on the wall depends on what else the machine does.
+Prints processor seconds (user and system) and peak memory of each; real time would
+depend on the other load of the machine.
 """
 
 import os
@@ -12,17 +12,18 @@ import subprocess
 import sys
 import tempfile
 
+from engine import NOTHING, EngineProcess
+
 PLIES = "40"
 
 
 def cost(command, folder):
     """Processor seconds and peak megabytes of one run."""
-    child = subprocess.Popen(command, cwd=folder, stdout=subprocess.DEVNULL,
-                             stderr=subprocess.DEVNULL)
-    _, status, usage = os.wait4(child.pid, 0)
-    if status != 0:
-        sys.exit(f"{command[0]} failed with status {status}")
-    return usage.ru_utime + usage.ru_stime, usage.ru_maxrss / 1024
+    with EngineProcess(command, folder, input=None, output=NOTHING) as program:
+        status = program.wait()
+        if status != 0:
+            sys.exit(f"{command[0]} failed with status {status}")
+        return program.processor_seconds(), program.usage.ru_maxrss / 1024
 
 
 def main():

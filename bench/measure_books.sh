@@ -1,7 +1,7 @@
 #!/bin/bash
-# Measures book building on generated games against polyglot's make-book, in
-# one run on the same files, and the loading of a full book. Installs polyglot
-# and the benchmark library. Arguments: numbers of games.
+# Compares book building with polyglot's make-book on the same generated games in
+# one run, and measures loading a full book. Installs polyglot and the benchmark
+# library. Arguments: numbers of games.
 set -euo pipefail
 root=$(cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.." && pwd)
 . "$root/tools/packages.sh"

@@ -1,12 +1,12 @@
 #!/bin/bash
-# Profile of perft 4 and of the searches of signature positions to depth 7 under
-# callgrind, which counts instead of timing and so may run on a loaded machine:
-# instructions and cache misses per node, by function. The caches are simulated,
-# 32 kB each of the first level and 8 MB of the last, whatever the machine has.
+# Profiles perft 4 and searches of signature positions to depth 7 under callgrind,
+# which counts instead of timing and so works on a busy machine: instructions and
+# cache misses per node, by function. The simulated caches have 32 kB each on the
+# first level and 8 MB on the last, on any machine.
 #
 #   bench/profile.sh [NAME OF A SIGNATURE POSITION...]
 #
-# Five positions, those of the guard in tests/speed, if none is named.
+# The default is the five positions of the instruction counts in tests/speed.
 set -euo pipefail
 root=$(cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.." && pwd)
 . "$root/tools/packages.sh"
@@ -19,7 +19,7 @@ cmake --build --preset release --target mirvo_workload >&2
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 
-# Counts inside one function only, so that the program's start is left out.
+# Counts only inside one function, so that the program's start is left out.
 profile() {
   valgrind --tool=callgrind --cache-sim=yes --I1=32768,8,64 --D1=32768,8,64 \
     --LL=8388608,16,64 "--toggle-collect=$2" "--callgrind-out-file=$folder/$1" \

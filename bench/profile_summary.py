@@ -1,4 +1,4 @@
-"""Makes a table of what callgrind_annotate prints for Ir, D1mr and DLmr.
+"""Makes a table from callgrind_annotate's output for Ir, D1mr and DLmr.
 
 Usage: profile_summary.py ANNOTATED_FILE NODES [ROWS]
 """
@@ -39,7 +39,7 @@ def read_annotated(text):
 
 def table(totals, functions, nodes, rows):
     """Lines of the table, the costliest functions first."""
-    lines = ["| function | instructions a node | share | first-level misses in 1,000 nodes "
+    lines = ["| function | instructions per node | share | first-level misses in 1,000 nodes "
              "| last-level misses in 1,000 nodes |", "|---|---|---|---|---|"]
     ordered = sorted(functions.items(), key=lambda item: -item[1][0])[:rows]
     for name, counts in [*((f"`{name}`", counts) for name, counts in ordered), ("all", totals)]:

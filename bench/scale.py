@@ -1,6 +1,6 @@
-"""How the search scales with its transposition table: processor time per depth,
-effective branching factor, nodes a second, start-up time and memory, for tables
-of 1 MB to 1,024 MB. Raw numbers go to a CSV file, a table to standard output.
+"""Measures how the search scales with its transposition table: processor time per
+depth, effective branching factor, nodes per second, start-up time and memory, for
+tables of 1 MB to 1,024 MB. Raw numbers go to a CSV file, a table to standard output.
 
 Usage: scale.py MIRVO RAW_CSV [--plot SVG] [--depth D] [--core C] [--sizes MB...]
 """
@@ -20,8 +20,8 @@ FIELDS = ["table", "depth", "nodes", "seconds", "startup", "memory"]
 
 
 def measure(mirvo, size, options, folder):
-    """Rows of one table size. Start-up is the time until "uciok"; memory is the
-    most that was resident, in MB."""
+    """Rows of one table size. Start-up is the time until "uciok"; memory is the peak
+    resident size in MB."""
     engine = Engine([mirvo], options.core, folder)
     engine.start_uci()
     startup = engine.seconds()
@@ -37,13 +37,13 @@ def measure(mirvo, size, options, folder):
 
 
 def branching(rows):
-    """Geometric mean of the growth of nodes from depth 3 on, one ply to the next."""
+    """Geometric mean of the growth of nodes per ply, from depth 3 on."""
     nodes = [row["nodes"] for row in rows if row["depth"] >= 3]
     return geometric_mean(b / a for a, b in zip(nodes, nodes[1:]))
 
 
 def table(rows):
-    lines = ["| table, MB | deepest, s | branching factor | million nodes a second | start-up, s "
+    lines = ["| table, MB | deepest, s | branching factor | million nodes per second | start-up, s "
              "| memory, MB |", "|---|---|---|---|---|---|"]
     for size in sorted({row["table"] for row in rows}):
         own = [row for row in rows if row["table"] == size]

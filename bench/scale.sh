@@ -1,7 +1,7 @@
 #!/bin/bash
 # Measures the search with tables of 1 MB to 1,024 MB: raw numbers to
 # bench/data/scale.csv, the plot to docs/scale.svg, the table to standard output.
-# Takes the native build; arguments go to scale.py (--help lists them).
+# Uses the native build; arguments go to scale.py (--help lists them).
 set -euo pipefail
 root=$(cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.." && pwd)
 . "$root/tools/packages.sh"

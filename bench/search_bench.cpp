@@ -31,7 +31,7 @@ void StaticExchangeOfCaptures(benchmark::State& state) {
 }
 BENCHMARK(StaticExchangeOfCaptures)->DenseRange(1, 4);
 
-/// Random keys against a full-size table: mostly a wait for memory.
+/// Random keys in a full-size table: mostly waiting for memory.
 void ProbeTranspositionTable(benchmark::State& state) {
   std::uint64_t key = 0x9E3779B97F4A7C15;
   Move move = noMove;
@@ -44,8 +44,8 @@ void ProbeTranspositionTable(benchmark::State& state) {
 }
 BENCHMARK(ProbeTranspositionTable);
 
-/// A cold search without clock, book and input; the tables' memory is in use
-/// already, so the figure is the search's and not the system's paging.
+/// A search from empty tables without clock, book and input; the tables' memory is
+/// already in use, so the figure does not include page faults.
 void SearchFixedDepth(benchmark::State& state) {
   engineConfig.InfiniteThinkingTime = 1;
   engineConfig.DepthSearch = searchDepth;

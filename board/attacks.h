@@ -27,9 +27,7 @@ inline bool SquareAttacked(const Board& board, int attacker, int rank, int file)
 /// Whether the king of `side` is attacked. For the side to move the answer is
 /// kept in inCheckCache until the next move.
 inline bool InCheck(Board& board, int side) {
-  if (side != board.sideToMove) {
-    return SquareAttacked(board, side ^ 1, KingSquare(board, side));
-  }
+  if (side != board.sideToMove) return SquareAttacked(board, side ^ 1, KingSquare(board, side));
   if (board.inCheckCache < 0) {
     board.inCheckCache = SquareAttacked(board, side ^ 1, KingSquare(board, side)) ? 1 : 0;
   }
@@ -61,9 +59,10 @@ inline Bitboard Blockers(const Board& board, int square, int attacker) {
 
 /// The squares from which a move of the side to move may leave its own king
 /// attacked; a generated move from any other square is legal. They are the
-/// king's own square and those of blockers before it; all squares in check and
-/// where a move can clear more than its own origin (en passant, overlaps).
-inline Bitboard ExposedOrigins(Board& board, int side) {
+/// king's own square and those of its blockers, which are pinned or the enemy's;
+/// all squares in check and where a move can clear more than its own origin (en
+/// passant, overlaps).
+inline Bitboard KingAndPinned(Board& board, int side) {
   const Bitboard kings = board.pieces[PieceIndex(side, king)];
   const int square = KingSquare(board, side);
   if (HasEnPassant(board) || board.hasOverlaps || kings != Bit(square) || InCheck(board, side)) {

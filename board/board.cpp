@@ -43,11 +43,6 @@ Board::Board()
   PlaceStartPosition(*this);
 }
 
-Board& Board::operator=(const Board& other) {
-  if (this != &other) CopyBoard(*this, other);
-  return *this;
-}
-
 void ClearEnPassant(Board& board) {
   board.epRank = noEnPassant;
   board.epFile = noEnPassant;

@@ -75,10 +75,10 @@ struct Board : PositionState {
   /// on begins a game first (fen.h).
   Board();
 
-  /// A plain copy, byte for byte: a snapshot to compare with later.
+  /// A new board is a plain copy, byte for byte: a snapshot to compare with
+  /// later. CopyBoard is the way to copy onto a board that exists.
   Board(const Board&) = default;
-  /// The same as CopyBoard.
-  Board& operator=(const Board& other);
+  Board& operator=(const Board&) = delete;
 
   std::uint64_t pieces[nPieces];  // index = side * 6 + kind
   std::uint64_t sideOccupancy[nSides];

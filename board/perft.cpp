@@ -30,12 +30,12 @@ void PerftCount(Board& board, int ply) {
   BBMoveGenerator2 generator(board, board.sideToMove);
   generator.GenerateCaptures();
   generator.GenerateNonCaptures();
-  const Bitboard exposed = ExposedOrigins(board, board.sideToMove);
+  const Bitboard kingAndPinned = KingAndPinned(board, board.sideToMove);
   std::uint64_t nLegal = 0;
   for (int i = 0; i < generator.count; ++i) {
     const Move move = generator.moves[i];
     MakeMove(board, move);
-    if ((exposed & Bit(FromSquare(move))) == 0 || !MoverLeftInCheck(board)) {
+    if ((kingAndPinned & Bit(FromSquare(move))) == 0 || !MoverLeftInCheck(board)) {
       ++nLegal;
       if (ply + 1 < PerftTargetDepth) PerftCount(board, ply + 1);
     }

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::int32_t nProgressSteps = 10;
 
-// What the second pass over the games works on.
+// The state of the second pass over the games.
 struct BookBuild {
   OpeningBook& book;
   Board board;
@@ -21,8 +21,8 @@ struct BookBuild {
   std::int32_t nSinceLastDot;
 };
 
-// A word that named no move may say anything. Where it moves no piece that
-// stands there, the turn passes and the game goes on with the next word.
+// A word that matched no move may contain any squares. If it moves none of the
+// side's pieces, the turn passes and the game continues with the next word.
 void PlayRecordedMove(Board& board, Move move) {
   const std::uint64_t* own = board.pieces + board.sideToMove * nKinds;
   const int kind = MovingKind(move);
@@ -59,14 +59,14 @@ std::int32_t CreateBook(OpeningBook& book, const char* pgnPath, std::int32_t max
   CountPgnGames(pgnPath, nGames);
   Output(output, "done. (Number games: %d)\n", nGames);
   Output(output, "* Processing");
-  // The games are read a second time instead of being kept: a collection may
-  // be far larger than the book that comes out of it.
+  // The games are read twice instead of being stored: a collection may be far
+  // larger than the book made from it.
   if (nGames > 0) {
     BookBuild build{book, Board(), nGames / nProgressSteps, 0};
     ReadPgnGames(pgnPath, maxPlies, AddGame, &build, nGames);
   }
   Output(output, "done.");
-  // Without memory for a book there is nothing to save either.
+  // Without memory for a book there is nothing to save.
   return book.entries == nullptr ? 0 : nGames;
 }
 

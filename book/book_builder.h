@@ -7,15 +7,15 @@
 
 namespace mirvo {
 
-/// Reads the games of `pgnPath` into the book with progress on the console.
-/// Returns the number of games (0: nothing was built).
+/// Reads the games of `pgnPath` into the book and prints the progress. Returns the
+/// number of games (0: nothing was built).
 std::int32_t CreateBook(OpeningBook& book, const char* pgnPath, std::int32_t maxPlies,
                         std::int32_t minHits);
 
 /// Cleans, normalises, sorts and writes the book.
 void SaveBook(OpeningBook& book, const char* path);
 
-/// Joins two book files into a third.
+/// Merges two book files into a third.
 void MergeBooks(OpeningBook& book, const char* first, const char* second, const char* outPath);
 
 }  // namespace mirvo

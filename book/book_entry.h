@@ -10,8 +10,8 @@ namespace mirvo {
 inline constexpr int bookCapacity = 200000;
 inline constexpr int bookMovesPerPosition = 20;
 
-/// Entries that building and merging fill; the last place of the buffer stays
-/// free. Loading a single file uses all of bookCapacity.
+/// Most entries when building or merging, which leave the last one free. Loading
+/// a single file uses all of bookCapacity.
 inline constexpr int bookGrowthLimit = bookCapacity - 1;
 
 /// One position. The three move arrays run in parallel, 0..moveCount-1.

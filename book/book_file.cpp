@@ -5,7 +5,7 @@
 
 #include "board/coding.h"
 #include "book/opening_book.h"
-#include "shell/config/config.h"
+#include "shell/base/file.h"
 
 namespace mirvo {
 namespace {
@@ -16,8 +16,8 @@ std::uint64_t BigEndian64(const std::uint8_t* bytes) {
   return value;
 }
 
-// Complete records of an open file, from its size. A stream without a size has
-// none; a directory reports a huge size and then fails to read.
+// Number of complete records in an open file, from its size. A stream without a
+// size has none; a directory reports a huge size and then fails to read.
 std::int64_t CountRecords(std::FILE* file) {
   if (std::fseek(file, 0, SEEK_END) != 0) return 0;
   const std::int64_t size = std::ftell(file);
@@ -25,9 +25,9 @@ std::int64_t CountRecords(std::FILE* file) {
   return size < 0 ? 0 : size / bookRecordSize;
 }
 
-// Files keep the records of a position together, so a new key is a new entry
-// without looking for an older one. `hits` is left alone: only building and
-// merging count.
+// The records of a position are adjacent in a file, so every new key starts an
+// entry without a search for an older one. `hits` is not written: it counts only
+// when building and merging.
 void ReadIntoFreshBook(OpeningBook& book, ByteReader& file, std::int64_t nRecords) {
   book.count = 0;
   BookRecord record;
@@ -48,9 +48,9 @@ void ReadIntoFreshBook(OpeningBook& book, ByteReader& file, std::int64_t nRecord
   }
 }
 
-// Leaves an empty entry between the old and the new positions and the file's
-// last record unread; saving drops the one, and the other is the price of
-// files staying as they always were.
+// Adds an empty entry between the old and the new positions, which saving drops,
+// and does not read the file's last record. Kept so that the same books always
+// give the same merged file.
 void MergeIntoBook(OpeningBook& book, ByteReader& file, std::int64_t nRecords) {
   if (book.count < bookCapacity) {
     BookEntry& separator = book.entries[book.count++];
@@ -130,21 +130,19 @@ void WriteBookRecord(std::FILE* file, const BookRecord& record) {
 }
 
 bool LoadBook(OpeningBook& book, const char* path, bool replace) {
-  std::FILE* file = book.entries == nullptr ? nullptr : std::fopen(path, "rb");
+  const File file = book.entries == nullptr ? nullptr : OpenFile(path, "rb");
   if (file == nullptr) {
     book.loaded = 0;
-    engineConfig.UseOpeningBook = 0;
     return false;
   }
-  const std::int64_t nRecords = CountRecords(file);
-  ByteReader reader(file);
+  const std::int64_t nRecords = CountRecords(file.get());
+  ByteReader reader(file.get());
   if (replace) {
     ResetBookIndex(book.index);
     ReadIntoFreshBook(book, reader, nRecords);
   } else {
     MergeIntoBook(book, reader, nRecords);
   }
-  std::fclose(file);
   // Indexing now keeps it off the clock of the first move.
   UpdateBookIndex(book.index, book.entries, book.count);
   book.loaded = 1;

@@ -1,6 +1,6 @@
 // The book file: 16-byte big-endian records of position key, move, weight and
-// learn value, those of one position together. Reading and writing of records
-// and the two move codings, and loading a whole book.
+// learn value; the records of a position are adjacent. Reads and writes records,
+// converts moves between the two encodings, loads a whole book.
 #pragma once
 
 #include <cstdint>
@@ -21,14 +21,13 @@ struct BookRecord {
   std::uint32_t learn;  // not used; written as 0
 };
 
-/// The engine's word for a move of a book file: squares, promotion, and for
-/// castling (either spelling) the king's two-file move with kind king. The
-/// moving kind of all other moves stays 0.
+/// Decodes a move of a book file: squares, promotion, and for castling (either
+/// encoding) the king's two-file move with kind king. The moving kind of all other
+/// moves stays 0.
 Move DecodeBookMove(std::uint16_t bookMove);
 
-/// The book file's word for a move. Castling is written as king takes rook; a
-/// promotion is written as a plain pawn move, so that readers take their own
-/// default for the piece.
+/// Encodes a move for a book file. Castling becomes king takes rook; a promotion
+/// becomes a plain pawn move, for which readers choose the piece themselves.
 std::uint16_t EncodeBookMove(Move move);
 
 /// Reads an unsigned number of n <= 8 bytes, most significant first. Returns 1
@@ -43,9 +42,8 @@ void WriteBigEndian(std::FILE* file, int n, std::uint64_t value);
 
 void WriteBookRecord(std::FILE* file, const BookRecord& record);
 
-/// Reads a book file. Replace mode starts a fresh book, merge mode adds to it.
-/// A missing file clears `loaded` and switches config.UseOpeningBook off.
-/// Returns whether the file could be opened.
+/// Reads a book file into an empty book (`replace`) or adds it to the book.
+/// Returns whether the file could be opened; clears `loaded` if not.
 bool LoadBook(OpeningBook& book, const char* path, bool replace);
 
 }  // namespace mirvo

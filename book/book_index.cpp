@@ -10,14 +10,14 @@
 namespace mirvo {
 namespace {
 
-// Slots of a small book, and of a full one: over twice the entries, so probes
-// stay short.
+// Slots for a small book, and for a full one: more than twice the entries, so
+// that probes stay short.
 constexpr std::uint32_t fewestSlots = 256;
 constexpr std::uint32_t mostSlots = std::uint32_t{1} << 19;
 static_assert(mostSlots > 2 * bookCapacity);
 
-// Spreads the key over all bits. Keys come from files of any origin, so the
-// low bits alone could be made to collide.
+// Mixes all bits of the key: keys come from files of any origin, which could be
+// made so that low bits alone collide.
 std::size_t HomeSlot(const BookIndex& index, std::uint64_t key) {
   std::uint64_t mixed = key ^ index.seed;
   mixed = (mixed ^ (mixed >> 30)) * 0xBF58476D1CE4E5B9ULL;
@@ -38,8 +38,8 @@ void EmptySlots(BookIndex& index) {
   std::memset(index.slots, 0, index.nSlots * sizeof(std::int32_t));
 }
 
-// Puts the entries before `end` into the slots. A key that is there already
-// keeps its first entry.
+// Indexes entries begin..end-1. A key that is already indexed keeps its first
+// entry.
 void Insert(BookIndex& index, const BookEntry* entries, std::int32_t begin, std::int32_t end) {
   for (std::int32_t i = begin; i < end; ++i) {
     std::int32_t& slot = index.slots[SlotOf(index, entries, entries[i].key)];
@@ -47,7 +47,7 @@ void Insert(BookIndex& index, const BookEntry* entries, std::int32_t begin, std:
   }
 }
 
-// Twice the slots, before more than half of them are taken.
+// Doubles the slots until the entries take at most half of them.
 void GrowFor(BookIndex& index, const BookEntry* entries, std::int32_t count) {
   const std::uint32_t before = index.nSlots;
   while (index.nSlots < mostSlots && index.nSlots < 2 * static_cast<std::uint32_t>(count)) {

@@ -1,5 +1,5 @@
-// A hash index from position key to the first entry that has it, so that
-// finding a position takes the same time however large the book is.
+// A hash index from position key to the first entry with that key, so that
+// finding a position takes the same time in a book of any size.
 #pragma once
 
 #include <cstdint>
@@ -20,11 +20,11 @@ bool CreateBookIndex(BookIndex& index);
 
 void DestroyBookIndex(BookIndex& index);
 
-/// Forgets all entries. Needed after entries were moved, removed or rewritten;
-/// entries appended at the end are picked up by themselves.
+/// Empties the index. Needed after entries have been moved, removed or rewritten;
+/// appended entries are found without it.
 void ResetBookIndex(BookIndex& index);
 
-/// Indexes the entries that were appended since the last call.
+/// Indexes the entries appended since the last call.
 void UpdateBookIndex(BookIndex& index, const BookEntry* entries, std::int32_t count);
 
 /// Lowest entry number with that key among entries 0..count-1, or -1.

@@ -12,7 +12,7 @@
 namespace mirvo {
 namespace {
 
-/// The moves of an entry that can be played, in the entry's order.
+/// The legal moves of an entry, in the entry's order.
 struct AcceptedMoves {
   Move moves[bookMovesPerPosition];
   std::int32_t weights[bookMovesPerPosition];
@@ -20,8 +20,8 @@ struct AcceptedMoves {
   std::int64_t total = 0;
 };
 
-// The first legal generated move between the squares of `bookMove`, or noMove.
-// Of several promotions that is the queen's.
+// The first legal generated move with the squares of `bookMove`, or noMove. Among
+// promotions that is the queen's.
 Move FindLegalMove(Board& board, const BBMoveGenerator2& generator, Move bookMove) {
   for (std::int32_t i = 0; i < generator.count; ++i) {
     const Move move = generator.moves[i];
@@ -30,7 +30,8 @@ Move FindLegalMove(Board& board, const BBMoveGenerator2& generator, Move bookMov
   return noMove;
 }
 
-// Replaces the entry's moves by the generated ones where they are legal.
+// Collects the legal moves of an entry and completes their words in the entry:
+// the book file knows neither the moving kind nor captures.
 AcceptedMoves AcceptMoves(Board& board, BookEntry& entry) {
   BBMoveGenerator2 generator(board, board.sideToMove);
   generator.GenerateAll();
@@ -47,7 +48,7 @@ AcceptedMoves AcceptMoves(Board& board, BookEntry& entry) {
   return accepted;
 }
 
-// Every move of the entry is listed, its share being of the playable ones.
+// Lists every move of the entry; percentages are of the legal moves' total.
 void PrintEntry(const BookEntry& entry, std::int64_t total) {
   Output(output, "\n");
   for (int i = 0; i < entry.moveCount; ++i) {

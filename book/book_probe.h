@@ -1,4 +1,4 @@
-// What the engine asks of the book: a move for a position, and its summary.
+// Probing the book for a move, and the book's statistics.
 #pragma once
 
 #include "board/board.h"
@@ -7,11 +7,11 @@
 
 namespace mirvo {
 
-/// Picks a legal book move for the position by weight at random and prints the
-/// entry's list. False when the book has none. The board is unchanged after.
+/// Chooses a legal book move at random by weight and prints the list of the
+/// position's moves. False if there is none. The board is unchanged afterwards.
 bool ProbeBook(OpeningBook& book, Board& board, Move& move);
 
-/// The "-bookstats" summary.
+/// Prints the summary of "-bookstats".
 void PrintBookStats(const OpeningBook& book);
 
 }  // namespace mirvo

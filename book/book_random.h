@@ -1,6 +1,5 @@
-// The book's random generator: an additive lagged-Fibonacci generator of 55
-// words. Start-up advances it by the clock, so games vary; nothing stores the
-// sequence.
+// The book's random generator: an additive lagged Fibonacci generator with 55
+// words of state. Start-up advances it by the clock, so that games vary.
 #pragma once
 
 #include <cstdint>
@@ -9,13 +8,13 @@ namespace mirvo {
 
 inline constexpr int nRandomWords = 55;
 
-/// The words that the generator starts from.
+/// The initial state of the generator.
 extern const std::uint32_t RandomSeedWords[nRandomWords];
 
-/// Next word of the book's random generator.
+/// Returns the next number.
 std::uint32_t NextRandom();
 
-/// Forgets the state: the next call starts from the seed words again (tests).
+/// Restarts the generator from the seed words (tests).
 void ResetRandom();
 
 }  // namespace mirvo

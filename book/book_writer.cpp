@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdio>
 #include <vector>
 
 #include "book/book_file.h"
+#include "shell/base/file.h"
 
 namespace mirvo {
 namespace {
@@ -39,11 +39,11 @@ void NormalizeEntry(BookEntry& entry) {
 
 struct SortKey {
   std::uint64_t key;
-  std::int32_t source;  // entry that belongs in this place
+  std::int32_t source;  // index of the entry that belongs here
 };
 
-// Moves every entry to its place along the cycles of the permutation, so that
-// no second buffer of entries is needed.
+// Permutes the entries in place, cycle by cycle, so that no second buffer of
+// entries is needed.
 void ApplyOrder(BookEntry* entries, std::vector<SortKey>& order) {
   for (std::size_t start = 0; start < order.size(); ++start) {
     const BookEntry first = entries[start];
@@ -90,7 +90,7 @@ void SortBook(OpeningBook& book) {
 }
 
 std::int32_t WriteBook(const OpeningBook& book, const char* path) {
-  std::FILE* file = std::fopen(path, "wb");
+  const File file = OpenFile(path, "wb");
   if (file == nullptr) return 0;
   std::int32_t nRecords = 0;
   for (std::int32_t i = 0; i < book.count; ++i) {
@@ -98,11 +98,10 @@ std::int32_t WriteBook(const OpeningBook& book, const char* path) {
     for (int m = 0; m < entry.moveCount; ++m) {
       if (entry.hits[m] < book.minHits) continue;
       const auto weight = static_cast<std::uint16_t>(entry.weights[m] & 0xFFFF);
-      WriteBookRecord(file, {entry.key, EncodeBookMove(entry.moves[m]), weight, 0});
+      WriteBookRecord(file.get(), {entry.key, EncodeBookMove(entry.moves[m]), weight, 0});
       ++nRecords;
     }
   }
-  std::fclose(file);
   return nRecords;
 }
 

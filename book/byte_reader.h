@@ -1,5 +1,5 @@
-// Buffered reading of a file byte by byte, much cheaper than the library's
-// call per byte. Used for book files and for games.
+// Buffered reading of a file byte by byte, much cheaper than a library call per
+// byte. Used for book files and PGN files.
 #pragma once
 
 #include <cstddef>
@@ -10,7 +10,7 @@ namespace mirvo {
 
 inline constexpr int endOfFile = -1;
 
-/// Borrows an open file; the opener closes it.
+/// Reads an open file; the caller closes it.
 class ByteReader {
  public:
   // cppcheck-suppress uninitMemberVar ; only bytes below `size` are ever read.
@@ -24,8 +24,8 @@ class ByteReader {
     return buffer[position++];
   }
 
-  /// The next `n` bytes in one piece, or null when they do not lie together in
-  /// the buffer; read them one by one then.
+  /// The next `n` bytes, or null if they are not contiguous in the buffer; then
+  /// read them one by one.
   const std::uint8_t* Take(std::size_t n) {
     if (position == size) Refill();
     if (size - position < n) return nullptr;
@@ -33,7 +33,7 @@ class ByteReader {
     return buffer + position - n;
   }
 
-  /// What Next will return, without taking it.
+  /// What Next would return.
   int Peek() {
     if (position == size && !Refill()) return endOfFile;
     return buffer[position];
@@ -43,7 +43,7 @@ class ByteReader {
   bool Refill() {
     position = 0;
     size = file == nullptr ? 0 : std::fread(buffer, 1, sizeof(buffer), file);
-    // The end is final, also on a terminal or a growing file.
+    // The end is final, even on a terminal or in a growing file.
     if (size == 0) file = nullptr;
     return size != 0;
   }

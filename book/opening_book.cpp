@@ -7,8 +7,8 @@
 namespace mirvo {
 namespace {
 
-// What makes two moves of an entry the same: the squares, whether they
-// promote, and the moving kind. The kind promoted to is not looked at.
+// Two moves of an entry are the same if their squares, their moving kind and
+// whether they promote are equal; the piece promoted to is not compared.
 constexpr Move bookMoveMask = fromToMask | (Move{7} << moveKindShift) | promotionFlag;
 
 }  // namespace

@@ -1,6 +1,5 @@
 #include "book/pgn_reader.h"
 
-#include <cstdio>
 #include <cstring>
 #include <string>
 #include <string_view>
@@ -10,16 +9,17 @@
 #include "board/make_move.h"
 #include "board/san.h"
 #include "book/pgn_scanner.h"
+#include "shell/base/file.h"
 #include "shell/base/output.h"
 
 namespace mirvo {
 namespace {
 
-// Follows the order of tags and moves in a file: which game a token belongs to
-// and what that game is worth. Shared by counting and reading.
+// Tracks which game a token belongs to, and the points of that game's result.
+// Shared by counting and reading.
 class GameTracker {
  public:
-  /// Takes a tag. True when it begins a new game.
+  /// Handles a tag. True when it starts a new game.
   bool TakeTag(const PgnScanner& scanner) {
     const bool newGame = hasMoves;
     if (!inTags) points[white] = points[black] = 0;
@@ -32,7 +32,7 @@ class GameTracker {
     return newGame;
   }
 
-  /// Takes a word and returns the text of the move in it; empty without one.
+  /// Handles a word and returns the text of the move in it, or an empty text.
   std::string_view TakeWord(const PgnScanner& scanner) {
     inTags = false;
     const char* word = MoveInWord(scanner.Word());
@@ -76,14 +76,14 @@ struct GamePlayer {
   }
 };
 
-std::FILE* OpenGames(const char* path) {
-  std::FILE* file = std::fopen(path, "r");
+File OpenGames(const char* path) {
+  File file = OpenFile(path, "r");
   if (file == nullptr) Output(output, "Problem reading opening file!!\n");
   return file;
 }
 
-// A pawn's text names its file first, and where that is not the file of the
-// square it goes to, only a capture can be meant.
+// Whether the candidate agrees with the stated origin file. A pawn's text begins
+// with its origin file, so "e4" is no capture from another file.
 bool ComesFromStatedFile(Move candidate, Move partial, const char* text) {
   const int from = FileOf(FromSquare(candidate));
   if ((partial & sanFileMark) != 0 && from != FileOf(FromSquare(partial))) return false;
@@ -113,9 +113,9 @@ Move MatchSan(Board& board, const char* text, Move& partial) {
 bool ReadPgnGames(const char* path, int plyLimit, GameReceiver receive, void* context,
                   std::int32_t& gameCount) {
   gameCount = 0;
-  std::FILE* file = OpenGames(path);
+  const File file = OpenGames(path);
   if (file == nullptr) return false;
-  PgnScanner scanner(file);
+  PgnScanner scanner(file.get());
   GameTracker tracker;
   static GamePlayer player;
   player.Begin();
@@ -134,15 +134,14 @@ bool ReadPgnGames(const char* path, int plyLimit, GameReceiver receive, void* co
     ++gameCount;
     receive(context, player.game);
   }
-  std::fclose(file);
   return true;
 }
 
 bool CountPgnGames(const char* path, std::int32_t& gameCount) {
   gameCount = 0;
-  std::FILE* file = OpenGames(path);
+  const File file = OpenGames(path);
   if (file == nullptr) return false;
-  PgnScanner scanner(file);
+  PgnScanner scanner(file.get());
   GameTracker tracker;
   for (PgnToken token = scanner.Next(); token != PgnToken::end; token = scanner.Next()) {
     if (token == PgnToken::word) {
@@ -152,7 +151,6 @@ bool CountPgnGames(const char* path, std::int32_t& gameCount) {
     }
   }
   if (tracker.HasMoves()) ++gameCount;
-  std::fclose(file);
   return true;
 }
 

@@ -19,8 +19,8 @@ bool EndsWord(int byte) {
 
 bool EndsLine(int byte) { return byte == endOfFile || byte == '\n' || byte == '\r'; }
 
-// The last characters of a text that streams by, enough to see whether one of
-// the short texts below has just ended.
+// The most recent characters of a stream, enough to see whether one of the short
+// texts below has just ended.
 class TextWindow {
  public:
   void Add(int byte) {
@@ -38,8 +38,7 @@ class TextWindow {
 
 }  // namespace
 
-// Zero bytes are passed over, which makes English text in 16-bit encodings
-// readable as it is.
+// Skips zero bytes, which makes English text in 16-bit encodings readable.
 int PgnScanner::NextCharacter() {
   if (atStart) SkipMark();
   int byte = bytes.Next();
@@ -53,8 +52,8 @@ int PgnScanner::PeekCharacter() {
   return bytes.Peek();
 }
 
-// The byte-order mark of an 8-bit or a 16-bit encoding. Its bytes mean nothing
-// else at the start of a game, so a part of one is passed over as well.
+// Skips the byte-order mark of UTF-8 or UTF-16. Its bytes mean nothing else at
+// the start of a game, so part of a mark is skipped as well.
 void PgnScanner::SkipMark() {
   atStart = false;
   while (bytes.Peek() == 0xEF || bytes.Peek() == 0xBB || bytes.Peek() == 0xBF ||
@@ -72,8 +71,8 @@ void PgnScanner::SkipLine() {
   }
 }
 
-// Variations nest, and comments in them may hold any bracket. A tag at the
-// start of a line ends a variation that nobody closed: the next game is here.
+// Variations nest, and comments in them may contain any bracket. A tag at the
+// start of a line ends an unclosed variation: it belongs to the next game.
 void PgnScanner::SkipVariation() {
   std::int64_t depth = 1;
   bool lineStart = false;
@@ -97,7 +96,7 @@ void PgnScanner::ReadTag() {
   tagHasResult = false;
   for (int byte = NextCharacter(); byte != endOfFile && byte != ']'; byte = NextCharacter()) {
     window.Add(byte);
-    // Only these four characters end one of the texts.
+    // Each of the texts ends with one of these four characters.
     if (byte == 't' && window.EndsWith("Result")) tagHasResult = true;
     if (byte == '0' && window.EndsWith("1-0")) whiteWins = true;
     if (byte == '1' && window.EndsWith("0-1")) blackWins = true;

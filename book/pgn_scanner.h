@@ -1,5 +1,5 @@
-// Cutting PGN text into tags and words. Comments, variations and encodings
-// that games in the wild come with are dealt with here; no chess is known.
+// Splits PGN text into tags and words. Handles comments, variations and the
+// encodings of real files; knows nothing of chess.
 #pragma once
 
 #include <cstdint>
@@ -8,24 +8,24 @@
 
 namespace mirvo {
 
-/// Longest word kept, terminator included; the rest of a longer one is skipped.
+/// Room for a word and its terminator; the rest of a longer word is skipped.
 inline constexpr int pgnWordCapacity = 64;
 
 enum class PgnToken { tag, word, end };
 
-/// Reads an open file from its beginning. Memory does not depend on the file:
-/// comments, variations and tags of any length are passed through.
+/// Reads an open file from its beginning. Its memory does not depend on the file:
+/// comments, variations and tags may have any length.
 class PgnScanner {
  public:
   explicit PgnScanner(std::FILE* file) : bytes(file) {}
 
-  /// Reads up to the next tag or word; `end` for ever after the last one.
+  /// Reads the next tag or word; after the last one always returns `end`.
   PgnToken Next();
 
   /// The word just read.
   const char* Word() const { return word; }
 
-  /// Whether the tag just read speaks of a result, and the points it gives:
+  /// Whether the tag just read contains "Result", and the points of that result:
   /// 2 for a win, 1 for a draw, else 0.
   bool TagHasResult() const { return tagHasResult; }
   std::int32_t WhitePoints() const { return whitePoints; }
@@ -49,9 +49,8 @@ class PgnScanner {
   std::int32_t blackPoints = 0;
 };
 
-/// The move in a word: behind a move number that is written together with it
-/// ("12.Nf3", "12...Nf6"). Null when no letter stands there: a bare number, a
-/// result, a "*", a "$5".
+/// The move in a word, after an attached move number ("12.Nf3", "12...Nf6"). Null
+/// if no letter follows: a bare number, a result, a "*", a "$5".
 const char* MoveInWord(const char* word);
 
 }  // namespace mirvo

@@ -1,5 +1,5 @@
-# The test library: Debian's own build of it, or, where programs for another
-# system are made, a build from the sources that Debian ships.
+# The test library: Debian's build of it or, for another system, a build from the
+# sources in Debian's package.
 if(NOT CMAKE_CROSSCOMPILING)
   find_package(GTest REQUIRED)
   return()
@@ -8,7 +8,7 @@ set(googletest_sources /usr/src/googletest CACHE PATH "Sources of GoogleTest")
 set(INSTALL_GTEST OFF)
 set(BUILD_GMOCK OFF)
 add_subdirectory(${googletest_sources} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
-# It is not what is measured.
+# Its speed does not matter.
 foreach(library gtest gtest_main)
   target_compile_options(${library} PRIVATE -O0)
 endforeach()

@@ -1,4 +1,4 @@
-# mirvo_layer(NAME USES layer... SOURCES file...): one static library a layer.
+# mirvo_layer(NAME USES layer... SOURCES file...): the static library of a layer.
 function(mirvo_layer name)
   cmake_parse_arguments(arg "" "" "SOURCES;USES" ${ARGN})
   add_library(${name} STATIC ${arg_SOURCES})

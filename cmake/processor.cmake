@@ -1,17 +1,28 @@
-# The processors that the program runs on, and optimisation by a profile of
-# earlier runs. Whatever is chosen here, every score and every node stays the
-# same to the bit.
+# The processors that the program runs on, and profile-guided optimisation. No choice
+# here may change a score or a node.
 set(MIRVO_ARCH "" CACHE STRING "Processor to build for, in the words of -march; empty: any x86-64")
 set_property(CACHE MIRVO_ARCH PROPERTY STRINGS "" native x86-64-v2 x86-64-v3)
 if(MIRVO_ARCH)
   target_compile_options(mirvo_flags INTERFACE -march=${MIRVO_ARCH})
 endif()
 
-# A program at a fixed address reads its tables, the attack sets above all, by
-# their addresses; one that may be loaded anywhere needs a register for each
-# table first, and a sixteenth more instructions in a search. Distributions that
-# want every program movable say ON, and get one from any compiler.
-option(MIRVO_PIE "Make the optimised program loadable at any address" OFF)
+# Without position-independent code, tables such as the attack sets are read directly
+# by address; position-independent code first needs the address in a register and
+# takes a sixteenth more instructions in a search.
+option(MIRVO_PIE "Make the optimised program position-independent" OFF)
+
+# Packages hold what a distribution expects of every program: position-independent
+# code, checks of the stack and of copies of memory, and a table of library functions
+# that is read-only once the program runs. docs/performance.md has the cost.
+option(MIRVO_HARDENED "Make the program as Debian makes its own; implies MIRVO_PIE" OFF)
+if(MIRVO_HARDENED)
+  set(MIRVO_PIE ON)
+  target_compile_definitions(mirvo_flags INTERFACE _FORTIFY_SOURCE=2)
+  target_compile_options(mirvo_flags INTERFACE -fstack-protector-strong -Werror=format-security)
+  # No object tells in which folder it was built.
+  target_compile_options(mirvo_flags INTERFACE -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
+  target_link_options(mirvo_flags INTERFACE -Wl,-z,relro,-z,now)
+endif()
 if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
   target_compile_options(mirvo_flags INTERFACE
     $<$<CONFIG:Release>:$<IF:$<BOOL:${MIRVO_PIE}>,-fPIE,-fno-pie>>)
@@ -19,10 +30,9 @@ if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
     $<$<CONFIG:Release>:$<IF:$<BOOL:${MIRVO_PIE}>,-pie,-no-pie>>)
 endif()
 
-# Two builds in one folder: the first program counts its branches as it runs and
-# leaves the counts beside its objects, the second is optimised by them
-# (bench/build_pgo.sh does all of it). Functions that the runs did not reach
-# keep the ordinary optimisation instead of being made small.
+# Two builds in one folder: the first program writes a profile beside its objects, the
+# second is optimised with it (bench/build_pgo.sh does both). Functions that the runs
+# did not reach keep the ordinary optimisation instead of being optimised for size.
 set(MIRVO_PGO "" CACHE STRING "Profile: generate, use, or empty for none")
 set_property(CACHE MIRVO_PGO PROPERTY STRINGS "" generate use)
 if(MIRVO_PGO STREQUAL "generate")

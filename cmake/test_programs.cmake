@@ -1,47 +1,58 @@
 # GoogleTest programs: how they are compiled and how CTest runs them.
 
-# The engine is tested as it is shipped, with all optimisation; most tests only
-# call it, and compile in half the time without (measured over one stage:
-# docs/testing.md). Their headers, the test library's above all, are compiled
-# once for all of them.
+# The engine is tested as it is shipped, with full optimisation. The tests themselves
+# only call it and compile in half the time without. Their headers, above all those of
+# the test library, are precompiled once for all of them.
 add_library(mirvo_test_flags INTERFACE)
 target_compile_options(mirvo_test_flags INTERFACE $<$<CONFIG:Release,Sanitize>:-O0>)
 if(WIN32)
-  # Objects for Windows count their sections in 16 bits otherwise, and every
-  # instance of a template has one.
+  # Otherwise objects for Windows have at most 65,535 sections, and every template
+  # instance needs one.
   target_compile_options(mirvo_test_flags INTERFACE -Wa,-mbig-obj)
 endif()
 target_compile_definitions(mirvo_test_flags INTERFACE MIRVO_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
 target_link_libraries(mirvo_test_flags INTERFACE mirvo_flags mirvo_warnings GTest::gtest)
+if(MIRVO_EMULATED)
+  target_compile_definitions(mirvo_test_flags INTERFACE MIRVO_EMULATED)
+endif()
 
 file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/test_headers.cpp CONTENT "// Only its headers matter.\n")
 add_library(test_headers OBJECT ${CMAKE_BINARY_DIR}/test_headers.cpp)
 target_link_libraries(test_headers PRIVATE mirvo_test_flags)
+set_target_properties(test_headers PROPERTIES MIRVO_IS_TEST ON)
 target_precompile_headers(test_headers PRIVATE
   <gtest/gtest.h> <algorithm> <array> <cstdint> <cstring> <deque> <filesystem> <fstream>
   <functional> <iterator> <map> <memory> <ostream> <random> <set> <sstream> <string> <utility>
   <vector>)
 
-# So many sources of a program are compiled as one, unless CMAKE_UNITY_BUILD
-# says otherwise.
+# Number of a program's sources compiled as one, unless CMAKE_UNITY_BUILD is set.
 set(sources_together 7)
+
+# The programs that an emulated build has: what another processor could compute
+# differently. How the system's memory and processes behave is the emulator's there.
+set(emulated_programs
+  board_test book_test check_info_test eval_test hash_table_test reference_search_test
+  search_test signature_test startup_tables_test)
 
 # mirvo_test(NAME USES layer... SOURCES file... [SEPARATE file...] [LABELS label...]
 #            [SHARDS count] [COST seconds] [ALONE filter...])
-# One GoogleTest program, which links the layers named and nothing above them,
-# and is one test: all its cases run in one process, in an order of chance. What
-# it prints first names the seed of that order (--gtest_random_seed repeats it).
-#   SEPARATE  sources whose names others of the program have as well: compiled
-#             by themselves
-#   SHARDS    so many tests, each with its share of the cases
-#   COST      what to start first where no earlier run tells
-#   ALONE     cases that need a process of their own
+# One GoogleTest program, which links the named layers and nothing above them, and is
+# one test: all its cases run in one process, in random order. The first line of its
+# output names the seed of that order (--gtest_random_seed repeats it).
+#   SEPARATE  sources with names that also occur in others: compiled by themselves
+#   SHARDS    number of tests among which the cases are divided
+#   COST      seconds, for starting long tests first when no earlier run is known
+#   ALONE     cases that need their own process
 # The results of single cases are in gtest-results/ of the build folder.
 function(mirvo_test name)
+  if(MIRVO_EMULATED AND NOT name IN_LIST emulated_programs)
+    return()
+  endif()
   cmake_parse_arguments(arg "" "SHARDS;COST" "SOURCES;SEPARATE;USES;LABELS;ALONE" ${ARGN})
   add_executable(${name} ${arg_SOURCES} ${arg_SEPARATE})
   target_link_libraries(${name} PRIVATE mirvo_test_flags ${arg_USES} GTest::gtest_main)
   target_precompile_headers(${name} REUSE_FROM test_headers)
+  set_target_properties(${name} PROPERTIES MIRVO_IS_TEST ON)
   if(NOT DEFINED CMAKE_UNITY_BUILD)
     set_target_properties(${name} PROPERTIES
       UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE ${sources_together})
@@ -73,10 +84,10 @@ function(mirvo_test name)
 endfunction()
 
 # mirvo_test_process(PROGRAM TEST [argument...]): one run of a test program.
-# For mirvo_test only, whose labels and costs it takes.
+# For use in mirvo_test only, whose labels and costs it uses.
 function(mirvo_test_process program test)
   set(results ${CMAKE_BINARY_DIR}/gtest-results/${test}.xml)
-  if(CMAKE_CROSSCOMPILING)
+  if(WIN32)
     # Wine's name of the root folder.
     set(results "Z:${results}")
   endif()
@@ -86,7 +97,7 @@ function(mirvo_test_process program test)
   if(arg_COST)
     set_tests_properties(${test} PROPERTIES COST ${arg_COST})
   endif()
-  if(CMAKE_CROSSCOMPILING)
+  if(WIN32)
     set_tests_properties(${test} PROPERTIES FIXTURES_REQUIRED wine)
   endif()
 endfunction()

@@ -1,4 +1,4 @@
-# Warnings for our own sources, and the flags that every object needs.
+# Warnings for the project's sources, and the flags that every object needs.
 add_library(mirvo_warnings INTERFACE)
 target_compile_options(mirvo_warnings INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wformat=2)

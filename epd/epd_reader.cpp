@@ -11,26 +11,27 @@
 #include "board/fen.h"
 #include "board/key_history.h"
 #include "board/san.h"
+#include "shell/base/file.h"
 #include "shell/base/text.h"
 
 namespace mirvo {
 namespace {
 
-/// A piece of text with an unknown operation starts a position when it is
-/// longer than this, its ";" included.
+/// A piece of text with an unknown operation starts a position if it is longer
+/// than this, including its ";".
 constexpr std::size_t longestUnknownOperation = 10;
 
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
-/// Operations that say nothing about the moves to find.
+/// Operations that contain no best moves.
 constexpr std::string_view ignoredOperations[] = {"id", "pv", "acd", "acn", "acs", "ce"};
 
-/// A NUL byte separates like a blank, so that it can end no text early.
+/// A NUL byte separates words like a blank, so that it does not end the text.
 bool IsSuiteBlank(char c) { return c == '\0' || IsBlank(c); }
 
 bool IsMoveSeparator(char c) { return c == ',' || IsSuiteBlank(c); }
 
-/// Takes the next word off the front of `text`; empty when none is left.
+/// Removes the next word from the front of `text`; empty when none is left.
 std::string_view NextWord(std::string_view& text, bool (*isSeparator)(char)) {
   std::size_t begin = 0;
   while (begin < text.size() && isSeparator(text[begin])) ++begin;
@@ -41,7 +42,7 @@ std::string_view NextWord(std::string_view& text, bool (*isSeparator)(char)) {
   return word;
 }
 
-/// The word as the bounded C string that the board's readers take.
+/// The word as the bounded C string that the FEN functions need.
 struct FenWord {
   explicit FenWord(std::string_view word) : text{} {
     std::memcpy(text, word.data(), std::min(word.size(), sizeof text - 1));
@@ -49,7 +50,7 @@ struct FenWord {
   char text[fenWordCapacity];
 };
 
-/// A word of marks alone gives a move of no kind, which agrees with no answer.
+/// A word without a move gives a move of no kind, which matches no answer.
 Move ParseMove(std::string_view word, int side) {
   const std::string_view text = MoveTextOf(word);
   if (text.empty()) return Move{unknownKind} << moveKindShift;
@@ -82,9 +83,9 @@ void AddPointEntries(std::string_view pairs, SuitePosition& position) {
   }
 }
 
-/// The square of an en-passant word belongs to Black on every rank but the
-/// seventh, on the third too: the engine's suites have always been scored with
-/// this rule, so it stays. The rank is masked onto the board.
+/// Reads an en-passant square and the side whose pawn passed it: White for the
+/// seventh rank, Black for any other, the third included. Kept so that suites
+/// score as they always have. The rank is masked onto the board.
 void ReadEnPassant(std::string_view word, SuitePosition& position) {
   position.epRank = position.epFile = position.epColour = noEnPassant;
   if (word.empty() || word[0] < 'a' || word[0] > 'h') return;
@@ -94,8 +95,8 @@ void ReadEnPassant(std::string_view word, SuitePosition& position) {
   position.epColour = static_cast<std::uint8_t>(rank == 6 ? white : black);
 }
 
-/// Reads a position line: four fields, then perhaps "bm" or "am" with moves.
-/// `scratch` is any board.
+/// Reads a position line: four fields, then optionally "bm" or "am" with moves.
+/// `scratch` is overwritten.
 SuitePosition ReadPositionLine(std::string_view line, Board& scratch) {
   SuitePosition position{};
   ClearBoard(scratch);
@@ -106,7 +107,7 @@ SuitePosition ReadPositionLine(std::string_view line, Board& scratch) {
   ReadCastlingRights(FenWord(NextWord(line, IsSuiteBlank)).text, scratch);
   position.castling = scratch.castling;
   ReadEnPassant(NextWord(line, IsSuiteBlank), position);
-  // Moves to avoid are scored as best moves; suites that mix both count on it.
+  // Moves to avoid are scored like best moves.
   const std::string_view operation = NextWord(line, IsSuiteBlank);
   if (operation == "bm" || operation == "am") AddBestMoves(line, position);
   return position;
@@ -117,8 +118,8 @@ bool IsIgnoredOperation(std::string_view piece) {
                      [piece](std::string_view name) { return piece.starts_with(name); });
 }
 
-/// Handles one piece of text that ends with ";". False when the suite is full
-/// and the piece would start another position.
+/// Handles a piece of text that ends with ";". False when the suite is full and
+/// the piece would start another position.
 bool ReadPiece(std::string_view piece, Suite& suite, Board& scratch) {
   while (!piece.empty() && IsSuiteBlank(piece.front())) piece.remove_prefix(1);
   if (IsIgnoredOperation(piece)) return true;
@@ -141,14 +142,13 @@ bool ReadPiece(std::string_view piece, Suite& suite, Board& scratch) {
 
 /// Appends the whole file to `text`; false when it cannot be read.
 bool ReadWholeFile(const char* fileName, std::string& text) {
-  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(fileName, "rb"),
-                                                             std::fclose);
+  const File file = OpenFile(fileName, "rb");
   if (!file) return false;
   char chunk[65536];
   for (;;) {
     const std::size_t n = std::fread(chunk, 1, sizeof chunk, file.get());
     text.append(chunk, n);
-    // A folder opens but cannot be read; to the user it is no file either.
+    // A folder can be opened but not read.
     if (n < sizeof chunk) return std::ferror(file.get()) == 0;
   }
 }

@@ -1,6 +1,6 @@
-// Reads an EPD test suite: text cut at semicolons into positions, their best
-// moves and the points given for single moves. The reader validates nothing
-// and reports nothing but a file that cannot be read.
+// Reads an EPD test suite: text divided by semicolons into positions, their best
+// moves and the points for single moves. The only error is a file that cannot be
+// read; nothing else is validated.
 #pragma once
 
 #include <cstdint>
@@ -12,26 +12,26 @@
 
 namespace mirvo {
 
-/// Positions kept of one suite; the rest of the file is not read.
+/// Most positions of a suite; further ones are ignored.
 inline constexpr int suiteCapacity = 1000;
 
-/// Room for the text of a best move, terminator included; longer texts are cut.
+/// Room for the text of a best move and its terminator; longer texts are cut.
 inline constexpr int bestMoveTextCapacity = 16;
 
-/// A move that a suite calls best (or one to avoid, which counts the same).
+/// A best move of a position, or one to avoid, which counts the same.
 struct BestMove {
-  Move move;  // partial: moving kind and to-square are what is compared
+  Move move;  // partial: moving kind and target square, which are compared
   char text[bestMoveTextCapacity];
 };
 
-/// Points that a suite gives for one move.
+/// The points for one move.
 struct PointEntry {
   Move move;  // partial, as above
   std::int32_t points;
 };
 
-/// One position of a suite. It keeps only what the file states, a Board being
-/// far too large to keep a thousand of.
+/// One position of a suite. Stores only what the file states: a thousand Boards
+/// would be far too large.
 struct SuitePosition {
   std::uint64_t pieces[nPieces];
   CastlingFlags castling;
@@ -45,14 +45,14 @@ struct SuitePosition {
 
 using Suite = std::vector<SuitePosition>;
 
-/// The positions of a suite's text, at most suiteCapacity.
+/// Reads the positions of a suite's text, at most suiteCapacity.
 Suite ParseSuite(std::string_view text);
 
 /// Reads a suite file. False when the file cannot be opened or read.
 bool ReadSuite(const char* fileName, Suite& suite);
 
-/// Puts a suite position on a game board as a new game that begins there: the
-/// key is computed and starts the key history, no move has been made.
+/// Sets up a suite position as the start of a new game: computes the key and
+/// starts the key history.
 void SetUpSuitePosition(const SuitePosition& position, Board& board);
 
 }  // namespace mirvo

@@ -22,15 +22,15 @@
 namespace mirvo {
 namespace {
 
-/// What a run has come to so far.
+/// The results of a run so far.
 struct SuiteTotals {
-  std::int32_t analysed = 0;  // positions passed, skipped ones included
+  std::int32_t analysed = 0;  // positions so far, including skipped ones
   std::int32_t correct = 0;
   std::int64_t points = 0;
 };
 
-/// Forgets everything that earlier positions taught the search, so that a
-/// result does not depend on the position's place in the suite.
+/// Clears everything that the search keeps from earlier positions, so that a
+/// result does not depend on a position's place in the suite.
 void ClearSearchMemory() {
   ClearHistory();
   ClearKillers();
@@ -56,15 +56,16 @@ void PrintBestMoves(const SuitePosition& position) {
   Output(output, "(%s) - ", texts.c_str());
 }
 
-/// Searches one position from a cold start and prints its result line, all but
-/// the running totals. `number` counts the file's positions from 1.
+/// Searches one position from empty tables and prints its result line without the
+/// totals. `number` counts the positions of the file from 1.
 Verdict AnalysePosition(const SuitePosition& position, std::int32_t number, Board& board) {
-  const bool quiet = engineConfig.Quiet != 0;
+  const bool quiet = engineConfig.Quiet;
   SetUpSuitePosition(position, board);
   PrintBoard(board, BoardLayout::wide, quiet);
   ClearSearchMemory();
   if (quiet) Output(output, "Pos %d ", number);
   SearchRecord record = PrepareSearch(board);
+  record.limits.reportStyle = ReportStyle::console;
   const Move answer = Think(record).best;
   PrintAnswer(answer);
   const Verdict verdict = JudgeAnswer(position, answer);
@@ -84,16 +85,16 @@ void PrintTotals(const SuiteTotals& totals, std::int32_t count) {
          Saturate(totals.points));
 }
 
-/// From now on searches ask neither the book nor the input.
-void SearchAlone() {
-  searchFlags.BookInUse = 0;
-  searchFlags.NoInputPolling = 1;
+/// From now on searches neither probe the book nor poll the input.
+void DisableBookAndInput() {
+  searchFlags.BookInUse = false;
+  searchFlags.NoInputPolling = true;
 }
 
 }  // namespace
 
 void RunSuite(const char* file, std::int32_t first, std::int32_t count) {
-  SearchAlone();
+  DisableBookAndInput();
   Suite suite;
   if (!ReadSuite(file, suite)) {
     Output(output, "File \"%s\" not found.\n", file);
@@ -103,7 +104,7 @@ void RunSuite(const char* file, std::int32_t first, std::int32_t count) {
 }
 
 void RunSuite(const Suite& suite, const char* name, std::int32_t first, std::int32_t count) {
-  SearchAlone();
+  DisableBookAndInput();
   const auto nRead = static_cast<std::int32_t>(suite.size());
   count = std::min(count, nRead);
   Output(output, "Analyzing %s starting at position %d for %d position(s)\n", name, first, count);

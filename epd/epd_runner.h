@@ -8,10 +8,10 @@
 namespace mirvo {
 
 /// Analyses `count` positions of `file` from index `first` on and prints the
-/// results. A missing file is reported and ends the run.
+/// results. Reports a missing file and returns.
 void RunSuite(const char* file, std::int32_t first, std::int32_t count);
 
-/// The same with positions that were read already; `name` is only printed.
+/// The same with positions already read; `name` is only printed.
 void RunSuite(const Suite& suite, const char* name, std::int32_t first, std::int32_t count);
 
 }  // namespace mirvo

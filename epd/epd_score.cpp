@@ -28,8 +28,8 @@ Verdict JudgeAnswer(const SuitePosition& position, Move answer) {
                   [answer](const BestMove& best) { return Agrees(best.move, answer); });
   const std::int32_t points = PointsOf(position, answer);
   if (correct) return {true, std::min(points, pointLimit)};
-  // A wrong answer keeps only what its points have above the limit; up to the
-  // limit it keeps them all. Old results compare only while this stays.
+  // A wrong answer with points above the limit loses as many as the limit; kept so
+  // that results stay comparable with earlier ones.
   return {false, points > pointLimit ? points - pointLimit : points};
 }
 

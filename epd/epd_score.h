@@ -1,4 +1,4 @@
-// Judges the engine's answer to a suite position.
+// Scores the engine's answer to a suite position.
 #pragma once
 
 #include <cstdint>
@@ -17,9 +17,9 @@ struct Verdict {
   std::int32_t points;
 };
 
-/// Compares `answer` with the position's moves by moving kind and to-square
-/// only, so a piece of the same kind from another square is right too. The
-/// points of all matching entries add up. noMove is always wrong.
+/// Compares `answer` with the position's moves by moving kind and target square
+/// only, so a piece of the same kind from another square is right too. Adds the
+/// points of all matching entries. noMove is always wrong.
 Verdict JudgeAnswer(const SuitePosition& position, Move answer);
 
 }  // namespace mirvo

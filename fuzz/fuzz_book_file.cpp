@@ -1,4 +1,4 @@
-// Fuzzer: invented input through ExerciseBookFile.
+// Fuzzer: runs generated inputs through ExerciseBookFile.
 #include <cstdint>
 #include <cstdlib>
 

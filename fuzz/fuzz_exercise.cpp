@@ -1,4 +1,4 @@
-// Fuzzer: invented input through the exercise that the build names.
+// Fuzzer: runs generated inputs through the exercise that the build names.
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>

@@ -1,4 +1,4 @@
-// Fuzzer: invented input through ExerciseGames.
+// Fuzzer: runs generated inputs through ExerciseGames.
 #include <cstdint>
 #include <cstdlib>
 

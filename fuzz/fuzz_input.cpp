@@ -17,7 +17,7 @@ std::string ScratchPath(const char* name) {
       .string();
 }
 
-/// A file of this process's own, which is removed at its end.
+/// A file for this process, removed at its end.
 struct ScratchFile {
   explicit ScratchFile(const char* name) : path(ScratchPath(name)) {}
   ~ScratchFile() { std::remove(path.c_str()); }

@@ -1,4 +1,4 @@
-// What the fuzzers share: an input as a file, and silence on standard output.
+// Helpers for the fuzzers: an input as a file, and no output on the console.
 #pragma once
 
 #include <cstddef>
@@ -7,7 +7,7 @@
 
 namespace mirvo {
 
-/// Prepares the tables and sends what the engine prints nowhere. Once.
+/// Builds the tables and silences the engine's output, once.
 void PrepareFuzzing();
 
 /// Writes the input to this process's scratch file and returns its path.

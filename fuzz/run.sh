@@ -1,8 +1,8 @@
 #!/bin/bash
-# Runs fuzzers one after the other, each for the same time or for the same
-# number of inputs, with the stored corpus and what earlier runs found to begin
-# with. What is found goes to build/fuzz/found/NAME: new inputs to "new",
-# failures to "failed". The last lines printed tell how each ended.
+# Runs fuzzers one after the other, each for the same time or the same number of
+# inputs, starting from the stored corpus and what earlier runs found. Results go
+# to build/fuzz/found/NAME: new inputs to "new", failures to "failed". The last
+# lines printed say how each fuzzer ended.
 #
 #   fuzz/run.sh 660                    all of them, 11 minutes each
 #   fuzz/run.sh 60 fen uci             two of them
@@ -19,7 +19,7 @@ names=("$@")
 [ ${#names[@]} -gt 0 ] ||
   names=(fen coordinates algebraic config command_line suite uci xboard process games book_file)
 
-# The inputs of a full round: the quicker a fuzzer, the more it gets.
+# The inputs of a full round: faster fuzzers get more.
 inputs_of_a_round() {
   case $1 in
     algebraic | config) echo 4000000 ;;
@@ -42,8 +42,8 @@ limit_of() {
 
 cmake --preset fuzz >/dev/null && cmake --build --preset fuzz || exit 1
 
-# Files of the exercises are better written to memory than to a disk. Freed
-# memory is kept from use for a while, but not so much that all of it is new.
+# Keeps the exercises' files in memory. Limits the quarantine of freed memory, so
+# that most memory is reused.
 [ ! -w /dev/shm ] || export TMPDIR=/dev/shm
 export ASAN_OPTIONS=quarantine_size_mb=8:malloc_context_size=4
 
@@ -57,7 +57,7 @@ for name in "${names[@]}"; do
     book_file) seeds=tests/book/corpus/books ;;
     *) seeds=tests/fuzz/corpus/$name ;;
   esac
-  # Long inputs take time: a session for every line, a game for every move.
+  # Long inputs take long: a session for every line, a game for every move.
   case $name in
     uci | xboard | process) length=256 ;;
     games | suite) length=512 ;;
@@ -65,8 +65,8 @@ for name in "${names[@]}"; do
   esac
   options=("$(limit_of "$name")" -max_len=$length -rss_limit_mb=2048 -close_fd_mask=1 -entropic=0 -reload=0
     -print_final_stats=1 -artifact_prefix="$found/failed/")
-  # When it comes to speak XBoard the engine takes the alarm signal, by which
-  # libFuzzer would notice an input that takes too long.
+  # Under XBoard the engine uses the alarm signal, with which libFuzzer would notice
+  # slow inputs.
   [ "$name" != process ] || options+=(-timeout=0)
   [ ! -e "fuzz/dictionaries/$name.dict" ] || options+=(-dict="fuzz/dictionaries/$name.dict")
   nice -n 15 "build/fuzz/fuzz/fuzz_$name" "${options[@]}" "$found/new" "$seeds" >"$found/log" 2>&1

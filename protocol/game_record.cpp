@@ -2,6 +2,9 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <utility>
+
+#include "shell/base/file.h"
 
 namespace mirvo {
 
@@ -9,8 +12,8 @@ void StartRecord(FinishedGame& record, const GameTags& tags) {
   ReleaseRecord(record);
   record.moveText = static_cast<char*>(std::calloc(moveTextBytes, 1));
   record.tags = &tags;
-  record.headerOpen = 1;
-  record.movesOpen = 1;
+  record.headerOpen = true;
+  record.movesOpen = true;
 }
 
 void ReleaseRecord(FinishedGame& record) {
@@ -21,12 +24,7 @@ void ReleaseRecord(FinishedGame& record) {
 namespace {
 
 /// A file that exists but cannot be opened is not free.
-bool NameIsFree(const char* path) {
-  std::FILE* const file = std::fopen(path, "r");
-  if (file == nullptr) return errno == ENOENT;
-  std::fclose(file);
-  return false;
-}
+bool NameIsFree(const char* path) { return OpenFile(path, "r") == nullptr && errno == ENOENT; }
 
 }  // namespace
 
@@ -48,14 +46,14 @@ void BuildHeader(const GameTags& tags, char* text) {
 }
 
 void WriteGameFile(FinishedGame& record, const char* path, bool isNew) {
-  record.file = std::fopen(path, "w");
-  if (record.file == nullptr) return;
+  File file = OpenFile(path, "w");
+  if (file == nullptr) return;
+  record.file = file.get();
   char header[headerCapacity];
   BuildHeader(*record.tags, header);
   std::fprintf(record.file, "%s\n\n", header);
   std::fprintf(record.file, "%s\n\n\n", record.moveText == nullptr ? "" : record.moveText);
-  const bool failed = std::ferror(record.file) != 0;
-  const bool isWhole = std::fclose(record.file) == 0 && !failed;
+  const bool isWhole = CloseWritten(std::move(file));
   record.file = nullptr;
   if (isNew && !isWhole) std::remove(path);
 }

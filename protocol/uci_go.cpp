@@ -17,8 +17,8 @@ namespace {
 
 bool Occurs(const char* text, const char* keyword) { return std::strstr(text, keyword) != nullptr; }
 
-/// Reads the number one character behind the first occurrence of `keyword`,
-/// anywhere in the text. Without the keyword `value` stays.
+/// Reads the number one character after the first occurrence of `keyword`, anywhere in
+/// the text. Without the keyword `value` does not change.
 void ReadKeyword(const char* text, const char* keyword, std::int32_t& value) {
   const char* found = std::strstr(text, keyword);
   if (found == nullptr) return;
@@ -36,29 +36,29 @@ void ReadClocks(UciSession& session, const char* text) {
   ReadKeyword(text, "movestogo", session.movesToGo);
 }
 
-void AllotTime(const UciSession& session) {
+void AllotTime(const UciSession& session, SearchLimits& limits) {
   const bool isWhite = session.UciSideToMove == white;
-  AllocateTime(engineConfig, session.movesToGo, isWhite ? session.whiteTime : session.blackTime,
+  AllocateTime(limits, session.movesToGo, isWhite ? session.whiteTime : session.blackTime,
                isWhite ? session.whiteIncrement : session.blackIncrement);
 }
 
-/// The clock of the side to move on the board. It runs down whichever clock the
-/// time is allotted from.
+/// The clock of the side to move on the board, which runs during the search, even if
+/// the time is allotted from the other clock.
 OwnClock ClockOfMover(const UciSession& session) {
   const bool isWhite = gameBoard.sideToMove == white;
   return {isWhite ? session.whiteTime : session.blackTime,
           session.clockReceived[gameBoard.sideToMove]};
 }
 
-/// Whether the running "go" has nothing but a command to wait for.
+/// Whether only a command can release the best move of the running "go".
 bool NeedsCommand(const UciSession& session) {
-  if (session.answerRule == AnswerRule::onPonderEnd) return searchFlags.pondering != 0;
+  if (session.answerRule == AnswerRule::onPonderEnd) return searchFlags.pondering;
   return session.answerRule == AnswerRule::onCommand;
 }
 
-/// Keeps the best move of a search that finished early until it may be told.
+/// Delays the best move of a search that finished early until it may be printed.
 void DelayBestMove(const UciSession& session) {
-  while (session.waitForInput != nullptr && NeedsCommand(session) && searchFlags.StopSearch == 0) {
+  while (session.waitForInput != nullptr && NeedsCommand(session) && !searchFlags.StopSearch) {
     session.waitForInput();
   }
 }
@@ -67,79 +67,78 @@ void PrintBestMove(const SearchResult& result) {
   char best[moveTextCapacity] = "0000";
   char expected[moveTextCapacity] = "";
   if (result.best != noMove) MoveToCoordinates(result.best, best);
-  const bool mayPonder = engineConfig.Ponder != 0 && searchFlags.BookInUse == 0;
+  const bool mayPonder = engineConfig.Ponder != 0 && !searchFlags.BookInUse;
   const bool tellsReply = mayPonder && result.ponder != noMove;
   if (tellsReply) MoveToCoordinates(result.ponder, expected);
-  // Without an expected reply the line still ends with the blank before it.
+  // Without an expected reply the line ends with a blank.
   Output(output, "bestmove %s %s%s\n", best, tellsReply ? "ponder " : "", expected);
 }
 
-/// Searches the game board within the limits that are set, makes the move and
-/// answers.
+/// Searches the game board within the record's limits, makes the move and answers.
 void SearchAndAnswer(UciSession& session, SearchRecord& record) {
+  StoreTimeLimits(engineConfig, record.limits);
+  searchFlags.StopSearch = false;
+  searchFlags.pondering = record.limits.ponder;
+  session.running = &record.limits;
   const SearchResult result = session.think(record);
   DelayBestMove(session);
+  session.running = nullptr;
   session.answerRule = AnswerRule::whenDone;
-  searchFlags.pondering = 0;
-  session.LastMoveFlagged = (result.best & mateMark) != 0 ? 1 : 0;
+  searchFlags.pondering = false;
+  session.LastMoveFlagged = (result.best & mateMark) != 0;
   if (result.best != noMove) MakeMove(gameBoard, result.best & ~mateMark);
   PrintBestMove(result);
-}
-
-/// Searches for and prints the best move of a "go ponder" that was declined.
-void GivePendingBestMove(UciSession& session) {
-  session.bestMovePending = 0;
-  searchFlags.StopSearch = 0;
-  SearchRecord record = PrepareSearch(gameBoard);
-  SearchAndAnswer(session, record);
 }
 
 }  // namespace
 
 void Go(UciSession& session, const char* text) {
-  session.bestMovePending = 0;
+  session.bestMovePending = false;
   ReadClocks(session, text);
-  const bool infinite = Occurs(text, "infinite");
-  const bool ponders = Occurs(text, "ponder");
-  engineConfig.InfiniteThinkingTime = infinite ? 1 : 0;
-  if (ponders && session.LastMoveFlagged != 0) {
-    session.bestMovePending = 1;
+  SearchRecord record = PrepareSearch(gameBoard);
+  SearchLimits& limits = record.limits;
+  limits.infinite = Occurs(text, "infinite");
+  limits.ponder = Occurs(text, "ponder");
+  StoreTimeLimits(engineConfig, limits);
+  if (limits.ponder && session.LastMoveFlagged) {
+    session.bestMovePending = true;
     return;
   }
-  if (ponders) engineConfig.InfiniteThinkingTime = 1;
-  searchFlags.pondering = ponders ? 1 : 0;
-  session.answerRule = ponders    ? AnswerRule::onPonderEnd
-                       : infinite ? AnswerRule::onCommand
-                                  : AnswerRule::whenDone;
-
-  SearchRecord record = PrepareSearch(gameBoard);
-  if (Occurs(text, "depth")) {
-    ReadKeyword(text, "depth", record.limits.depth);
-    engineConfig.InfiniteThinkingTime = 1;
-  }
-  searchFlags.StopSearch = 0;
-  AllotTime(session);
-  SetDeadline(engineConfig, ClockOfMover(session));
+  session.answerRule = limits.ponder     ? AnswerRule::onPonderEnd
+                       : limits.infinite ? AnswerRule::onCommand
+                                         : AnswerRule::whenDone;
+  // Also without a clock: pondering and searches limited by depth.
+  limits.infinite |= limits.ponder || Occurs(text, "depth");
+  ReadKeyword(text, "depth", limits.depth);
+  AllotTime(session, limits);
+  SetDeadline(limits, engineConfig.MoveOverhead, ClockOfMover(session));
   SearchAndAnswer(session, record);
 }
 
 void EndSearchWithoutEnd(const UciSession& session) {
-  if (NeedsCommand(session)) searchFlags.StopSearch = 1;
+  if (NeedsCommand(session)) searchFlags.StopSearch = true;
 }
 
 void Stop(UciSession& session) {
-  searchFlags.StopSearch = 1;
-  if (session.bestMovePending == 0) return;
-  // A search without time: it ends at its first look at the clock.
-  engineConfig.InfiniteThinkingTime = 0;
-  engineConfig.FixedTimePerMove = 0;
-  GivePendingBestMove(session);
+  searchFlags.StopSearch = true;
+  if (!session.bestMovePending) return;
+  session.bestMovePending = false;
+  // A search without time ends at its first reading of the clock.
+  SearchRecord declined = PrepareSearch(gameBoard);
+  declined.limits.infinite = false;
+  declined.limits.milliseconds = 0;
+  SearchAndAnswer(session, declined);
 }
 
 void PonderHitCommand(UciSession& session) {
-  PonderHit(engineConfig, session.movesToGo, session.whiteTime, session.whiteIncrement);
-  SetDeadline(engineConfig, ClockOfMover(session));
-  if (session.bestMovePending != 0) GivePendingBestMove(session);
+  SearchRecord declined = PrepareSearch(gameBoard);
+  SearchLimits& limits = session.running != nullptr ? *session.running : declined.limits;
+  PonderHit(limits, session.movesToGo, session.whiteTime, session.whiteIncrement);
+  SetDeadline(limits, engineConfig.MoveOverhead, ClockOfMover(session));
+  StoreTimeLimits(engineConfig, limits);
+  if (!session.bestMovePending) return;
+  session.bestMovePending = false;
+  SearchAndAnswer(session, declined);
 }
 
 }  // namespace mirvo

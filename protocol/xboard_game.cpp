@@ -23,24 +23,24 @@ constinit XBoardGame xboardGame;
 
 namespace {
 
-/// A book that holds anything is asked again in every new game.
+/// A book that is not empty is probed again in every new game.
 void OpenBookAgain() {
   if (openingBook.count > 0) {
     engineConfig.UseOpeningBook = 1;
-    searchFlags.BookInUse = 1;
+    searchFlags.BookInUse = true;
   }
 }
 
 void ClearGameState(XBoardGame& game) {
   game.engineColour = black;
-  game.force = 0;
-  game.gameInProgress = 0;
-  game.clockReceived = 0;
-  game.computerOpponent = 0;
+  game.force = false;
+  game.gameInProgress = false;
+  game.clockReceived = false;
+  game.computerOpponent = false;
   game.ownRating = 0;
   game.opponentRating = 0;
   game.tags = GameTags{};
-  game.gameStarted = 0;
+  game.gameStarted = false;
 }
 
 void WriteRating(char (&tag)[tagCapacity], std::int32_t rating) {
@@ -60,8 +60,8 @@ void BeginXBoardGame(XBoardGame& game) {
   ClearGameState(game);
   gameCounters = GameCounters{};
   xboardPonder = XBoardPonder{};
-  searchFlags.StopSearch = 0;
-  searchFlags.pondering = 0;
+  searchFlags.StopSearch = false;
+  searchFlags.pondering = false;
   OpenBookAgain();
   ClearHistory();
   HashPrefaultFor(newGamePrefaultTime);
@@ -69,7 +69,7 @@ void BeginXBoardGame(XBoardGame& game) {
 }
 
 void FillGameHeader(XBoardGame& game) {
-  if (game.gameStarted != 0) return;
+  if (game.gameStarted) return;
   const bool engineIsWhite = game.engineColour == white;
   GameTags& tags = game.tags;
   auto& ownName = engineIsWhite ? tags.white : tags.black;
@@ -80,9 +80,9 @@ void FillGameHeader(XBoardGame& game) {
   WriteRating(engineIsWhite ? tags.blackElo : tags.whiteElo, game.opponentRating);
   CopyText(engineIsWhite ? tags.whiteType : tags.blackType, tagCapacity, "program");
   CopyText(engineIsWhite ? tags.blackType : tags.whiteType, tagCapacity,
-           game.computerOpponent != 0 ? "program" : "human");
+           game.computerOpponent ? "program" : "human");
   StartRecord(game.record, tags);
-  game.gameStarted = 1;
+  game.gameStarted = true;
 }
 
 void EndXBoardGame(XBoardGame& game, const char* text) {
@@ -90,9 +90,9 @@ void EndXBoardGame(XBoardGame& game, const char* text) {
   CopyTagText(result, text);
   const std::size_t length = std::min(ResultLength(result), std::strlen(result));
   CopyText(game.tags.result, length + 1, result);
-  if (game.gameInProgress != 0) SaveGame(game.record, engineConfig.LoggingMode);
-  game.gameInProgress = 0;
-  game.gameStarted = 0;
+  if (game.gameInProgress) SaveGame(game.record, engineConfig.LoggingMode);
+  game.gameInProgress = false;
+  game.gameStarted = false;
 }
 
 void CopyTagText(char (&tag)[tagCapacity], const char* text) {

@@ -1,5 +1,5 @@
-// State of the game that XBoard plays: who plays what, the clocks, and the
-// data for the game record.
+// State of the game under XBoard: which side the engine plays, the clocks, and the data
+// for the game record.
 #pragma once
 
 #include <cstdint>
@@ -13,14 +13,14 @@ namespace mirvo {
 struct XBoardGame {
   // Cleared by "new".
   std::int32_t engineColour = black;  // the side the engine plays
-  std::uint8_t force = 0;             // moves are recorded, not answered
-  std::uint8_t gameInProgress = 0;    // the engine is a player
-  std::uint8_t clockReceived = 0;     // a "time" or "otim" has arrived
-  std::uint8_t computerOpponent = 0;
+  bool force = false;                 // moves are recorded, not answered
+  bool gameInProgress = false;        // the engine is a player
+  bool clockReceived = false;         // a "time" or "otim" has arrived
+  bool computerOpponent = false;
   std::int32_t ownRating = 0;
   std::int32_t opponentRating = 0;
   GameTags tags;
-  std::uint8_t gameStarted = 0;  // the header is filled
+  bool gameStarted = false;  // the header is filled
 
   // Kept between games. Times in ms.
   char opponentName[tagCapacity] = "";
@@ -29,23 +29,24 @@ struct XBoardGame {
   std::int32_t opponentTime = 0;
   std::int32_t ownIncrement = 0;
   std::int32_t opponentIncrement = 0;
-  std::int32_t movesToGo = 0;        // no command sets it
-  std::uint8_t LastMoveFlagged = 0;  // the last search ended on a mate score
+  std::int32_t movesToGo = 0;    // no command sets it
+  bool LastMoveFlagged = false;  // the last search ended on a mate score
   FinishedGame record;
+  SearchLimits* running = nullptr;  // limits of the search; null when none is running
 
-  /// The search; tests put their own here.
+  /// The search; tests install their own.
   SearchResult (*think)(SearchRecord&) = Think;
 };
 
 /// Owner: xboard_game.cpp. Writers: the XBoard front end.
 extern XBoardGame xboardGame;
 
-/// "new": the engine waits with Black for White's first move. Keeps the clocks
-/// and the opponent's name.
+/// "new": the engine has Black and waits for White's first move. Keeps the clocks and
+/// the opponent's name.
 void BeginXBoardGame(XBoardGame& game);
 
-/// Fills the names, ratings and player types as the colours fall and starts
-/// the record; nothing when this game already has its header.
+/// Fills in names, ratings and player types by colour and starts the record, unless
+/// this game already has its header.
 void FillGameHeader(XBoardGame& game);
 
 /// "result": fills the Result tag from `text`, saves a game in progress and

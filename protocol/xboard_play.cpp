@@ -1,5 +1,7 @@
 #include "protocol/xboard_play.h"
 
+#include <cassert>
+
 #include "board/display.h"
 #include "board/make_move.h"
 #include "board/notation.h"
@@ -16,10 +18,10 @@
 namespace mirvo {
 namespace {
 
-void PrintGameBoard() { PrintBoard(gameBoard, BoardLayout::wide, engineConfig.Quiet != 0); }
+void PrintGameBoard() { PrintBoard(gameBoard, BoardLayout::wide, engineConfig.Quiet); }
 
-/// The pawn beside the from-square is taken when its en-passant square is the
-/// target.
+/// Whether the move captures en passant: after set-up by its form, otherwise by the
+/// en-passant square.
 bool TakesEnPassant(const Board& board, Move move) {
   if (TakesEnPassantAfterSetUp(board, move)) return true;
   const int to = ToSquare(move);
@@ -29,30 +31,42 @@ bool TakesEnPassant(const Board& board, Move move) {
 
 bool IsReversible(Move move) { return !IsCapture(move) && MovingKind(move) != pawn; }
 
-/// Sets the limits of the coming search: none while it ponders, else the time
-/// that the own clock allows. Returns whether it ponders.
-bool SetSearchLimits(const XBoardGame& game) {
-  const bool ponders = xboardPonder.ReplayPonderMove != 0;
-  if (ponders) {
-    engineConfig.FixedTimePerMove = 0;
-    engineConfig.InfiniteThinkingTime = 1;
-    searchFlags.pondering = 1;
-    xboardPonder.ReplayPonderMove = 0;
-  } else {
-    engineConfig.InfiniteThinkingTime = 0;
-    AllocateTime(engineConfig, game.movesToGo, game.ownTime, game.ownIncrement);
-    SetDeadline(engineConfig, {game.ownTime, game.ownTimeReceived});
-  }
-  return ponders;
+void LimitToOwnClock(const XBoardGame& game, SearchLimits& limits) {
+  SetDeadline(limits, engineConfig.MoveOverhead, {game.ownTime, game.ownTimeReceived});
 }
 
-/// Takes the pondered move back, silently. A held move, if there is one, is
-/// the dispatcher's next line and clears the miss itself.
-void UndoPondering() {
+/// Sets the limits of the coming search: none while pondering, else the time allotted
+/// from the engine's clock.
+void LimitSearch(const XBoardGame& game, SearchLimits& limits) {
+  limits.ponder = xboardPonder.ReplayPonderMove;
+  limits.infinite = limits.ponder;
+  xboardPonder.ReplayPonderMove = false;
+  if (limits.ponder) {
+    limits.milliseconds = 0;
+  } else {
+    AllocateTime(limits, game.movesToGo, game.ownTime, game.ownIncrement);
+    LimitToOwnClock(game, limits);
+  }
+}
+
+/// Runs a search within the record's limits.
+SearchResult SearchWithin(XBoardGame& game, SearchRecord& record) {
+  StoreTimeLimits(engineConfig, record.limits);
+  searchFlags.pondering = record.limits.ponder;
+  game.running = &record.limits;
+  const SearchResult result = game.think(record);
+  game.running = nullptr;
+  return result;
+}
+
+/// Unmakes the pondered move, without output. A held move, if there is one, is the
+/// dispatcher's next line and clears the miss itself.
+void UndoPondering(SearchLimits& limits) {
   UnmakeMove(gameBoard);
-  searchFlags.StopSearch = 0;
-  engineConfig.InfiniteThinkingTime = 1;
-  if (xboardPonder.PendingMove == 0) xboardPonder.ponderMiss = 0;
+  searchFlags.StopSearch = false;
+  limits.infinite = true;
+  StoreTimeLimits(engineConfig, limits);
+  if (!xboardPonder.PendingMove) xboardPonder.ponderMiss = false;
 }
 
 void PlayEngineMove(Move move) {
@@ -67,18 +81,18 @@ void PlayEngineMove(Move move) {
 /// Searches the game board and plays the answer. Returns the expected reply
 /// to ponder on, noMove when the engine did not move or has none.
 Move ThinkAndMove(XBoardGame& game) {
-  xboardPonder.searchAbandoned = 0;
-  searchFlags.StopSearch = 0;
+  xboardPonder.searchAbandoned = false;
+  searchFlags.StopSearch = false;
   SearchRecord record = PrepareSearch(gameBoard);
-  const bool ponders = SetSearchLimits(game);
-  const SearchResult result = game.think(record);
-  game.LastMoveFlagged = (result.best & mateMark) != 0 ? 1 : 0;
-  // A ponder search that came back undecided is given up as well.
-  if (searchFlags.pondering != 0) AbandonPondering();
-  const bool abandoned = xboardPonder.searchAbandoned != 0;
-  xboardPonder.searchAbandoned = 0;
-  if (ponders && xboardPonder.ponderMiss != 0) {
-    UndoPondering();
+  LimitSearch(game, record.limits);
+  const SearchResult result = SearchWithin(game, record);
+  game.LastMoveFlagged = (result.best & mateMark) != 0;
+  // A ponder search that ends before a hit or miss is abandoned too.
+  if (searchFlags.pondering) AbandonPondering();
+  const bool abandoned = xboardPonder.searchAbandoned;
+  xboardPonder.searchAbandoned = false;
+  if (record.limits.ponder && xboardPonder.ponderMiss) {
+    UndoPondering(record.limits);
     return noMove;
   }
   if (abandoned || result.best == noMove) return noMove;
@@ -86,16 +100,14 @@ Move ThinkAndMove(XBoardGame& game) {
   return result.ponder;
 }
 
-/// Hands the expected reply to the dispatcher, if the engine may use the
-/// opponent's time.
+/// Makes the expected reply the dispatcher's next line, if the engine may ponder.
 void StartPondering(const XBoardGame& game, Move expected) {
-  const bool mayPonder = game.gameInProgress != 0 && game.force == 0 && game.LastMoveFlagged == 0 &&
-                         engineConfig.Ponder != 0 && searchFlags.pondering == 0 &&
-                         xboardPonder.ponderMiss == 0 && searchFlags.BookInUse == 0 &&
-                         expected != noMove;
+  const bool mayPonder = game.gameInProgress && !game.force && !game.LastMoveFlagged &&
+                         engineConfig.Ponder != 0 && !searchFlags.pondering &&
+                         !xboardPonder.ponderMiss && !searchFlags.BookInUse && expected != noMove;
   if (!mayPonder) return;
-  xboardPonder.PendingMove = 0;
-  xboardPonder.ReplayPonderMove = 1;
+  xboardPonder.PendingMove = false;
+  xboardPonder.ReplayPonderMove = true;
   xboardPonder.expectedMove = expected;
   char text[moveTextCapacity];
   MoveToCoordinates(expected, text);
@@ -107,28 +119,30 @@ void ThinkAndPonder(XBoardGame& game) {
   StartPondering(game, expected);
 }
 
-/// The opponent played something else: the search is undone and the real move
-/// is handled after it.
+/// The opponent played another move: the ponder search is undone, and the real move is
+/// handled after it.
 void MissPonder(Move realMove) {
   Output(output, "PONDER NOT HIT. STOPPING\n");
   ++ponderStats.misses;
   AbandonPondering();
   xboardPonder.heldMove = realMove;
-  xboardPonder.PendingMove = 1;
+  xboardPonder.PendingMove = true;
   PrintPonderStats();
 }
 
-/// From- and to-square alone decide, so another promotion piece is a hit.
+/// Only the two squares decide, so another promotion piece is a hit.
 void DecidePonder(const XBoardGame& game, Move realMove) {
   if (((realMove ^ xboardPonder.expectedMove) & fromToMask) != 0) {
     MissPonder(realMove);
   } else {
-    PonderHit(engineConfig, game.movesToGo, game.ownTime, game.ownIncrement);
-    SetDeadline(engineConfig, {game.ownTime, game.ownTimeReceived});
+    assert(game.running != nullptr);
+    PonderHit(*game.running, game.movesToGo, game.ownTime, game.ownIncrement);
+    LimitToOwnClock(game, *game.running);
+    StoreTimeLimits(engineConfig, *game.running);
   }
 }
 
-/// Makes the opponent's move; a from-square without a piece passes the turn.
+/// Makes the opponent's move; an origin square without a piece passes the turn.
 void PlayTextMove(Move move) {
   if (move == noMove) {
     PassTurnInGame(gameBoard);
@@ -140,13 +154,13 @@ void PlayTextMove(Move move) {
   CountReversibleMove(gameCounters, IsReversible(move));
 }
 
-/// The first move of a game makes the engine a player with Black, in force
-/// mode only in the header.
+/// The first move of a game makes the engine play Black; in force mode only the header
+/// says so.
 void JoinGame(XBoardGame& game) {
-  if (game.gameInProgress != 0) return;
+  if (game.gameInProgress) return;
   game.engineColour = black;
   FillGameHeader(game);
-  if (game.force == 0) game.gameInProgress = 1;
+  if (!game.force) game.gameInProgress = true;
 }
 
 }  // namespace
@@ -162,30 +176,30 @@ Move CompleteTextMove(const char* text, const Board& board) {
 }
 
 void HandleXBoardMove(XBoardGame& game, const char* line) {
-  const bool unanswered = xboardPonder.replyUnwanted != 0;
-  xboardPonder.replyUnwanted = 0;
+  const bool unanswered = xboardPonder.replyUnwanted;
+  xboardPonder.replyUnwanted = false;
   if (!unanswered) JoinGame(game);
-  if (game.force == 0) PrintGameBoard();
-  if (searchFlags.pondering != 0) {
+  if (!game.force) PrintGameBoard();
+  if (searchFlags.pondering) {
     DecidePonder(game, MoveFromCoordinates(line, gameBoard, game.engineColour ^ 1));
     return;
   }
   PlayTextMove(CompleteTextMove(line, gameBoard));
-  if (game.gameInProgress != 0 && game.force == 0) {
+  if (game.gameInProgress && !game.force) {
     ThinkAndPonder(game);
   } else {
-    xboardPonder.ReplayPonderMove = 0;
+    xboardPonder.ReplayPonderMove = false;
   }
 }
 
 void StartPlaying(XBoardGame& game) {
   game.engineColour = gameBoard.sideToMove;
   FillGameHeader(game);
-  game.gameInProgress = 1;
-  game.force = 0;
-  searchFlags.StopSearch = 0;
-  searchFlags.pondering = 0;
-  xboardPonder.ReplayPonderMove = 0;
+  game.gameInProgress = true;
+  game.force = false;
+  searchFlags.StopSearch = false;
+  searchFlags.pondering = false;
+  xboardPonder.ReplayPonderMove = false;
   ThinkAndPonder(game);
 }
 

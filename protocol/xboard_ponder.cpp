@@ -8,50 +8,48 @@ namespace mirvo {
 
 constinit XBoardPonder xboardPonder;
 
-bool XBoardHasOwnLine() {
-  return xboardPonder.ReplayPonderMove != 0 || xboardPonder.PendingMove != 0;
-}
+bool XBoardHasOwnLine() { return xboardPonder.ReplayPonderMove || xboardPonder.PendingMove; }
 
 void TakeXBoardOwnLine(char* line, std::size_t size) {
   char text[moveTextCapacity] = "";
-  if (xboardPonder.ReplayPonderMove != 0) MoveToCoordinates(xboardPonder.expectedMove, text);
-  if (xboardPonder.PendingMove != 0) {
+  if (xboardPonder.ReplayPonderMove) MoveToCoordinates(xboardPonder.expectedMove, text);
+  if (xboardPonder.PendingMove) {
     MoveToCoordinates(xboardPonder.heldMove, text);
-    xboardPonder.PendingMove = 0;
-    xboardPonder.ponderMiss = 0;
+    xboardPonder.PendingMove = false;
+    xboardPonder.ponderMiss = false;
   }
   CopyText(line, size, text);
 }
 
 void AbandonPondering() {
-  searchFlags.StopSearch = 1;
-  searchFlags.pondering = 0;
-  xboardPonder.ponderMiss = 1;
+  searchFlags.StopSearch = true;
+  searchFlags.pondering = false;
+  xboardPonder.ponderMiss = true;
 }
 
-bool XBoardLineMustWait(const char* line) {
-  if (StartsWith(line, "quit")) return false;
-  // Behind a line that ended the search everything keeps its order.
-  if (xboardPonder.searchAbandoned != 0) return true;
+LineTiming ClassifyXBoardLine(const char* line) {
+  if (StartsWith(line, "quit")) return LineTiming::atOnce;
+  // After a line that ended the search, all lines wait, which keeps their order.
+  if (xboardPonder.searchAbandoned) return LineTiming::afterSearch;
   const bool newGame = StartsWith(line, "new");
   const bool needsBoard = newGame || StartsWith(line, "go") || StartsWith(line, "setboard");
-  if (newGame) xboardPonder.PendingMove = 0;
-  if (needsBoard && (newGame || searchFlags.pondering != 0)) {
-    if (searchFlags.pondering != 0) AbandonPondering();
-    searchFlags.StopSearch = 1;
-    xboardPonder.searchAbandoned = 1;
+  if (newGame) xboardPonder.PendingMove = false;
+  if (needsBoard && (newGame || searchFlags.pondering)) {
+    if (searchFlags.pondering) AbandonPondering();
+    searchFlags.StopSearch = true;
+    xboardPonder.searchAbandoned = true;
   }
-  if (needsBoard) return true;
-  return searchFlags.pondering == 0 && IsCoordinateMove(line);
+  const bool moves = !searchFlags.pondering && IsCoordinateMove(line);
+  return needsBoard || moves ? LineTiming::afterSearch : LineTiming::atOnce;
 }
 
 void XBoardInputEnded() {
-  if (searchFlags.pondering != 0) AbandonPondering();
+  if (searchFlags.pondering) AbandonPondering();
 }
 
 void XBoardLeave() {
-  xboardPonder.ReplayPonderMove = 0;
-  xboardPonder.PendingMove = 0;
+  xboardPonder.ReplayPonderMove = false;
+  xboardPonder.PendingMove = false;
 }
 
 }  // namespace mirvo

@@ -10,7 +10,7 @@ void CountReversibleMove(GameCounters& counters, bool reversible) {
     return;
   }
   ++counters.reversibleMoves;
-  if (counters.reversibleMoves == 100) counters.hundredReached = 1;
+  if (counters.reversibleMoves == 100) counters.hundredReached = true;
 }
 
 }  // namespace mirvo

@@ -10,7 +10,7 @@ namespace mirvo {
 
 struct GameCounters {
   std::int32_t reversibleMoves = 0;  // half-moves without capture or pawn move
-  std::uint8_t hundredReached = 0;   // set when the count becomes exactly 100
+  bool hundredReached = false;       // set when the count becomes exactly 100
 };
 
 /// Owner: game_counters.cpp. Writers: Think, the XBoard front end.

@@ -9,13 +9,13 @@ namespace mirvo {
 
 constinit PonderStats ponderStats;
 
-void PonderHit(EngineConfig& config, std::int32_t movesToGo, std::int32_t timeLeft,
+void PonderHit(SearchLimits& limits, std::int32_t movesToGo, std::int32_t timeLeft,
                std::int32_t increment) {
   Output(output, "PONDER HIT. CONTINUING\n");
-  config.InfiniteThinkingTime = 0;
+  limits.infinite = false;
   timeControl.startTime = TickCount();
-  AllocateTime(config, movesToGo, timeLeft, increment);
-  searchFlags.pondering = 0;
+  AllocateTime(limits, movesToGo, timeLeft, increment);
+  searchFlags.pondering = false;
   ++ponderStats.hits;
   PrintPonderStats();
 }

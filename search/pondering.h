@@ -1,9 +1,9 @@
-// Thinking on the opponent's time: hit and miss bookkeeping.
+// Pondering: hits, misses and their statistics.
 #pragma once
 
 #include <cstdint>
 
-#include "shell/config/config.h"
+#include "search/search_limits.h"
 
 namespace mirvo {
 
@@ -12,13 +12,14 @@ struct PonderStats {
   std::uint32_t misses = 0;
 };
 
-/// Owner: pondering.cpp. Writers: PonderHit; the XBoard front end counts misses.
+/// Owner: pondering.cpp. Writers: PonderHit counts hits; the XBoard front end counts
+/// misses and resets both in a new game.
 extern PonderStats ponderStats;
 
-/// The opponent played the expected move: the running search becomes a timed
-/// one that starts now with the given clock. Prints "PONDER HIT. CONTINUING",
+/// The opponent played the expected move: the search with these limits becomes a
+/// timed one that starts now with the given clock. Prints "PONDER HIT. CONTINUING",
 /// the "Allowing" line and the statistics line.
-void PonderHit(EngineConfig& config, std::int32_t movesToGo, std::int32_t timeLeft,
+void PonderHit(SearchLimits& limits, std::int32_t movesToGo, std::int32_t timeLeft,
                std::int32_t increment);
 
 /// Prints "Ponder hits = ..." (0.0 % when nothing was counted).

@@ -1,20 +1,18 @@
-// Flags between front ends and a running search. There is one thread: a front end
-// sets them when the search's poll calls it, and the search reads them afterwards.
+// Flags between front ends and a running search. There is one thread: front ends set
+// them when the search polls the input, and the search reads them afterwards.
 #pragma once
-
-#include <cstdint>
 
 #include "board/move.h"
 
 namespace mirvo {
 
 struct SearchFlags {
-  std::uint8_t StopSearch = 0;      // end the running search at once
-  std::uint8_t pondering = 0;       // searching on the opponent's time
-  std::uint8_t NoInputPolling = 0;  // the search reads no input
-  std::uint8_t searching = 0;       // inside Think; kept for debuggers, the engine never reads it
-  std::uint8_t BookInUse = 0;       // the game has not left the book yet
-  Move ponderMove = noMove;         // expected reply found by the last search
+  bool StopSearch = false;      // end the running search at once
+  bool pondering = false;       // searching on the opponent's time
+  bool NoInputPolling = false;  // the search reads no input
+  bool searching = false;       // inside Think: commands answer without delay
+  bool BookInUse = false;       // the game has not left the book yet
+  Move ponderMove = noMove;     // expected reply found by the last search
 };
 
 /// Owner: search_flags.cpp. Writers: start-up, front ends, Think, PonderHit, the

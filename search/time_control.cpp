@@ -31,34 +31,32 @@ std::int64_t TimeForMove(std::int64_t movesToGo, std::int64_t timeLeft, std::int
 
 }  // namespace
 
-void AllocateTime(EngineConfig& config, std::int32_t movesToGo, std::int32_t timeLeft,
+void AllocateTime(SearchLimits& limits, std::int32_t movesToGo, std::int32_t timeLeft,
                   std::int32_t increment) {
   const std::int64_t time = TimeForMove(movesToGo, timeLeft, increment);
-  config.FixedTimePerMove = Saturate(std::max<std::int64_t>(time, 0));
-  Output(output, "Allowing %d ms for move (%d, %d, %d)\n", config.FixedTimePerMove, movesToGo,
-         timeLeft, increment);
+  limits.milliseconds = Saturate(std::max<std::int64_t>(time, 0));
+  Output(output, "Allowing %d ms for move (%d, %d, %d)\n", limits.milliseconds, movesToGo, timeLeft,
+         increment);
 }
 
-void DoubleAllottedTime(EngineConfig& config) {
-  config.FixedTimePerMove = MultiplySaturated(config.FixedTimePerMove, 2);
+void DoubleAllottedTime(SearchLimits& limits) {
+  limits.milliseconds = MultiplySaturated(limits.milliseconds, 2);
 }
 
-void SetDeadline(const EngineConfig& config, const OwnClock& clock) {
-  timeControl.deadline = noDeadline;
-  if (config.MoveOverhead <= 0 || !clock.received) return;
-  const std::int64_t time = std::int64_t{clock.timeLeft} - config.MoveOverhead;
-  timeControl.deadline = Saturate(std::max<std::int64_t>(time, 1));
+void SetDeadline(SearchLimits& limits, std::int32_t overhead, const OwnClock& clock) {
+  limits.deadline = noDeadline;
+  if (overhead <= 0 || !clock.received) return;
+  const std::int64_t time = std::int64_t{clock.timeLeft} - overhead;
+  limits.deadline = Saturate(std::max<std::int64_t>(time, 1));
 }
 
-std::int64_t TimeLeft(const EngineConfig& config) {
-  // The allotted time may be used to its last millisecond, the deadline's own
-  // millisecond is too late.
-  std::int64_t time = config.FixedTimePerMove;
-  if (timeControl.deadline != noDeadline)
-    time = std::min(time, std::int64_t{timeControl.deadline} - 1);
+std::int64_t TimeLeft(const SearchLimits& limits) {
+  // Time is up when the allotted time is exceeded or the deadline is reached.
+  std::int64_t time = limits.milliseconds;
+  if (limits.deadline != noDeadline) time = std::min(time, std::int64_t{limits.deadline} - 1);
   return time - ElapsedSince(timeControl.startTime);
 }
 
-bool TimeIsUp(const EngineConfig& config) { return TimeLeft(config) < 0; }
+bool TimeIsUp(const SearchLimits& limits) { return TimeLeft(limits) < 0; }
 
 }  // namespace mirvo

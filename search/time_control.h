@@ -1,21 +1,18 @@
-// The time for one move: allocation from the clocks, and the search's start.
+// The time for one move: its start, its allocation from the clocks, and whether
+// it is up.
 #pragma once
 
 #include <cstdint>
 
-#include "shell/config/config.h"
+#include "search/search_limits.h"
 
 namespace mirvo {
 
-/// `TimeControl::deadline` when the allotted time alone counts.
-inline constexpr std::int32_t noDeadline = -1;
-
 struct TimeControl {
-  std::uint32_t startTime = 0;         // tick count at the start of the move's time
-  std::int32_t deadline = noDeadline;  // ms from then on, whatever is allotted
+  std::uint32_t startTime = 0;  // tick count at the start of the move's time
 };
 
-/// Owner: time_control.cpp. Writers: Iterate, PonderHit, SetDeadline.
+/// Owner: time_control.cpp. Writers: Iterate, PonderHit.
 extern TimeControl timeControl;
 
 /// What is left on the clock of the side that the engine moves for.
@@ -24,26 +21,26 @@ struct OwnClock {
   bool received = false;      // without a clock there is nothing to keep to
 };
 
-/// Turns the clock into milliseconds for this move, stores them in
-/// config.FixedTimePerMove and prints the "Allowing" line. Times in ms, any
-/// value; quotients are taken in 64 bits and saturated, negative ones are 0.
-void AllocateTime(EngineConfig& config, std::int32_t movesToGo, std::int32_t timeLeft,
+/// Computes the time for this move from the clock, stores it in the limits and prints
+/// the "Allowing" line. Times in ms, any value; computed in 64 bits and saturated,
+/// negative results are 0.
+void AllocateTime(SearchLimits& limits, std::int32_t movesToGo, std::int32_t timeLeft,
                   std::int32_t increment);
 
-/// Doubles the allotted time (saturated): the first move out of the book.
-void DoubleAllottedTime(EngineConfig& config);
+/// Doubles the allotted time (saturated), for the first move out of book.
+void DoubleAllottedTime(SearchLimits& limits);
 
-/// Ends the coming (or, from now on, the running) timed search where the own
-/// clock would run out less config.MoveOverhead, 1 ms after the start at the
-/// earliest. Nothing ends it so with an overhead of 0 or below.
-void SetDeadline(const EngineConfig& config, const OwnClock& clock);
+/// Sets the deadline of a timed search to the time left on the engine's clock minus
+/// `overhead` ms, at least 1 ms. No deadline if the overhead is not above 0 or the
+/// clock is not known.
+void SetDeadline(SearchLimits& limits, std::int32_t overhead, const OwnClock& clock);
 
-/// Milliseconds until a timed search ends, by the allotted time or the deadline
-/// before it; negative when it is to end now.
-std::int64_t TimeLeft(const EngineConfig& config);
+/// Milliseconds until a timed search ends, by the allotted time or an earlier deadline;
+/// negative when it must end now.
+std::int64_t TimeLeft(const SearchLimits& limits);
 
 /// Whether more than the allotted time has passed since the start, or the
 /// deadline is reached.
-bool TimeIsUp(const EngineConfig& config);
+bool TimeIsUp(const SearchLimits& limits);
 
 }  // namespace mirvo

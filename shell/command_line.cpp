@@ -17,7 +17,7 @@ namespace mirvo {
 
 namespace {
 
-/// `AnalyzeCount` when only a file is named: more than any suite holds.
+/// `AnalyzeCount` if only a file is given: more positions than any suite has.
 constexpr std::int32_t wholeSuite = 100000;
 
 constexpr std::int32_t millisecondsPerSecond = 1000;
@@ -31,9 +31,7 @@ struct Arguments {
   bool HasMore() const { return next < count; }
   /// The next word; the empty text when there is none.
   const char* Take() {
-    if (!HasMore()) {
-      return "";
-    }
+    if (!HasMore()) return "";
     const char* const word = words[next++];
     return word != nullptr ? word : "";
   }
@@ -49,7 +47,7 @@ void TakePosition(Arguments& arguments, Board& board) {
 
 void TakePerft(EngineConfig& config, Arguments& arguments) {
   config.RunMode = RunModeCode::perft;
-  // The counters hold ten depths; no machine gets further in a useful time.
+  // There are counters for ten depths; no machine gets deeper in useful time.
   config.PerftDepth = std::min(ReadDecimal(arguments.Take()), maxPerftDepth);
   // Whatever follows the depth is a position, another option included.
   if (arguments.HasMore()) {
@@ -61,9 +59,7 @@ void TakePerft(EngineConfig& config, Arguments& arguments) {
 
 void TakeTest(EngineConfig& config, Arguments& arguments) {
   config.RunMode = RunModeCode::test;
-  if (arguments.HasMore()) {
-    TakePosition(arguments, config.CommandLineBoard);
-  }
+  if (arguments.HasMore()) TakePosition(arguments, config.CommandLineBoard);
 }
 
 void TakeAnalyze(EngineConfig& config, Arguments& arguments) {
@@ -77,7 +73,7 @@ void TakeAnalyze(EngineConfig& config, Arguments& arguments) {
   }
 }
 
-void TakeQuiet(EngineConfig& config, Arguments&) { config.Quiet = 1; }
+void TakeQuiet(EngineConfig& config, Arguments&) { config.Quiet = true; }
 
 void TakeEval(EngineConfig& config, Arguments& arguments) {
   config.RunMode = RunModeCode::eval;
@@ -85,25 +81,23 @@ void TakeEval(EngineConfig& config, Arguments& arguments) {
 }
 
 void TakeUseBook(EngineConfig& config, Arguments& arguments) {
-  // Remembered only: the engine plays from the book that config.txt names.
+  // Stored only: the engine plays from the book that config.txt names.
   config.CmdLineBook = 1;
   CopyText(config.CmdLineBookName, sizeof config.CmdLineBookName, arguments.Take());
 }
 
 void RunCreateBook(EngineConfig& config, Arguments& arguments) {
-  config.ToolRunOnly = 1;
+  config.ToolRunOnly = true;
   config.RunMode = RunModeCode::createBook;
   const char* const games = arguments.Take();
   const std::int32_t maxPlies = ReadDecimal(arguments.Take());
   const std::int32_t minHits = ReadDecimal(arguments.Take());
   const char* const outPath = arguments.Take();
-  if (CreateBook(openingBook, games, maxPlies, minHits) > 0) {
-    SaveBook(openingBook, outPath);
-  }
+  if (CreateBook(openingBook, games, maxPlies, minHits) > 0) SaveBook(openingBook, outPath);
 }
 
 void RunMergeBooks(EngineConfig& config, Arguments& arguments) {
-  config.ToolRunOnly = 1;
+  config.ToolRunOnly = true;
   const char* const first = arguments.Take();
   const char* const second = arguments.Take();
   const char* const outPath = arguments.Take();
@@ -111,7 +105,7 @@ void RunMergeBooks(EngineConfig& config, Arguments& arguments) {
 }
 
 void RunListMoves(EngineConfig& config, Arguments& arguments) {
-  config.ToolRunOnly = 1;
+  config.ToolRunOnly = true;
   LoadBook(openingBook, arguments.Take(), true);
   TakePosition(arguments, config.CommandLineBoard);
   Move chosen = noMove;
@@ -119,7 +113,7 @@ void RunListMoves(EngineConfig& config, Arguments& arguments) {
 }
 
 void RunBookStats(EngineConfig& config, Arguments& arguments) {
-  config.ToolRunOnly = 1;
+  config.ToolRunOnly = true;
   LoadBook(openingBook, arguments.Take(), true);
   PrintBookStats(openingBook);
 }
@@ -135,14 +129,14 @@ void TakeTime(EngineConfig& config, Arguments& arguments) {
 
 void TakeDepth(EngineConfig& config, Arguments& arguments) {
   config.DepthSearch = ReadDecimal(arguments.Take());
-  // Limited by the depth alone.
+  // Only the depth limits the search.
   config.InfiniteThinkingTime = 1;
 }
 
-/// What an option makes of the run.
+/// What kind of run an option asks for.
 enum class OptionUse {
-  setting,    // an engine for an interface, as without it
-  workBench,  // one task for whoever reads the output
+  setting,  // changes a setting; the program still runs as an engine
+  task,     // performs one task and exits
 };
 
 struct CommandLineOption {
@@ -153,16 +147,16 @@ struct CommandLineOption {
 };
 
 constexpr CommandLineOption options[] = {
-    {"-perft", "--p", OptionUse::workBench, TakePerft},
-    {"-test", nullptr, OptionUse::workBench, TakeTest},
-    {"-analyze", "--a", OptionUse::workBench, TakeAnalyze},
+    {"-perft", "--p", OptionUse::task, TakePerft},
+    {"-test", nullptr, OptionUse::task, TakeTest},
+    {"-analyze", "--a", OptionUse::task, TakeAnalyze},
     {"-quiet", "--q", OptionUse::setting, TakeQuiet},
-    {"-eval", nullptr, OptionUse::workBench, TakeEval},
+    {"-eval", nullptr, OptionUse::task, TakeEval},
     {"-usebook", nullptr, OptionUse::setting, TakeUseBook},
-    {"-createbook", nullptr, OptionUse::workBench, RunCreateBook},
-    {"-mergebooks", nullptr, OptionUse::workBench, RunMergeBooks},
-    {"-listmoves", nullptr, OptionUse::workBench, RunListMoves},
-    {"-bookstats", nullptr, OptionUse::workBench, RunBookStats},
+    {"-createbook", nullptr, OptionUse::task, RunCreateBook},
+    {"-mergebooks", nullptr, OptionUse::task, RunMergeBooks},
+    {"-listmoves", nullptr, OptionUse::task, RunListMoves},
+    {"-bookstats", nullptr, OptionUse::task, RunBookStats},
     {"-time", "--t", OptionUse::setting, TakeTime},
     {"-depth", "--d", OptionUse::setting, TakeDepth},
 };
@@ -176,14 +170,14 @@ bool Names(const CommandLineOption& option, const char* word) {
 
 void ParseCommandLine(EngineConfig& config, int argc, const char* const* argv) {
   Arguments arguments{argc, argv, 0};
-  // The program's own name is looked at too; it matches no option.
+  // This includes the program's own name, which matches no option.
   while (arguments.HasMore()) {
     const char* const word = arguments.Take();
     const auto* const option =
         std::find_if(std::begin(options), std::end(options),
                      [word](const CommandLineOption& candidate) { return Names(candidate, word); });
     if (option != std::end(options)) {
-      if (option->use == OptionUse::workBench) EndWithClosedPipe();
+      if (option->use == OptionUse::task) EndWithClosedPipe();
       option->apply(config, arguments);
     }
   }

@@ -5,8 +5,8 @@
 
 namespace mirvo {
 
-/// Scans the arguments in order and writes the settings; book tools run at
-/// once. Unknown words are skipped, missing option arguments read as empty.
+/// Reads the arguments in order and writes the settings; book tools run at once.
+/// Skips unknown words and reads missing option arguments as empty.
 void ParseCommandLine(EngineConfig& config, int argc, const char* const* argv);
 
 }  // namespace mirvo

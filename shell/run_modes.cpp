@@ -15,14 +15,14 @@ namespace mirvo {
 
 namespace {
 
-[[noreturn]] void RunEngine(const EngineConfig& config) {
+[[noreturn]] void RunEngine(EngineConfig& config) {
   LoadEngineBook(config);
   RunIdleLoop(protocolMode);
 }
 
 void RunPerftMode(EngineConfig& config) {
   Output(output, "Performing -perft %d\n", config.PerftDepth);
-  PrintBoard(config.CommandLineBoard, BoardLayout::compact, config.Quiet != 0);
+  PrintBoard(config.CommandLineBoard, BoardLayout::compact, config.Quiet);
   RunPerft(config.CommandLineBoard, config.PerftDepth);
   for (int depth = 1; depth <= config.PerftDepth; ++depth) {
     Output(output, "%u %12llu\n", static_cast<unsigned>(depth),
@@ -32,7 +32,7 @@ void RunPerftMode(EngineConfig& config) {
 
 void RunEval(EngineConfig& config) {
   Board& board = config.CommandLineBoard;
-  PrintBoard(board, BoardLayout::wide, config.Quiet != 0);
+  PrintBoard(board, BoardLayout::wide, config.Quiet);
   EvalRecord record{};
   const std::int32_t score = EvaluateWithReport(record, board, board.sideToMove);
   Output(output, "Full eval: %d\n", score);
@@ -40,16 +40,15 @@ void RunEval(EngineConfig& config) {
 
 }  // namespace
 
-void LoadEngineBook(const EngineConfig& config) {
-  if (config.UseOpeningBook == 0) return;
-  if (!LoadBook(openingBook, config.BookName, true)) searchFlags.BookInUse = 0;
+void LoadEngineBook(EngineConfig& config) {
+  if (config.UseOpeningBook == 0 || LoadBook(openingBook, config.BookName, true)) return;
+  config.UseOpeningBook = 0;
+  searchFlags.BookInUse = false;
 }
 
 int Run(EngineConfig& config) {
-  // A book tool has done its work while the command line was read.
-  if (config.ToolRunOnly != 0) {
-    return 0;
-  }
+  // Book tools ran while the command line was read.
+  if (config.ToolRunOnly) return 0;
   switch (config.RunMode) {
     case RunModeCode::engine:
       RunEngine(config);
@@ -63,7 +62,7 @@ int Run(EngineConfig& config) {
       RunEval(config);
       break;
     case RunModeCode::test:
-      // Loading the position was all: this mode only exercises the set-up.
+      // The position was set up while the command line was read; that is all.
     case RunModeCode::createBook:
       break;
   }

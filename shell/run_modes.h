@@ -5,12 +5,13 @@
 
 namespace mirvo {
 
-/// Loads the engine's book when the settings want one. A missing file switches
-/// the book off for good, so that the first move takes no more than its time.
-void LoadEngineBook(const EngineConfig& config);
+/// Loads the engine's book if the settings ask for one. Without the file the book
+/// is switched off in the settings and not probed (until "ucinewgame"), so that the
+/// first search does not get the double time of one that has just left the book.
+void LoadEngineBook(EngineConfig& config);
 
-/// Runs the mode that the settings choose. Returns the exit status; the engine
-/// mode never returns.
+/// Runs the mode chosen by the settings. Returns the exit status; the engine mode
+/// never returns.
 int Run(EngineConfig& config);
 
 }  // namespace mirvo

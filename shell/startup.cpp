@@ -27,21 +27,21 @@ namespace {
 
 constexpr std::uint64_t randomSeedValue = 0x8709934132ef9cd4;
 
-/// The warm-up takes the clock modulo this: enough for games to differ, and
-/// still done in well under a millisecond.
+/// The warm-up draws as many numbers as the clock modulo this: enough for games to
+/// differ, and still done in well under a millisecond.
 constexpr std::uint32_t warmUpModulus = 100000;
 
-/// One step of the sequence is done.
+/// Prints a dot when a step of the sequence is done.
 void ShowProgress() { Output(output, "."); }
 
-/// Interfaces read and write line by line through pipes; nothing may wait in a
-/// buffer, even text that does not go through the print routine.
+/// Interfaces exchange lines through pipes, so nothing may stay in a buffer, not
+/// even text that does not go through the print routine.
 void MakeStreamsUnbuffered() {
   std::setvbuf(stdout, nullptr, _IONBF, 0);
   std::setvbuf(stdin, nullptr, _IONBF, 0);
 }
 
-/// The hash records get their memory only after the settings are known.
+/// The hash tables get memory later, when the settings are known.
 void InitialiseHashRecords() {
   HashInitialise(EvalHashTable);
   HashInitialise(PawnHashTable);
@@ -60,7 +60,7 @@ void BuildTables() {
   ShowProgress();
 }
 
-/// Without memory the book stays empty and answers no question.
+/// Without memory the book stays empty and every probe fails.
 void CreateBookObject() {
   CreateOpeningBook(openingBook);
   ShowProgress();
@@ -74,7 +74,7 @@ void ReadSettings(int argc, const char* const* argv) {
 }
 
 void SetBookFlag() {
-  searchFlags.BookInUse = engineConfig.UseOpeningBook == 1 ? 1 : 0;
+  searchFlags.BookInUse = engineConfig.UseOpeningBook == 1;
   ShowProgress();
 }
 
@@ -89,11 +89,9 @@ void AllocateHashTables() {
   ShowProgress();
 }
 
-/// Book choices differ from run to run by the time of the start.
+/// Makes book choices differ between runs, by the time of the start.
 void WarmUpRandom() {
-  for (std::uint32_t nSteps = TickCount() % warmUpModulus; nSteps > 0; --nSteps) {
-    NextRandom();
-  }
+  for (std::uint32_t nSteps = TickCount() % warmUpModulus; nSteps > 0; --nSteps) NextRandom();
   ShowProgress();
 }
 
@@ -113,9 +111,7 @@ void StartUp(int argc, const char* const* argv) {
   AllocateHashTables();
   WarmUpRandom();
   Output(output, "Done.\n");
-  if (engineConfig.ToolRunOnly == 0) {
-    PrintConfig(engineConfig);
-  }
+  if (!engineConfig.ToolRunOnly) PrintConfig(engineConfig);
 }
 
 }  // namespace mirvo

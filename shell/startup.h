@@ -5,12 +5,12 @@
 
 namespace mirvo {
 
-/// A word that start-up sets and nothing reads; the book's generator has a
-/// state of its own. Owner and writer: startup.cpp.
+/// Set by start-up and read by nothing; the book's generator has its own state.
+/// Kept for debuggers. Owner and writer: startup.cpp.
 extern std::uint64_t RandomSeed;
 
 /// Runs the whole sequence once: banner, tables, settings, hash tables, random
-/// generator, settings report. Installs the search hooks.
+/// numbers, settings report. Installs the search hook.
 void StartUp(int argc, const char* const* argv);
 
 }  // namespace mirvo

@@ -1,14 +1,14 @@
 #!/bin/bash
-# Runs the tests in a build that counts what they reach, and prints a table of
-# lines and branches per folder. Then:
+# Runs the tests in a build that counts what they reach, and prints a table of lines
+# and branches per folder. Then see:
 #   build/coverage/coverage.txt           missed lines and branches per file
 #   build/coverage/html/index.html        every line with its counts
 #
 #   tools/coverage.sh            build, run every test, report (about 10 minutes)
-#   tools/coverage.sh report     only the report of what ran before
+#   tools/coverage.sh report     only the report of the last run
 #
-# Edges that only a C++ exception takes are left out: gcc puts one behind almost
-# every call, and the engine has no exceptions of its own.
+# Branches that only an exception takes are left out: gcc adds one to almost every
+# call, and the engine throws no exceptions itself.
 set -uo pipefail
 
 root=$(cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.." && pwd)
@@ -16,7 +16,7 @@ cd "$root" || exit 1
 . tools/packages.sh
 
 need_packages gcovr g++ cmake ninja-build libgtest-dev libgmock-dev python3 polyglot stockfish \
-  xboard fairymax xvfb xauth || exit 1
+  xboard fairymax xvfb xauth xdotool xclip || exit 1
 export PATH="$PATH:/usr/games"
 
 status=0

@@ -2,10 +2,9 @@
 
 Usage: draw_layers.py [--check]
 
-A box is a layer (`mirvo_layer` in a CMakeLists.txt) with its folder, an arrow
-goes to a layer that it uses. What is used through another layer anyway has no
-arrow of its own. With --check nothing is written: the status is 1 when the
-picture is not the one that the targets give.
+A box is a layer (`mirvo_layer` in a CMakeLists.txt) with its folder; an arrow points
+to a layer that it uses. A layer that is also used through another one has no arrow.
+With --check nothing is written: the status is 1 if the picture is out of date.
 """
 
 import pathlib
@@ -66,7 +65,7 @@ def draw(layers):
     lines = [
         f'<svg xmlns="http://www.w3.org/2000/svg" width="{width}" height="{height}" '
         f'viewBox="0 0 {width} {height}" font-family="sans-serif" font-size="13">',
-        '<title>The layers of the engine: an arrow goes to a layer that is used</title>',
+        '<title>The layers of the engine: an arrow points to a layer that is used</title>',
         '<defs><marker id="tip" viewBox="0 0 8 8" refX="8" refY="4" markerWidth="7" '
         'markerHeight="7" orient="auto"><path d="M0 0L8 4L0 8z" fill="#555"/></marker></defs>',
         f'<rect width="{width}" height="{height}" fill="white"/>']
@@ -94,7 +93,7 @@ def main():
         return 0
     if PICTURE.exists() and PICTURE.read_text(encoding="utf-8") == text:
         return 0
-    print("docs/layers.svg is not what the CMake targets give; tools/draw_layers.py draws it anew")
+    print("docs/layers.svg is out of date: run tools/draw_layers.py")
     return 1
 
 

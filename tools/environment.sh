@@ -1,20 +1,19 @@
-# Sourced by .ci/run and test.sh: what a run of the tests takes from its
-# surroundings, so that nothing else a machine or a person has set can make a
-# test pass or fail.
+# Sourced by .ci/run and test.sh: the environment of a test run, so that no other
+# setting of a machine or a user can make a test pass or fail.
 
-# Debian's own programs only: no second Python or compiler that comes first on
-# somebody's PATH. Its games are in a folder that root's PATH lacks.
+# Only Debian's own programs: no second Python or compiler that comes first on
+# somebody's PATH. Games are in a folder that root's PATH lacks.
 system_path=/usr/sbin:/usr/bin:/sbin:/bin:/usr/games
 
-# What stays if it is set: the home folder, the word that this is continuous
+# Variables that are kept if set: the home folder, the sign of continuous
 # integration, what the package tools need to reach their servers, the kind of
 # terminal, and a compiler cache.
 kept_variables=(HOME CI TERM http_proxy https_proxy ftp_proxy no_proxy HTTP_PROXY HTTPS_PROXY
   FTP_PROXY NO_PROXY SSL_CERT_FILE SSL_CERT_DIR CMAKE_CXX_COMPILER_LAUNCHER CCACHE_DIR
   CCACHE_BASEDIR CCACHE_NOHASHDIR CCACHE_MAXSIZE CCACHE_SLOPPINESS)
 
-# in_clean_environment COMMAND...: becomes the command, with that environment,
-# Debian's usual file rights, and no signal ignored.
+# in_clean_environment COMMAND...: executes the command with that environment, the
+# usual umask, and no ignored signals.
 in_clean_environment() {
   local name kept=()
   for name in "${kept_variables[@]}"; do

@@ -1,22 +1,23 @@
 #!/bin/bash
-# Makes a minimal Debian 12 machine in a folder, puts a clone of this repository
-# (what is committed) into it, and does there what the README tells: run.sh as
-# root, which installs the compiler; run.sh as an ordinary user without sudo;
-# then test.sh as root. To be run once before each release.
+# Makes a minimal Debian 12 machine in a folder, clones the committed state of this
+# repository into it, and follows the README there: run.sh as root, which installs
+# the compiler; run.sh as an ordinary user without sudo; play.sh as root; then
+# test.sh as root. To be run once before each release.
 #
-#   tools/fresh_machine.sh                    all three
+#   tools/fresh_machine.sh                    all four
 #   tools/fresh_machine.sh run                both starts of run.sh only
-#   tools/fresh_machine.sh test [WORD...]     test.sh only, with these words
-#   tools/fresh_machine.sh shell              a shell there, for looking around
+#   tools/fresh_machine.sh window             play.sh only: from the clone to the
+#                                             first move, with the time it took
+#   tools/fresh_machine.sh test [WORD...]     test.sh only, with these arguments
+#   tools/fresh_machine.sh shell              a shell there, for inspection
 #
 #   --folder FOLDER   where the machine is made (default: a folder in /var/tmp)
-#   --keep            leaves it there; the next call with the same folder goes on
-#                     with it, with the packages installed so far
+#   --keep            keeps it; the next call with the same folder uses it again,
+#                     with the packages installed so far
 #
-# It needs root or sudo, some 4 GB, and the package servers that this machine's
-# apt is configured for. All mounts are made in a name space of their own, so
-# they and every process end with the script, however that ends. Exit status 0
-# when all went well.
+# It needs root or sudo, about 4 GB, and the package servers that this machine's apt
+# is configured for. All mounts are in a separate name space, so they and every
+# process end with the script, however that ends. Exit status 0 if all went well.
 set -uo pipefail
 
 here=$(cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.." && pwd)
@@ -33,28 +34,28 @@ give_up() {
   exit 1
 }
 
-# ---- Outside: needs no rights until the machine is made.
+# ---- Outside: needs no root rights until the machine is made.
 
 read_options() {
   while [ $# -gt 0 ]; do
     case $1 in
       --folder) machine=${2:?--folder needs a folder} && shift ;;
       --keep) keep=yes ;;
-      run | test | shell) action=$1 && shift && words=("$@") && return ;;
+      run | window | test | shell) action=$1 && shift && words=("$@") && return ;;
       *) give_up "unknown word: $1 (see the head of $0)" ;;
     esac
     shift
   done
 }
 
-# The server that this machine's apt gets Debian's packages from.
+# The server from which this machine's apt gets Debian's packages.
 package_server() {
   apt-get indextargets --format '$(CODENAME) $(RELEASE) $(REPO_URI)' |
     awk -v name="$release" '$1 == name || $2 == name { print $3; exit }'
 }
 
-# What the machine's apt has to know: the same servers for this release, the way
-# to them (proxies, certificates, checks of dates), and nothing else of ours.
+# Settings for the new machine's apt: the same servers for this release and the way
+# to them (proxies, certificates, checks of dates), nothing else.
 write_apt_settings() {
   apt-get indextargets --format '$(RELEASE) $(REPO_URI) $(COMPONENT)' |
     awk -v name="$release" 'index($1, name) == 1 && !seen[$0]++ {
@@ -65,13 +66,16 @@ write_apt_settings() {
   echo 'APT::Install-Recommends "false";' >>"$1/apt.conf"
 }
 
-# Files of certificates that the settings name.
+# Certificate files that the settings name.
 certificate_files() {
   sed -nE 's/^[^ ]*::ca(info|path) "(.*)";$/\2/Ip' "$1/apt.conf"
 }
 
 prepare() {
   need_packages debootstrap git util-linux || give_up "debootstrap is needed"
+  case $action in
+    window | everything) need_packages xvfb xdotool || give_up "xvfb and xdotool are needed" ;;
+  esac
   [ -n "$machine" ] || machine=$(mktemp -d /var/tmp/mirvo-fresh-machine-XXXXXX)
   mkdir -p "$machine" || exit 1
   machine=$(cd "$machine" && pwd)
@@ -128,7 +132,7 @@ mount_system() {
   ln -sf pts/ptmx "$machine/dev/ptmx"
 }
 
-# inside USER COMMAND: a shell's text as that user, with a login's environment
+# inside USER COMMAND: runs a shell command as that user, with a login environment
 # and the way to the package servers.
 inside() {
   local home=/root name way=()
@@ -141,7 +145,7 @@ inside() {
     PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin bash -c "cd && $2"
 }
 
-# A new clone for the user, in the home folder.
+# Puts a new clone into the user's home folder.
 put_clone() {
   local home=/root
   [ "$1" = root ] || home=/home/$1
@@ -159,8 +163,8 @@ session='cd mirvo && coproc engine { ./run.sh; }
   done
   wait "$program"'
 
-# play USER: run.sh in a new clone. The session must begin and end as the
-# README says, and nothing but the engine may have written to it.
+# play USER: run.sh in a new clone. The session must begin and end as the README
+# says, and only the engine may write to standard output.
 play() {
   local log=$kit/run-$1.txt
   say "run.sh as $1"
@@ -184,6 +188,49 @@ play_both() {
   play "$player"
 }
 
+# An X server of this side, which programs inside reach too: they share its
+# network. Its number goes into $screen.
+open_screen() {
+  local number=$kit/screen
+  Xvfb -displayfd 3 -screen 0 1024x768x24 -nolisten tcp 3>"$number" 2>/dev/null &
+  while ! [ -s "$number" ]; do
+    kill -0 $! || return 1
+    sleep 0.1
+  done
+  screen=:$(cat "$number")
+}
+
+# play.sh in a new clone, until the engine has made a move in its window.
+play_window() {
+  say "play.sh"
+  local screen log=$machine/root/polyglot.log printed=$kit/window.txt
+  open_screen && put_clone root || return 1
+  rm -f "$log"
+  SECONDS=0
+  inside root "cd mirvo && DISPLAY=$screen ./play.sh -- -adapterCommand \
+    'polyglot -noini -ec \"%fcp\" -ed \"%fd\" -log true -lf /root/polyglot.log'" >"$printed" 2>&1 &
+  local program=$!
+  until grep -q 'Adapter->GUI: move ' "$log" 2>/dev/null; do
+    kill -0 $program 2>/dev/null && [ $SECONDS -lt 900 ] || {
+      tail -30 "$printed" >&2
+      say "play.sh: FAILED"
+      return 1
+    }
+    # "Machine White", once there is a window.
+    DISPLAY=$screen xdotool search --onlyvisible --class xboard windowfocus key ctrl+w 2>/dev/null
+    sleep 0.5
+  done
+  local seconds=$SECONDS
+  # Closed as a person does it, so that the processor time of all comes together.
+  while kill -0 $program 2>/dev/null; do
+    DISPLAY=$screen xdotool search --onlyvisible --class xboard windowfocus key ctrl+q 2>/dev/null
+    sleep 0.5
+  done
+  times >"$kit/times"
+  say "play.sh: well, $seconds s from the clone to the first move;" \
+    "processor time (user, system): $(tail -1 "$kit/times")"
+}
+
 run_tests() {
   local quoted=
   [ ${#words[@]} -eq 0 ] || printf -v quoted '%q ' "${words[@]}"
@@ -199,9 +246,10 @@ work_inside() {
   make_machine && mount_system || return 1
   case $action in
     run) play_both ;;
+    window) play_window ;;
     test) run_tests ;;
     shell) put_clone root && inside root bash ;;
-    everything) play_both && run_tests ;;
+    everything) play_both && play_window && run_tests ;;
   esac
 }
 

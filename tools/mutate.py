@@ -1,17 +1,16 @@
-"""Changes single lines of the engine and tells which test notices.
+"""Changes single lines of the engine and reports which test notices.
 
     tools/mutate.py --layer eval --count 20 --seed 3
-    tools/mutate.py --count 120            all layers, shared out by size
+    tools/mutate.py --count 120            all layers, in proportion to their size
     tools/mutate.py --file board/fen.cpp --list
     tools/mutate.py --again                the survivors of earlier runs again
 
 Works on a copy of the tracked files in build/mutate/source, never on the tree
-itself. Every mutant is built and tested alone: first the test programs of its
-own layer, the one named like the file before the others, then those of the
-layers above, then the sessions of the whole program. The first failure ends
-it. A program that takes several times its usual processor time has caught the
-mutant, too: it does not end any more. The line printed for a mutant is also
-kept in build/mutate/results.jsonl.
+itself. Every mutant is built and tested alone: first the test programs of its own
+layer, the one with the file's name before the others, then those of the layers
+above, then sessions of the whole program. The first failure ends it. A program
+that takes several times its usual processor time counts as a failure. The result
+of each mutant is also stored in build/mutate/results.jsonl.
 """
 
 import argparse
@@ -39,15 +38,15 @@ BUILD = WORK / "build"
 RESULTS = WORK / "results.jsonl"
 LAYERS = list(layer_table.USES)
 
-# Lowest layer first; tests/shell holds programs of three layers.
+# Lowest layer first; tests/shell has programs of three layers.
 TEST_FOLDERS = {
     "base_test": "base", "config_test": "config", "shell_test": "shell", "hash_table_test": "hash",
 }
-# Sessions of the program; games, deep counts and checks of text are left out.
+# Sessions of the program; games, deep counts and checks of texts are left out.
 SESSIONS = ["-L", "^(transcript|process)$"]
 
 CAUGHT, NO_BUILD, SURVIVED = "caught", "did not compile", "SURVIVED"
-# A mutant may print or allocate without end.
+# Limits for mutants that print or allocate endlessly.
 MOST_BYTES_WRITTEN = 200 << 20
 MOST_MEMORY = 12 << 30
 
@@ -56,7 +55,7 @@ def run(command, cpu_seconds, wall_seconds, **options):
     """(status, output, processor seconds); status None when time ran out."""
 
     def limit():
-        # A shell's background job ignores interrupts, and tests send some.
+        # A background job of a shell ignores interrupts, but tests send some.
         signal.signal(signal.SIGINT, signal.SIG_DFL)
         resource.setrlimit(resource.RLIMIT_CPU, (cpu_seconds, cpu_seconds + 5))
         resource.setrlimit(resource.RLIMIT_FSIZE, (MOST_BYTES_WRITTEN, MOST_BYTES_WRITTEN))
@@ -84,7 +83,7 @@ def run(command, cpu_seconds, wall_seconds, **options):
 
 
 def copy_tree():
-    """Brings build/mutate/source up to date; equal files keep their times."""
+    """Updates build/mutate/source; unchanged files keep their times."""
     listed = subprocess.run(
         ["git", "ls-files", "-z", "--cached", "--others", "--exclude-standard"],
         cwd=ROOT, check=True, capture_output=True, text=True).stdout.split("\0")
@@ -133,7 +132,7 @@ class Program:
 
 
 def programs():
-    """The GoogleTest programs of the build, by CTest's account."""
+    """The GoogleTest programs of the build, according to CTest."""
     shown = subprocess.run(
         ["ctest", "--test-dir", str(BUILD), "--show-only=json-v1"],
         check=True, capture_output=True, text=True).stdout
@@ -147,7 +146,7 @@ def programs():
 
 
 def prepare(jobs):
-    """Builds the copy, which must pass its tests; returns their programs."""
+    """Builds the copy, which must pass its tests; returns the test programs."""
     subprocess.run(
         ["cmake", "-S", SOURCE, "-B", BUILD, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Mutate",
          "-DCMAKE_CXX_FLAGS_MUTATE=-O1", "-DMIRVO_WERROR=OFF",
@@ -167,7 +166,7 @@ def prepare(jobs):
 
 
 def in_order(found, mutant, own_layer):
-    """The programs worth running for a mutant, the likeliest first."""
+    """The programs to run for a mutant, the most likely to fail first."""
     layer = layer_table.layer_of(mutant.file)
     stem = pathlib.Path(mutant.file).stem
     above = [] if own_layer else [other for other in LAYERS if layer in layer_table.USES[other]]
@@ -217,7 +216,7 @@ class Mutant:
             return None
         if "error:" in text and "FAILED: " in text:
             return NO_BUILD, ""
-        # The book of the shipped lines is made by the engine itself.
+        # The build makes the book with the engine itself.
         failed = re.search(r"FAILED: (\S+)", text)
         return CAUGHT, f"the build ({failed.group(1) if failed else 'endless'})"
 
@@ -246,12 +245,13 @@ def candidates(layers, files):
 
 
 def is_row(changes):
-    """Lines of nothing but numbers: a table has many that are all alike."""
+    """Whether lines have only numbers, like the rows of a table."""
     return re.fullmatch(r"[\s\d{},.xA-FULuflf+-]*", changes[0].old_line) is not None
 
 
 def choose(layers, files, count, least, seed):
-    """`count` mutants at random lines, at most one a line; `least` in a layer."""
+    """`count` mutants on random lines, at most one per line, at least `least` per
+    layer."""
     generator = random.Random(seed)
     found = candidates(layers, files)
     weights = {layer: sum(0.2 if is_row(c) else 1 for _, _, c in lines)
@@ -269,7 +269,7 @@ def choose(layers, files, count, least, seed):
             kind = generator.choice(sorted({change.kind for change in changes}))
             change = generator.choice([c for c in changes if c.kind == kind])
             chosen.append(Mutant(file, change))
-    generator.shuffle(chosen)  # A run cut short has been everywhere, too.
+    generator.shuffle(chosen)  # so that an interrupted run covers all layers
     return chosen
 
 
@@ -281,7 +281,7 @@ def recorded():
 
 
 def survivors():
-    """The mutants that survived when last tried, where still possible."""
+    """The mutants that survived when last tried, if their lines still exist."""
     result = []
     for (file, old, new), record in recorded().items():
         lines = (SOURCE / file).read_text().split("\n") if (SOURCE / file).is_file() else []
@@ -293,8 +293,8 @@ def survivors():
 
 
 def table():
-    """A line per layer: its mutants, and how many were caught when. Those that
-    did not compile are left out."""
+    """A row per layer: its mutants, and how many were caught at once, later or never.
+    Those that did not compile are left out."""
     verdicts = {}
     for line in RESULTS.read_text().splitlines():
         record = json.loads(line)

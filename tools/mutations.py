@@ -1,8 +1,8 @@
-"""Finds the places of a C++ source where one small change makes a mutant.
+"""Finds the places in a C++ source where one small change makes a mutant.
 
 `mutations_of(text)` lists them all; tools/mutate.py chooses among them. The
-sources are laid out by clang-format, and the patterns rely on its blanks: a
-`<` with blanks around it compares, one without belongs to a template.
+patterns rely on clang-format's blanks: a `<` with blanks around it is a comparison,
+one without belongs to a template.
 """
 
 import dataclasses
@@ -25,7 +25,7 @@ class Mutation:
         return self.old_line[: self.start] + self.new + self.old_line[self.end :]
 
 
-# Comments and the insides of strings and characters: no code, or texts that
+# Comments and the contents of strings and characters: not code, or texts that
 # transcripts compare byte for byte anyway.
 NOT_CODE = re.compile(
     r"""//[^\n]*|/\*.*?\*/|"(?:\\.|[^"\\\n])*"|(?<![0-9A-Fa-f])'(?:\\.|[^'\\\n])+'""", re.DOTALL
@@ -97,7 +97,7 @@ STATEMENT = re.compile(
     r"|break|continue|return);$"
 )
 GUARDED_RETURN = re.compile(r"^\s*(?:if|for|while) \(.*\) return\b.*;$")
-# Lines that change nothing that runs, or only what must not happen anyway.
+# Lines without effect at run time, or only on what must not happen anyway.
 IGNORED = re.compile(r"^\s*(?:#|assert\(|static_assert\(|namespace|using|template|}|extern)")
 
 
@@ -128,11 +128,11 @@ def in_line(code):
     for kind, swaps in SWAPS.items():
         for old, news in swaps.items():
             for found in re.finditer(re.escape(old), padded):
-                # A pointer or reference in a declaration is no operator.
+                # A pointer or reference in a declaration is not an operator.
                 if found.end() > len(code) and old.strip() in ("*", "&", "<", ">"):
                     continue
                 for new in news:
-                    # At the end of a line the blank behind is not there.
+                    # At the end of a line the blank after the operator is missing.
                     yield found.start(), min(found.end(), len(code)), (
                         new[: len(code) - found.start()] if found.end() > len(code) else new
                     ), kind

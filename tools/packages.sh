@@ -1,13 +1,19 @@
 # Sourced by run.sh and test.sh: installs Debian packages that are missing.
 # Everything it prints goes to standard error.
 
-# Prints those of the packages named that are not installed.
+# Prints the named packages that are not installed.
 missing_packages() {
   local package
   for package in "$@"; do
     [ "$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null)" = installed ] ||
       printf '%s\n' "$package"
   done
+}
+
+# Prints the name of the newest clang that the package lists know; nothing where
+# they know none.
+newest_clang_package() {
+  apt-cache search --names-only '^clang-[0-9]+$' 2>/dev/null | cut -d ' ' -f 1 | sort -V | tail -n 1
 }
 
 # Runs a command as root: directly, or through sudo.
@@ -22,8 +28,8 @@ as_root() {
   fi
 }
 
-# Installs what is missing of the packages named; silent, quick and without
-# network when nothing is. Fails when a package could not be installed.
+# Installs those of the named packages that are missing; silent, fast and without
+# network if none is. Fails if a package cannot be installed.
 need_packages() {
   if ! command -v dpkg-query >/dev/null; then
     echo "Not a Debian machine: please install the counterparts of: $*" >&2
@@ -33,8 +39,8 @@ need_packages() {
   mapfile -t missing < <(missing_packages "$@")
   [ ${#missing[@]} -eq 0 ] && return 0
   echo "Installing: ${missing[*]}" >&2
-  # A fresh machine has no package lists yet, so they come first. A list that
-  # cannot be refreshed is no reason to stop: the cached one may do.
+  # A fresh machine has no package lists yet, so fetch them first. If that fails,
+  # cached lists may do.
   as_root apt-get update -q </dev/null >&2 || true
   as_root env DEBIAN_FRONTEND=noninteractive \
     apt-get install -y -q --no-install-recommends "${missing[@]}" </dev/null >&2

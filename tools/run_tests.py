@@ -25,8 +25,12 @@ ROOT = pathlib.Path(__file__).resolve().parents[1]
 WHY_LEFT_OUT = {
     "windows": "its compiler or Wine is not there and\n"
                "***  could not be installed (g++-mingw-w64-x86-64-posix, googletest, wine64).",
-    "web": "its compiler is not there and\n"
-           "***  could not be installed (emscripten).",
+    "arm64": "its compiler or qemu is not there and could\n"
+             "***  not be installed (g++-aarch64-linux-gnu, googletest, qemu-user).",
+    "s390x": "its compiler or qemu is not there and could\n"
+             "***  not be installed (g++-s390x-linux-gnu, googletest, qemu-user).",
+    "web": "its compiler, Node or a browser is not there\n"
+           "***  and could not be installed (emscripten, nodejs, npm, chromium).",
 }
 FRAME = "*" * 79
 

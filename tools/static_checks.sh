@@ -26,8 +26,8 @@ run_cppcheck() {
     -q -j "$(nproc)" -I . "${engine[@]}" "${others[@]}"
 }
 
-# run_clang_tidy FOLDER...: nothing is built, clang-tidy only needs to know how
-# each file would be compiled by itself.
+# run_clang_tidy FOLDER...: builds nothing; clang-tidy only needs to know how each
+# file would be compiled by itself.
 run_clang_tidy() {
   local folders
   folders=$(IFS='|'; echo "$*")
@@ -40,7 +40,7 @@ run_clang_tidy() {
   run-clang-tidy-14 -quiet -clang-tidy-binary clang-tidy-14 -p build/static -j "$(nproc)" \
     "^$root/($folders)/" >build/static.txt 2>build/static.log
   local status=$?
-  # Its own commands and counts of warnings in system headers say nothing.
+  # Leaves out its commands and its counts of warnings in system headers.
   sed 's/\x1b\[[0-9;]*m//g' build/static.txt | grep -vE '^(clang-tidy-14 |$)'
   return $status
 }

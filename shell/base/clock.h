@@ -1,5 +1,5 @@
-// The millisecond clock and the two ways of giving up the processor. Every
-// time the engine measures or allots comes from TickCount.
+// The millisecond clock, and yielding or sleeping. Every time that the engine
+// measures or allots comes from TickCount.
 #pragma once
 
 #include <cstdint>

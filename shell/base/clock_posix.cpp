@@ -6,8 +6,8 @@
 namespace mirvo {
 
 std::uint32_t SystemTickCount() {
-  // The monotonic clock counts from boot and does not follow the calendar, so
-  // a clock that is set back never lengthens a search.
+  // The monotonic clock does not follow the calendar, so setting the system's
+  // clock back never lengthens a search.
   timespec now{};
   clock_gettime(CLOCK_MONOTONIC, &now);
   const std::int64_t milliseconds =
@@ -21,7 +21,7 @@ void SystemSleep(std::uint32_t milliseconds) {
   timespec length{};
   length.tv_sec = static_cast<time_t>(milliseconds / 1000);
   length.tv_nsec = static_cast<decltype(length.tv_nsec)>(milliseconds % 1000) * 1'000'000;
-  // A signal may cut the sleep short; callers only ask for "about" that long.
+  // A signal may cut the sleep short; callers only need an approximate sleep.
   nanosleep(&length, nullptr);
 }
 

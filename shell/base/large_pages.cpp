@@ -3,7 +3,7 @@
 namespace mirvo {
 
 void TouchMemory(void* start, std::size_t bytes) {
-  // Memory comes with the first write to a page.
+  // The system provides a page at the first write to it.
   constexpr std::size_t smallestPage = 4096;
   volatile char* const memory = static_cast<char*>(start);
   for (std::size_t offset = 0; offset < bytes; offset += smallestPage) {

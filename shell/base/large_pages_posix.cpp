@@ -8,23 +8,23 @@
 namespace mirvo {
 namespace {
 
-// Linux's requests, of which the headers of an older system lack the last two:
-// to write to every page (since 5.14), and to put small pages in use together to
-// a large one (since 6.1). A system that does not know a request refuses it.
+// Linux's madvise requests. Headers of older systems lack the last two: to
+// populate pages for writing (since 5.14) and to merge small pages in use into a
+// large one (since 6.1). A kernel refuses a request that it does not know.
 #ifdef MADV_HUGEPAGE
-constexpr int inLargePages = MADV_HUGEPAGE;
-constexpr int inSmallPages = MADV_NOHUGEPAGE;
-constexpr int writtenTo = 23;
-constexpr int putTogether = 25;
+constexpr int useLargePages = MADV_HUGEPAGE;
+constexpr int useSmallPages = MADV_NOHUGEPAGE;
+constexpr int populateForWriting = 23;
+constexpr int mergeSmallPages = 25;
 
 bool Advise(void* start, std::size_t bytes, int advice) {
   return madvise(start, bytes, advice) == 0;
 }
 #else
-constexpr int inLargePages = 0;
-constexpr int inSmallPages = 0;
-constexpr int writtenTo = 0;
-constexpr int putTogether = 0;
+constexpr int useLargePages = 0;
+constexpr int useSmallPages = 0;
+constexpr int populateForWriting = 0;
+constexpr int mergeSmallPages = 0;
 
 bool Advise(void*, std::size_t, int) { return false; }
 #endif
@@ -32,8 +32,8 @@ bool Advise(void*, std::size_t, int) { return false; }
 }  // namespace
 
 void* ReserveMemory(std::size_t bytes) {
-  // More than wanted, so that a multiple of the large page lies within; what is
-  // left over at both ends goes back.
+  // Maps more than needed, so that it contains an aligned block, and unmaps the
+  // rest at both ends.
   const std::size_t asked = bytes + largePageSize;
   void* const given =
       mmap(nullptr, asked, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
@@ -43,9 +43,9 @@ void* ReserveMemory(std::size_t bytes) {
   char* const start = static_cast<char*>(given) + before;
   if (before != 0) munmap(given, before);
   if (before != largePageSize) munmap(start + bytes, largePageSize - before);
-  // A system may give large pages unasked: then the first few thousand accesses
-  // to a table of any size would take all of it, each page cleared on the clock.
-  Advise(start, bytes, inSmallPages);
+  // Some systems give large pages by default. Then a few thousand accesses would
+  // bring in all of a table, each page cleared while the clock runs.
+  Advise(start, bytes, useSmallPages);
   return start;
 }
 
@@ -58,9 +58,9 @@ std::size_t ReleaseMemoryEnd(void* start, std::size_t bytes, std::size_t most) {
 }
 
 void PrefaultLargePage(void* start) {
-  Advise(start, largePageSize, inLargePages);
-  Advise(start, largePageSize, putTogether);
-  if (!Advise(start, largePageSize, writtenTo)) TouchMemory(start, largePageSize);
+  Advise(start, largePageSize, useLargePages);
+  Advise(start, largePageSize, mergeSmallPages);
+  if (!Advise(start, largePageSize, populateForWriting)) TouchMemory(start, largePageSize);
 }
 
 }  // namespace mirvo

@@ -15,7 +15,7 @@ std::size_t ReleaseMemoryEnd(void* start, std::size_t bytes, std::size_t) {
   return 0;
 }
 
-// Large pages take a privilege here that few users have.
+// Large pages need a privilege on Windows that few users have.
 void PrefaultLargePage(void* start) { TouchMemory(start, largePageSize); }
 
 }  // namespace mirvo

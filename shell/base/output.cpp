@@ -12,16 +12,16 @@ OutputRecord output;
 
 namespace {
 
-/// A formatted message: in a buffer of the caller, or in memory of its own when
-/// the message is longer than that.
+/// A formatted message, in the caller's buffer or, if it is too long for that, in
+/// allocated memory.
 struct Message {
   const char* text;
   std::size_t length;
-  char* owned;  // released by the caller; null when the text fits the buffer
+  char* owned;  // freed by the caller; null when the text fits the buffer
 };
 
 /// Formats into `buffer` (`size` bytes). A message that does not fit is
-/// formatted again into memory of its own; if there is none it stays cut.
+/// formatted again into allocated memory; without memory it stays truncated.
 __attribute__((format(printf, 3, 0))) Message FormatMessage(char* buffer, std::size_t size,
                                                             const char* format,
                                                             std::va_list arguments) {
@@ -47,9 +47,9 @@ __attribute__((format(printf, 3, 0))) Message FormatMessage(char* buffer, std::s
   return message;
 }
 
-/// One write and one flush, so that a reader never meets half a message. What
-/// cannot be written (full disk, closed pipe) is dropped: the other sink and
-/// the next message still get their chance.
+/// One write and one flush, so that a reader never sees half a message. Errors
+/// (full disk, closed pipe) are ignored: the other sink and later messages are
+/// still written.
 void WriteTo(std::FILE* sink, const Message& message) {
   std::fwrite(message.text, 1, message.length, sink);
   std::fflush(sink);
@@ -64,19 +64,15 @@ OutputRecord::OutputRecord()
 }
 
 std::uint32_t Output(OutputRecord& record, const char* format, ...) {
-  // Stands in for a buffer that could not be allocated.
+  // Used when the record's buffer could not be allocated.
   char spare[outputBufferSize];
   char* const buffer = record.buffer != nullptr ? record.buffer : spare;
   std::va_list arguments;
   va_start(arguments, format);
   const Message message = FormatMessage(buffer, outputBufferSize, format, arguments);
   va_end(arguments);
-  if (record.toConsole != 0) {
-    WriteTo(stdout, message);
-  }
-  if (record.log != nullptr) {
-    WriteTo(record.log, message);
-  }
+  if (record.toConsole != 0) WriteTo(stdout, message);
+  if (record.log != nullptr) WriteTo(record.log, message);
   std::free(message.owned);
   return static_cast<std::uint32_t>(message.length);
 }

@@ -1,5 +1,5 @@
-// The one print routine: every message goes to standard output and to the log
-// file, flushed at once. The record is built before main and never changes
+// The one print routine: writes every message to standard output and to the log
+// file and flushes both. The record is built before main and never changes
 // afterwards; the log stays open until the process ends.
 #pragma once
 
@@ -13,7 +13,7 @@ inline constexpr char engineVersion[] = "0.2.7_d";
 inline constexpr char engineAuthor[] = "Tavelin";
 inline constexpr char logFileName[] = "mirvo_0.2.7_d_log.txt";
 
-/// Bytes of the formatting buffer; longer messages take a temporary one.
+/// Bytes of the formatting buffer; longer messages get a temporary one.
 inline constexpr int outputBufferSize = 2048;
 
 struct OutputRecord {
@@ -23,7 +23,7 @@ struct OutputRecord {
   OutputRecord(const OutputRecord&) = delete;
   OutputRecord& operator=(const OutputRecord&) = delete;
 
-  char* buffer;            // outputBufferSize bytes, never freed; null when memory is short
+  char* buffer;            // outputBufferSize bytes, never freed; null if allocation failed
   std::int32_t toConsole;  // non-zero: messages go to standard output
   std::FILE* log;          // null when the file could not be opened
 };
@@ -31,8 +31,8 @@ struct OutputRecord {
 /// Owner: output.cpp. Writers: none after start-up. Readers: every layer.
 extern OutputRecord output;
 
-// Our formats are the C99 ones on every platform (64-bit counts with %llu);
-// only GCC has a name for that family.
+// Formats follow C99 on every platform (%llu for 64 bits). GCC calls that family
+// gnu_printf; clang's printf already means it.
 #if defined(__clang__)
 #define MIRVO_FORMAT_FAMILY printf
 #else
@@ -44,7 +44,7 @@ extern OutputRecord output;
 std::uint32_t Output(OutputRecord& record, const char* format, ...)
     __attribute__((format(MIRVO_FORMAT_FAMILY, 2, 3)));
 
-/// The same for the few texts that the log leaves out.
+/// The same without the log, for the few texts that belong on the console only.
 void PrintToConsole(const char* format, ...) __attribute__((format(MIRVO_FORMAT_FAMILY, 1, 2)));
 
 #undef MIRVO_FORMAT_FAMILY

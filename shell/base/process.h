@@ -1,20 +1,19 @@
-// What the process asks of the platform before anything else, and what it then
-// wants changed.
+// How the process reacts to a closed output pipe and to the file size limit.
 #pragma once
 
 namespace mirvo {
 
-/// Makes a write to a closed pipe, or past the largest size that the user's
-/// files may have, fail like a write to a full disk instead of ending the
-/// process: what can still be written is complete whoever stops reading.
+/// Makes a write to a closed pipe, or beyond the user's file size limit, fail
+/// like a write to a full disk instead of ending the process. So the log stays
+/// complete when the interface stops reading. Called first at start-up.
 void PrepareProcess();
 
-/// Lets a closed pipe end the process again, by the next write or, while nothing
-/// is printed, within a second: a run that nobody reads any more is of no use to
-/// anyone. That whoever started the process ignores the signal does not count.
+/// Lets a closed pipe end the process again, at the next write or, while nothing
+/// is printed, within a second: nobody reads the result of a command-line task
+/// any more. Works even if the parent process ignores the signal.
 void EndWithClosedPipe();
 
-/// Undoes EndWithClosedPipe (tests, which go on as the engine in one process).
+/// Undoes EndWithClosedPipe (tests that go on as the engine in one process).
 void UndoEndWithClosedPipe();
 
 }  // namespace mirvo

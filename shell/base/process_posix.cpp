@@ -8,8 +8,8 @@
 namespace mirvo {
 namespace {
 
-/// Seconds between two looks whether anybody still reads.
-constexpr time_t lookInterval = 1;
+/// Seconds between two checks whether anybody still reads the output.
+constexpr time_t checkInterval = 1;
 
 /// What EndWithClosedPipe replaced.
 struct Alarm {
@@ -19,7 +19,7 @@ struct Alarm {
 };
 Alarm before{};
 
-/// What the next write would do. A long count prints nothing for hours.
+/// Does what the next write would do: a long perft prints nothing for hours.
 void EndIfUnread(int) {
   pollfd printed{STDOUT_FILENO, 0, 0};
   if (poll(&printed, 1, 0) > 0 && (printed.revents & POLLERR) != 0) raise(SIGPIPE);
@@ -38,7 +38,7 @@ void EndWithClosedPipe() {
   action.sa_handler = EndIfUnread;
   action.sa_flags = SA_RESTART;
   sigemptyset(&action.sa_mask);
-  const itimerval interval{{lookInterval, 0}, {lookInterval, 0}};
+  const itimerval interval{{checkInterval, 0}, {checkInterval, 0}};
   Alarm replaced{};
   sigaction(SIGALRM, &action, &replaced.action);
   setitimer(ITIMER_REAL, &interval, &replaced.interval);

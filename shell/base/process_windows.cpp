@@ -2,10 +2,10 @@
 
 namespace mirvo {
 
-// Writing to a closed pipe is an ordinary error here already.
+// On Windows a write to a closed pipe is an ordinary error.
 void PrepareProcess() {}
 
-// There is no such default here, and a tool writes on to its end.
+// Nothing on Windows ends a process for that; a tool runs to its end.
 void EndWithClosedPipe() {}
 
 void UndoEndWithClosedPipe() {}

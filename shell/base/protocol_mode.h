@@ -11,10 +11,10 @@ struct ProtocolMode {
   std::uint32_t mode = noProtocol;
   std::uint8_t uciState = 0;
   std::uint8_t xboardState = 0;
-  std::uint8_t detected = 0;  // a protocol word has been seen
+  bool detected = false;  // a protocol word has been seen
 };
 
-/// Owner: protocol_mode.cpp, in the base layer. Writer: the dispatcher. Reader: the
+/// Owner: protocol_mode.cpp. Writer: the dispatcher. Readers: the dispatcher, the
 /// search reports.
 extern ProtocolMode protocolMode;
 

@@ -1,12 +1,12 @@
-// The three standard streams as the process finds them. Used once, before the
-// first file is opened.
+// The three standard streams at start-up. Used once, before the first file is
+// opened.
 #pragma once
 
 namespace mirvo {
 
-/// Puts a stream that takes and gives nothing in the place of every standard
-/// stream that the process was started without. Otherwise the first file that
-/// is opened would become standard output, or its own input.
+/// Opens the null device for every standard stream that the process was started
+/// without. Otherwise the first file that is opened, the log, would become
+/// standard input or output.
 void OccupyStandardStreams();
 
 }  // namespace mirvo

@@ -6,8 +6,8 @@
 namespace mirvo {
 
 void OccupyStandardStreams() {
-  // The system gives out the lowest free number, so the first one behind the
-  // standard streams says that they are all taken.
+  // The system uses the lowest free descriptor, so the first one above the
+  // standard streams shows that all three are taken.
   int descriptor = open("/dev/null", O_RDWR);
   while (descriptor >= 0 && descriptor <= STDERR_FILENO) descriptor = open("/dev/null", O_RDWR);
   if (descriptor >= 0) close(descriptor);

@@ -2,7 +2,7 @@
 
 namespace mirvo {
 
-// The C library keeps the numbers of the standard streams free here.
+// On Windows the C library never gives a file the descriptor of a standard stream.
 void OccupyStandardStreams() {}
 
 }  // namespace mirvo

@@ -1,4 +1,4 @@
-// Bounded text helpers used wherever outside text is read.
+// Bounded helpers for reading text from outside.
 #pragma once
 
 #include <cstddef>
@@ -6,7 +6,7 @@
 
 namespace mirvo {
 
-/// Blank, tab, line feed, carriage return, vertical tab or form feed.
+/// Space, tab, line feed, carriage return, vertical tab or form feed.
 bool IsBlank(char c);
 
 /// First character that is not a blank.
@@ -19,13 +19,13 @@ bool StartsWith(const char* text, const char* prefix);
 /// No digits read as 0; values beyond 32 bits saturate.
 std::int32_t ReadDecimal(const char* text);
 
-/// `a * b` saturated to 32 bits, for unit conversions of outside numbers.
+/// `a * b` saturated to 32 bits, for unit conversions of numbers from outside.
 std::int32_t MultiplySaturated(std::int32_t a, std::int32_t b);
 
 /// `value` saturated to 32 bits.
 std::int32_t Saturate(std::int64_t value);
 
-/// Copies at most size - 1 characters and ends with a 0. `size` is above 0.
+/// Copies at most size - 1 characters and a terminating 0. `size` is above 0.
 void CopyText(char* destination, std::size_t size, const char* source);
 
 /// Copies the next blank-separated word (cut at size - 1 characters, the rest

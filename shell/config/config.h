@@ -1,5 +1,6 @@
-// The settings record. Built with its defaults before main; then written by
-// config.txt, the command line and, at run time, the protocol front ends.
+// The settings record. Built with its defaults before main, then written by
+// config.txt and the command line. While the program runs, front ends change
+// options, and StoreTimeLimits stores the time of each search.
 #pragma once
 
 #include <cstdint>
@@ -20,7 +21,7 @@ enum class RunModeCode : std::int32_t {
 inline constexpr int analyzeFileCapacity = 128;
 inline constexpr int bookNameCapacity = 64;
 
-/// `FixedTimePerMove` when no time is fixed.
+/// `FixedTimePerMove` when no time is set.
 inline constexpr std::int32_t noFixedTime = -1;
 
 struct EngineConfig {
@@ -30,10 +31,10 @@ struct EngineConfig {
   char AnalyzeFile[analyzeFileCapacity] = "";
   std::int32_t AnalyzeFirst = 0;
   std::int32_t AnalyzeCount = 0;
-  std::uint8_t Quiet = 0;  // suppresses boards, statistics and search lines
+  bool Quiet = false;  // suppresses boards, statistics and search lines
   std::int32_t DepthSearch = 40;
   std::int32_t UseOpeningBook = 1;
-  std::int32_t InfiniteThinkingTime = 0;        // non-zero: the clock is never looked at
+  std::int32_t InfiniteThinkingTime = 0;        // non-zero: no clock
   std::int32_t PawnHashSize = 30;               // MB
   std::int32_t EvalHashSize = 100;              // MB
   std::int32_t TTHashSize = 100;                // MB
@@ -49,15 +50,16 @@ struct EngineConfig {
   char CmdLineBookName[bookNameCapacity] = "";  // stored only
   std::int32_t MaxNumExtPerDepth = 100;         // percent of the depth
   std::int32_t Ponder = 1;
-  std::uint8_t ToolRunOnly = 0;
-  std::int32_t MoveOverhead = 0;  // ms of the own clock a move leaves; 0: not looked at
+  bool ToolRunOnly = false;
+  std::int32_t MoveOverhead = 0;  // ms that a timed search leaves on its clock; 0: none
 };
 
-/// Owner: config.cpp. Writers: start-up, the front ends, time allocation.
+/// Owner: config.cpp. Writers: start-up, the options of the front ends, and
+/// StoreTimeLimits for the two fields of a search's time.
 extern EngineConfig engineConfig;
 
 /// Default and current text of the "Book File" option; config.txt's Book key
-/// replaces it. Owner: config.cpp.
+/// replaces it. Owner: config.cpp. Writer: config_file.cpp.
 extern char bookFileOptionText[bookNameCapacity];
 
 }  // namespace mirvo

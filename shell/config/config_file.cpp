@@ -5,6 +5,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "shell/base/file.h"
 #include "shell/base/output.h"
 #include "shell/base/text.h"
 
@@ -12,13 +13,13 @@ namespace mirvo {
 
 namespace {
 
-/// Room for one token. The rest of a longer one is skipped, once the leading
-/// zeros of its value are out of the way: no key is that long, and a number
-/// that loses digits there is far beyond 32 bits.
+/// Room for one token. A longer one is truncated after most leading zeros of its
+/// value have been dropped. No key is that long, and a number that still loses
+/// digits is far beyond 32 bits.
 constexpr std::size_t tokenCapacity = 1024;
 
-/// Leading zeros that a long value keeps: enough to fill the name of a book,
-/// the one value that is text.
+/// Leading zeros that a long value keeps, enough to fill a book's name, the only
+/// text value.
 constexpr std::size_t keptZeros = sizeof EngineConfig::BookName;
 
 struct NumberKey {
@@ -45,7 +46,7 @@ constexpr NumberKey numberKeys[] = {
     {"MoveOverhead", &EngineConfig::MoveOverhead},
 };
 
-/// The one key whose value is text.
+/// The only key with a text value.
 constexpr char bookKey[] = "Book";
 
 /// Whether the key of `length` characters at `key` is exactly `name`.
@@ -53,32 +54,25 @@ bool IsKey(const char* key, std::size_t length, const char* name) {
   return std::strlen(name) == length && std::memcmp(key, name, length) == 0;
 }
 
-/// Opens a text file; null when it cannot be opened or not be read. Some
-/// systems open a folder like a file and only fail on the first read.
-std::FILE* OpenReadable(const char* path) {
-  std::FILE* const file = std::fopen(path, "r");
-  if (file == nullptr) {
-    return nullptr;
-  }
-  const int first = std::fgetc(file);
-  if (first == EOF && std::ferror(file) != 0) {
-    std::fclose(file);
-    return nullptr;
-  }
-  std::ungetc(first, file);
+/// Opens a text file; null when it cannot be opened or read. Some systems open a
+/// folder like a file and fail only on the first read.
+File OpenReadable(const char* path) {
+  File file = OpenFile(path, "r");
+  if (file == nullptr) return nullptr;
+  const int first = std::fgetc(file.get());
+  if (first == EOF && std::ferror(file.get()) != 0) return nullptr;
+  std::ungetc(first, file.get());
   return file;
 }
 
-/// Skips a UTF-8 byte-order mark, which some editors put in front of a text.
-/// Bytes that only begin like one are given back as the start of a token.
+/// Skips a UTF-8 byte-order mark, which some editors write at the start of a file.
+/// The bytes of an incomplete mark become the start of a token.
 void SkipByteOrderMark(std::FILE* file, char* token, std::size_t& length) {
   constexpr unsigned char mark[] = {0xEF, 0xBB, 0xBF};
   for (const unsigned char expected : mark) {
     const int c = std::fgetc(file);
     if (c != expected) {
-      if (c != EOF) {
-        std::ungetc(c, file);
-      }
+      if (c != EOF) std::ungetc(c, file);
       return;
     }
     token[length++] = static_cast<char>(c);
@@ -86,8 +80,8 @@ void SkipByteOrderMark(std::FILE* file, char* token, std::size_t& length) {
   length = 0;
 }
 
-/// Makes room in a full token by dropping leading zeros of its value, all but a
-/// few. Returns the new length.
+/// Makes room in a full token by dropping all but keptZeros leading zeros of its
+/// value. Returns the new length.
 std::size_t DropLeadingZeros(char* token, std::size_t length) {
   const std::string_view text(token, length);
   std::size_t begin = text.find('=');
@@ -100,22 +94,18 @@ std::size_t DropLeadingZeros(char* token, std::size_t length) {
   return length - (end - begin - keptZeros);
 }
 
-/// Reads the next token behind the `length` characters that `token` holds
-/// already. False at the end of the file.
+/// Reads the next token, appending to the `length` characters that are already in
+/// `token`. False at the end of the file.
 bool ReadToken(std::FILE* file, char* token, std::size_t length) {
   int c = std::fgetc(file);
-  while (length == 0 && c != EOF && IsBlank(static_cast<char>(c))) {
-    c = std::fgetc(file);
-  }
+  while (length == 0 && c != EOF && IsBlank(static_cast<char>(c))) c = std::fgetc(file);
   bool full = false;
   for (; c != EOF && !IsBlank(static_cast<char>(c)); c = std::fgetc(file)) {
     if (!full && length + 1 == tokenCapacity) {
       length = DropLeadingZeros(token, length);
       full = length + 1 == tokenCapacity;
     }
-    if (!full) {
-      token[length++] = static_cast<char>(c);
-    }
+    if (!full) token[length++] = static_cast<char>(c);
   }
   token[length] = '\0';
   return length > 0;
@@ -124,32 +114,27 @@ bool ReadToken(std::FILE* file, char* token, std::size_t length) {
 }  // namespace
 
 void ReadConfigFile(EngineConfig& config, const char* path) {
-  std::FILE* const file = OpenReadable(path);
+  const File file = OpenReadable(path);
   if (file == nullptr) {
     PrintToConsole("config.txt not found, using default values.\n");
     return;
   }
   char token[tokenCapacity];
   std::size_t length = 0;
-  SkipByteOrderMark(file, token, length);
-  while (ReadToken(file, token, length)) {
+  SkipByteOrderMark(file.get(), token, length);
+  while (ReadToken(file.get(), token, length)) {
     ApplyConfigToken(config, token);
     length = 0;
   }
-  std::fclose(file);
 }
 
 void ApplyConfigToken(EngineConfig& config, const char* token) {
   const char* const separator = std::strchr(token, '=');
-  if (separator == nullptr) {
-    return;
-  }
+  if (separator == nullptr) return;
   const auto keyLength = static_cast<std::size_t>(separator - token);
   const char* const value = separator + 1;
   for (const NumberKey& key : numberKeys) {
-    if (IsKey(token, keyLength, key.name)) {
-      config.*key.field = ReadDecimal(value);
-    }
+    if (IsKey(token, keyLength, key.name)) config.*key.field = ReadDecimal(value);
   }
   if (IsKey(token, keyLength, bookKey)) {
     CopyText(config.BookName, sizeof config.BookName, value);
@@ -162,7 +147,7 @@ void PrintConfig(const EngineConfig& config) {
   Output(output, "    DepthSearch=%d\n", config.DepthSearch);
   Output(output, "    UseOpeningBook=%d\n", config.UseOpeningBook);
   Output(output, "    PawnHashSize=%d\n", config.PawnHashSize);
-  // The report has always called the evaluation cache just "Hash".
+  // The report calls the evaluation cache just "Hash".
   Output(output, "    HashSize=%d\n", config.EvalHashSize);
   Output(output, "    TTHashSize=%d\n", config.TTHashSize);
   Output(output, "    AspirationWindow=%d\n", config.AspirationWindow);

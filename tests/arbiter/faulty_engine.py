@@ -1,6 +1,6 @@
-"""A UCI engine that plays the first legal move and commits one fault on its
-third move, or in every game: what the arbiter and the soak must notice. "slow"
-takes its time for every move, which is a fault only where the clock is short.
+"""A UCI engine that plays the first legal move and commits one fault on its third
+move, or in every game, which the arbiter and the soak must notice. "slow" takes
+time for every move, which is a fault only with a short clock.
 
 Usage: faulty_engine.py FAULT   (see `answer` and `begin_game`; "none" for none)
 """
@@ -24,7 +24,7 @@ def read_position(line):
     return position
 
 
-kept = []  # what a leaking engine never gives back
+kept = []  # memory that a leaking engine never frees
 
 
 def begin_game(fault):

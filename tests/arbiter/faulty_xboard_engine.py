@@ -1,12 +1,15 @@
-"""A real engine behind a filter that spoils one kind of line from its sixth on:
-what the arbiter of XBoard games must notice.
+"""A real engine behind a filter that spoils one kind of line from its sixth
+occurrence on, which the arbiter of XBoard games must notice.
 
 Usage: faulty_xboard_engine.py ENGINE FAULT   ("none" for none)
 """
 
+import os
 import re
-import subprocess
 import sys
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."))
+from kit.engine_process import EngineProcess  # noqa: E402
 
 # Fault -> (line it spoils, replacement; None drops the line).
 SPOILED = {
@@ -26,18 +29,18 @@ def main():
     engine, fault = sys.argv[1:]
     pattern, replacement = SPOILED[fault]
     left = 5
-    with subprocess.Popen([engine, "-quiet"], stdout=subprocess.PIPE,
-                          stderr=subprocess.DEVNULL, text=True) as process:
-        for line in process.stdout:
-            line = line.rstrip("\n")
-            if re.search(pattern, line):
+    # The input is this process's own.
+    with EngineProcess([engine, "-quiet"], input=None) as process:
+        for line in process.all_lines():
+            text = line.text
+            if re.search(pattern, text):
                 left -= 1
                 if left < 0 and replacement is None:
                     continue
                 if left < 0:
-                    line = re.sub(pattern, replacement, line)
-            print(line, flush=True)
-    return process.returncode
+                    text = re.sub(pattern, replacement, text)
+            print(text, flush=True)
+        return process.wait()
 
 
 if __name__ == "__main__":

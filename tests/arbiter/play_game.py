@@ -1,10 +1,10 @@
-"""Plays whole games between two UCI engines and judges every move.
+"""Plays whole games between two UCI engines and checks every move.
 
 The arbiter keeps the clocks, checks each move with its own rules code (and, if
 asked to, the rules code with a third engine), and ends a game by the rules or
-after a number of plies. A fault of an engine - an illegal move or line, a lost
-clock, a hang, a bestmove too few or too many, an unexpected end - stops it with
-status 1 and the last lines of both engines' conversations.
+after a number of plies. A fault of an engine - an illegal move or line, a loss on
+time, a hang, a missing or extra bestmove, an unexpected end - stops it with status
+1 and the last lines of both engines.
 
     play_game.py --white ./mirvo --black ./mirvo --clock 2000+20 --ponder
 """
@@ -78,8 +78,8 @@ def position_line(fen, moves):
 
 
 def check_line(name, position, line):
-    """A reported principal variation must be playable from the position. While
-    pondering it begins with the expected reply in brackets, already played."""
+    """A reported principal variation must be playable. While pondering it begins
+    with the expected reply in brackets, which is already on the board."""
     words = line.split()
     if words[:1] != ["info"] or "pv" not in words:
         return
@@ -122,7 +122,7 @@ class Game:
         self.keys = [self.position.repetition_key()]
 
     def clocks(self, player):
-        """As the player is told them."""
+        """The clocks as sent to the player."""
         return go_words(self.players[0].clock, self.players[1].clock, player.clock)
 
     def ask_referee(self):
@@ -134,7 +134,7 @@ class Game:
             raise EngineFault(f"the arbiter's rules differ from the referee's: {ours} {theirs}")
 
     def play_ply(self):
-        """One move of the side to move; then it ponders on, if it may."""
+        """One move of the side to move, which then ponders if it may."""
         player = self.players[0 if self.position.white else 1]
         self.ask_referee()
         start = player.begin_turn(position_line(self.options.fen, self.moves),

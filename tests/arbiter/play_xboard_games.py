@@ -1,11 +1,11 @@
-"""Plays games between two Mirvo processes over XBoard, pondering, and checks
-every line that tells a position.
+"""Plays games between two Mirvo processes over XBoard, pondering, and checks every
+line that shows a position.
 
-The arbiter keeps the clocks and knows the rules. Between two moves an engine
-must print exactly the positions that its game board went through: the expected
-reply while it ponders, the real move after a miss, its own answer. A wrong or
-missing position, an illegal move, a lost clock, a hang or an unexpected end
-stops with status 1 and the engine's last lines.
+The arbiter keeps the clocks and knows the rules. Between two moves an engine must
+print exactly the positions of its game board: after the expected reply while it
+ponders, after the real move on a miss, after its own answer. A wrong or missing
+position, an illegal move, a loss on time, a hang or an unexpected end stops it
+with status 1 and the engine's last lines.
 
     play_xboard_games.py ./mirvo --games 50 --clock 1000
 """
@@ -25,7 +25,7 @@ SYNC_LINE = "rnbqkbnr/pppppppp/8/8/8/P7/1PPPPPPP/RNBQKBNR b KQkq -"
 
 
 class Undecidable(Exception):
-    """The engine takes another promotion piece for the expected one."""
+    """The engine accepted another promotion piece as the expected one."""
 
 
 def position_line(position):
@@ -47,7 +47,7 @@ class XBoardPlayer:
         raise EngineFault(f"{self.engine.name}: {text}")
 
     def begin(self, clock, position):
-        """Starts a game; reads up to a sign that everything older is past."""
+        """Starts a game; reads up to a line that shows that older output is past."""
         for line in ("force", "new", "force", "a2a3"):
             self.engine.send(line)
         self.hits = self.misses = None
@@ -60,7 +60,7 @@ class XBoardPlayer:
         self.hits = self.misses = 0
 
     def next_event(self, limit):
-        """The next line that says something about the game, others skipped."""
+        """The next line about the game, others skipped."""
         deadline = time.monotonic() + limit
         while True:
             got = self.engine.read(deadline)

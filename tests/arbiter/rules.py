@@ -1,5 +1,5 @@
-"""The rules of chess, written for judging engines: slow, short and independent
-of the engine's own code.
+"""The rules of chess for checking engines: slow, short and independent of the
+engine's own code.
 
 A position is a 10x12 mailbox: index 21 is a1, 28 is h1, 98 is h8; a frame of
 "#" surrounds the board so that steps off it need no arithmetic. Pieces are
@@ -20,7 +20,7 @@ STEPS = {"n": JUMPS, "b": DIAGONAL, "r": STRAIGHT, "q": STRAIGHT + DIAGONAL,
 SLIDERS = "brq"
 PROMOTIONS = "qrbn"
 
-# Squares whose touching ends a castling right, by either side's moves.
+# A move from or to one of these squares, by either side, ends castling rights.
 RIGHTS_LOST = {25: "KQ", 21: "Q", 28: "K", 95: "kq", 91: "q", 98: "k"}
 
 # Right -> (king's square, squares to be empty, squares not to be attacked, target).
@@ -46,7 +46,7 @@ def square_name(index):
 
 
 def move_text(move):
-    """Coordinate text, as the protocols speak it."""
+    """Coordinate text, as in the protocols."""
     return square_name(move.origin) + square_name(move.target) + move.promotion
 
 
@@ -153,7 +153,7 @@ class Position:
                 yield Move(king, target, "")
 
     def pseudo_legal_moves(self, origins=range(21, 99)):
-        """Moves of the side to move's pieces on `origins`, king's safety aside."""
+        """Pseudo-legal moves of the side to move's pieces on `origins`."""
         for origin in origins:
             if not self.own(self.cells[origin]):
                 continue
@@ -197,8 +197,8 @@ class Position:
         return after
 
     def repetition_key(self):
-        """Equal for positions that count as the same: an en-passant square
-        matters only when a capture there is legal."""
+        """Equal for positions that count as the same: an en-passant square matters
+        only if a capture there is legal."""
         target = self.en_passant
         if target and not any(m.target == target and self.cells[m.origin].lower() == "p"
                               for m in self.legal_moves()):
@@ -206,7 +206,7 @@ class Position:
         return ("".join(self.cells), self.white, self.rights, target)
 
     def insufficient_material(self):
-        """Bare kings, or one minor piece, or bishops all of one square colour."""
+        """Lone kings, or one minor piece, or bishops all of one square colour."""
         rest = [(cell.lower(), (i // 10 + i % 10) % 2) for i, cell in enumerate(self.cells)
                 if cell.isalpha() and cell.lower() != "k"]
         if len(rest) <= 1:

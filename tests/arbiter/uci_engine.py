@@ -1,28 +1,21 @@
-"""A UCI engine as a child process, as an interface sees it: lines go in, lines
-come out with the time they arrived, and waiting never lasts for ever."""
+"""A UCI engine as a child process, as an interface sees it: lines go in, lines come
+out with the time they arrived, and every wait has a limit."""
 
 import pathlib
-import queue
 import shlex
-import signal
-import subprocess
+import sys
 import tempfile
-import threading
 import time
 
-
-# A shell's background job and "nohup" ignore signals, and so would every engine
-# started from there: tests send some that must end it.
-for _number in (signal.SIGINT, signal.SIGHUP):
-    if signal.getsignal(_number) is signal.SIG_IGN:
-        signal.signal(_number, signal.SIG_DFL)
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1]))
+from kit.engine_process import JOINED, EngineProcess, OutputEnded, TooLate  # noqa: E402
 
 
 class EngineFault(Exception):
     """Something an engine must never do; the text says what."""
 
 
-class UciEngine:
+class UciEngine(EngineProcess):
     """Runs `command` in a folder of its own, which is removed by `close`. With
     `settings` the folder has them as its config.txt."""
 
@@ -31,39 +24,26 @@ class UciEngine:
         self.folder = tempfile.TemporaryDirectory(prefix="mirvo-arbiter-")
         if settings is not None:
             (pathlib.Path(self.folder.name) / "config.txt").write_text(settings)
-        self.process = subprocess.Popen(
-            shlex.split(command), cwd=self.folder.name, stdin=subprocess.PIPE,
-            stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, bufsize=1,
-            errors="replace")
-        self.lines = queue.Queue()
         self.transcript = []
-        self.reader = threading.Thread(target=self._read, daemon=True)
-        self.reader.start()
+        super().__init__(shlex.split(command), self.folder.name, errors=JOINED)
 
-    def _read(self):
-        for line in self.process.stdout:
-            self.lines.put((time.monotonic(), line.rstrip("\r\n")))
-        self.lines.put((time.monotonic(), None))
-
-    def send(self, line):
-        self.transcript.append("< " + line)
+    def send(self, *lines):
+        self.transcript += ["< " + line for line in lines]
         try:
-            self.process.stdin.write(line + "\n")
-            self.process.stdin.flush()
-        except OSError as error:
+            super().send(*lines)
+        except (OSError, TooLate) as error:
             raise EngineFault(f"{self.name} no longer reads its input ({error})") from error
 
     def read(self, deadline):
         """The next line as (arrival time, text); None when the deadline passes."""
         try:
-            arrival, line = self.lines.get(timeout=max(0.0, deadline - time.monotonic()))
-        except queue.Empty:
-            return None
+            line = self.read_line(deadline)
+        except OutputEnded:
+            raise EngineFault(f"{self.name} ended with status {self.wait(5)}") from None
         if line is None:
-            self.process.wait(timeout=5)
-            raise EngineFault(f"{self.name} ended with status {self.process.returncode}")
-        self.transcript.append("> " + line)
-        return arrival, line
+            return None
+        self.transcript.append("> " + line.text)
+        return line.arrival, line.text
 
     def wait_for(self, first_word, limit):
         """Skips lines up to one that begins with the word; (arrival, line,
@@ -99,17 +79,12 @@ class UciEngine:
         """Ends the engine; it must go by itself with status 0."""
         self.send("quit")
         try:
-            status = self.process.wait(timeout=15)
-        except subprocess.TimeoutExpired as error:
+            status = self.wait(15)
+        except TooLate as error:
             raise EngineFault(f"{self.name} does not end on quit") from error
         if status != 0:
             raise EngineFault(f"{self.name} ended with status {status}")
 
     def close(self):
-        if self.process.poll() is None:
-            self.process.kill()
-        self.process.wait()
-        self.reader.join(timeout=5)
-        self.process.stdin.close()
-        self.process.stdout.close()
+        super().close()
         self.folder.cleanup()

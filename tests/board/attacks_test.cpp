@@ -53,7 +53,7 @@ TEST(InCheck, RemembersTheAnswerForTheSideToMove) {
   EXPECT_EQ(board.inCheckCache, -1);
   EXPECT_TRUE(InCheck(board, black));
   EXPECT_EQ(board.inCheckCache, 1);
-  // The stored answer is what counts from now on.
+  // From now on the stored answer counts.
   board.inCheckCache = 0;
   EXPECT_FALSE(InCheck(board, black));
 }
@@ -103,10 +103,10 @@ TEST(MoverLeftInCheck, TellsIllegalMovesFromLegalOnes) {
   EXPECT_FALSE(MoverLeftInCheck(board));
 }
 
-TEST(ExposedOrigins, AreTheKingAndThePiecesThatAloneScreenIt) {
+TEST(KingAndPinned, AreTheKingAndWhatMayBePinnedToIt) {
   const struct {
     const char* fen;
-    const char* exposed;
+    const char* squares;
   } cases[] = {
       {"4k3/8/8/8/8/8/8/4K3 w -", "e1"},
       {"4k3/8/8/8/4r3/8/1N2P3/4K1B1 w -", "e1 e2"},
@@ -122,17 +122,18 @@ TEST(ExposedOrigins, AreTheKingAndThePiecesThatAloneScreenIt) {
   };
   for (const auto& c : cases) {
     Board board = test::BoardFrom(c.fen);
-    const Bitboard exposed = ExposedOrigins(board, white);
-    EXPECT_EQ(exposed == ~Bitboard{0} ? "all" : test::NamesOf(exposed), c.exposed) << c.fen;
+    const Bitboard kingAndPinned = KingAndPinned(board, white);
+    EXPECT_EQ(kingAndPinned == ~Bitboard{0} ? "all" : test::NamesOf(kingAndPinned), c.squares)
+        << c.fen;
   }
 }
 
-TEST(ExposedOrigins, MovesFromOtherSquaresAreLegal) {
+TEST(KingAndPinned, MovesFromOtherSquaresAreLegal) {
   int nOthers = 0;
   test::PlayRandomGames(33, 24, 100, [&nOthers](Board& board) {
-    const Bitboard exposed = ExposedOrigins(board, board.sideToMove);
+    const Bitboard kingAndPinned = KingAndPinned(board, board.sideToMove);
     for (const Move move : test::AllMoves(board)) {
-      if ((exposed & Bit(FromSquare(move))) != 0) continue;
+      if ((kingAndPinned & Bit(FromSquare(move))) != 0) continue;
       ++nOthers;
       MakeMove(board, move);
       ASSERT_FALSE(MoverLeftInCheck(board)) << test::TextOf(move);
@@ -143,10 +144,10 @@ TEST(ExposedOrigins, MovesFromOtherSquaresAreLegal) {
 }
 
 // Two pieces leave the board's lines at once.
-TEST(ExposedOrigins, EnPassantMayOpenARankThroughTwoSquares) {
+TEST(KingAndPinned, EnPassantMayOpenARankThroughTwoSquares) {
   Board board = test::BoardFrom("8/8/8/K2pP2r/8/8/8/4k3 w - d6");
   const Move move = test::FindMove(board, "e5d6");
-  EXPECT_NE(ExposedOrigins(board, white) & Bit(FromSquare(move)), 0U);
+  EXPECT_NE(KingAndPinned(board, white) & Bit(FromSquare(move)), 0U);
   MakeMove(board, move);
   EXPECT_TRUE(MoverLeftInCheck(board));
 }

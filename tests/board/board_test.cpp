@@ -133,7 +133,7 @@ TEST_F(BoardSetUp, ClearBoardEmptiesOnlyThePosition) {
   EXPECT_FALSE(board.hasOverlaps);
   EXPECT_EQ(board.undoDepth, 0);
   EXPECT_EQ(board.inCheckCache, -1);
-  // What set-up callers provide themselves stays.
+  // Keeps the fields that callers set themselves.
   EXPECT_EQ(board.sideToMove, black);
   EXPECT_EQ(board.epFile, 3);
   EXPECT_EQ(board.epRank, 5);

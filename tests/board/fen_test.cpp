@@ -44,8 +44,7 @@ TEST(SetupFromFen, DigitsSkipSquares) {
 }
 
 TEST(SetupFromFen, OtherCharactersMoveTheFileByTheirDistanceFromZero) {
-  // '9' skips nine squares: from a8 over the line end to the square behind h8,
-  // which wraps to b8 counted modulo 64.
+  // '9' skips nine squares, from a8 to one past h8, which wraps modulo 64.
   EXPECT_EQ(WithPlacement("9P").pieces[pawn], Bit((56 + 9) % 64));
   // '0' skips none, '-' goes back three, '?' forward fifteen.
   EXPECT_EQ(WithPlacement("0P").pieces[pawn], Bit(56));
@@ -136,7 +135,7 @@ TEST(SetupFromFen, LocatesKingsAndBuildsTheOccupancies) {
   test::ExpectConsistent(board);
 }
 
-// A word of `length` characters that ends in a rook; pawns drop off the end.
+// The rook at the end of a word counts only if the word is short enough.
 TEST(SetupFromFen, PlacementWordsAreCutAt99Characters) {
   for (const std::size_t length : {98U, 99U, 100U, 101U, 5000U}) {
     std::string word(length - 1, '0');

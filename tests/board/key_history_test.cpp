@@ -14,7 +14,7 @@ namespace {
 using test::BoardFrom;
 using test::startFen;
 
-// Before anything else of this program has run.
+// Read before any other code of this program runs.
 const std::uint64_t firstKeyOfTheProgram = KeyHistory[0];
 
 // Knights out and back: the position recurs every four plies.
@@ -87,8 +87,8 @@ TEST(KeyHistory, StartsAfreshAtAPosition) {
   EXPECT_FALSE(IsRepetition(board));
 }
 
-// A board that was set up by nobody is played on when an interface sends no
-// position: its history must begin with the position it stands at.
+// When an interface sends no position the engine plays on a board that nothing
+// has set up: its history must begin with the initial position.
 TEST(KeyHistory, BeginsWithTheInitialPosition) {
   EXPECT_EQ(firstKeyOfTheProgram, ComputeKey(Board()));
 }

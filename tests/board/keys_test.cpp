@@ -40,7 +40,7 @@ TEST(PositionKey, EqualsThePublishedKeys) {
   }
 }
 
-// Eight bytes a number, lowest first, folded by the 64-bit FNV-1a rule.
+// The 64-bit FNV-1a hash over eight bytes per number, lowest first.
 std::uint64_t Fold(const std::uint64_t* numbers, int count) {
   std::uint64_t hash = 0xCBF29CE484222325ULL;
   for (int i = 0; i < count; ++i) {
@@ -52,8 +52,8 @@ std::uint64_t Fold(const std::uint64_t* numbers, int count) {
   return hash;
 }
 
-// Polyglot's own books vouch for the entries that games reach (below); the sum
-// pins the rest.
+// Polyglot's own books confirm the entries that games reach (below); the hash
+// covers the rest.
 TEST(Random64, KeepsEveryEntry) {
   EXPECT_EQ(Random64[0], 0x9D39247E33776D41ULL);
   EXPECT_EQ(Random64[780], 0xF8D626AAAF278509ULL);
@@ -70,7 +70,7 @@ TEST(PieceKeys, FollowThePublishedOrder) {
   }
 }
 
-// A board with nothing on it: what the key holds beside the pieces.
+// An empty board, whose key has only the parts besides the pieces.
 Board EmptyBoard() { return BoardFrom("8/8/8/8/8/8/8/8 b -"); }
 
 TEST(ComputeKey, OfAnEmptyBoardWithBlackToMoveIsZero) { EXPECT_EQ(ComputeKey(EmptyBoard()), 0U); }

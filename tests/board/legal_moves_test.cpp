@@ -76,8 +76,8 @@ TEST(LegalMoves, FirstIsACaptureWhereOneIsLegal) {
   Board board = test::BoardFrom("4k3/8/8/3p4/4P3/8/8/4K3 w -");
   EXPECT_EQ(test::TextOf(FirstLegalMove(board)), "e4d5");
   // The queen is guarded: taking it is offered by the generator and illegal.
-  board = test::BoardFrom("4k3/8/8/8/8/8/r2q4/3K4 w -");
-  EXPECT_EQ(FirstLegalMove(board), noMove);
+  Board mated = test::BoardFrom("4k3/8/8/8/8/8/r2q4/3K4 w -");
+  EXPECT_EQ(FirstLegalMove(mated), noMove);
 }
 
 TEST(LegalMoves, AMoveWordIsLegalBySquaresAndPromotion) {

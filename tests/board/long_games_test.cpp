@@ -63,7 +63,7 @@ TEST_F(LongGame, RandomGamesOf1200PliesStayConsistent) {
   EXPECT_EQ(board->plyCount, 1200);
 }
 
-// The board is as full as it gets before every step of 250 plies.
+// Undo stack and key history are full before every step of 250 plies.
 TEST_F(LongGame, ASearchAlwaysHasRoomFor250PliesMore) {
   for (const int nPlies : {0, 249, 250, 251, 499, 500, 501, 1200, 1796, 1797, 1798, 2047, 2048}) {
     test::SetPosition(*board, test::startFen);
@@ -122,7 +122,7 @@ TEST_F(LongGame, TrimmingKeepsTheNewestKeys) {
 TEST_F(LongGame, RepetitionsAreSeenAcrossTheLimit) {
   for (const int filler : {2038, 2042, 2044, 2046, 2048}) {
     test::SetPosition(*board, "4k3/8/8/8/8/8/8/R3K2R w KQ");
-    // Keys that nothing repeats stand in for a long game.
+    // Keys that occur only once take the place of a long game.
     board->historyIndex = filler > 2046 ? 2046 : filler;
     for (int i = 0; i <= board->historyIndex; ++i) {
       KeyHistory[i] = static_cast<std::uint64_t>(i) + 1;

@@ -148,12 +148,12 @@ TEST(MakeMove, LooksUpAKindThatTheWordLeavesOpen) {
   const Move move = BuildMove(6, 21, white, unknownKind);
   MakeMove(board, move);
   EXPECT_EQ(test::PlacementOf(board), "rnbqkbnr/pppppppp/8/8/8/5N2/PPPPPPPP/RNBQKB1R");
-  // The stored word keeps the 7.
+  // The stored word keeps kind 7, "unknown".
   EXPECT_EQ(MovingKind(board.undoStack[0].move), unknownKind);
   ExpectConsistent(board);
 }
 
-// The kinds 6 and 7: nothing is there to be moved.
+// Kinds 6 and 7 with nothing on the origin square.
 TEST(MakeMove, AWordThatMovesNothingPassesTheTurn) {
   for (const int side : {white, black}) {
     for (const Move word :
@@ -329,7 +329,7 @@ TEST(MakeMove, EnemyPawnsCountOnTheRankOfTheDoubleStepOnly) {
 }
 
 TEST(MakeMove, EdgeFilesHaveOneNeighbourEach) {
-  // The pawn on the far edge is a neighbour by number, not on the board.
+  // The pawn on the other edge is next by square number, but not on the board.
   Board board = BoardFrom("4k3/8/8/7p/7p/8/P7/4K3 w -");
   Play(board, "a2a4");
   EXPECT_EQ(board.epFile, 255);
@@ -348,7 +348,7 @@ TEST(MakeMove, TheNextMoveForgetsTheSquare) {
     ASSERT_EQ(board.epFile, 4);
     Play(board, reply);
     ExpectConsistent(board);
-    // An en-passant capture keeps the square for one move more.
+    // An en-passant capture keeps the square for one more move.
     EXPECT_EQ(board.epFile, std::string(reply) == "d4e3" ? 4 : 255) << reply;
   }
 }
@@ -383,7 +383,7 @@ TEST(MakeMove, ADoubleStepThatSetsASquareReplacesAnOlderOne) {
   ExpectConsistent(board);
 }
 
-// The pawn steps diagonally onto a square that is left over: nothing is taken.
+// The pawn moves diagonally to a stale en-passant square: it captures nothing.
 TEST(MakeMove, AMoveOntoAStaleSquareIsOrdinary) {
   Board board = BoardFrom("4k3/7p/8/8/3p4/8/P3P3/4K3 w -");
   Play(board, "e2e4 h7h5 a2a4");
@@ -408,7 +408,7 @@ TEST(EnPassantAvailable, FollowsTheNewestMove) {
 
 TEST(EnPassantAvailable, HoldsForAPositionSetUpWithTheSquare) {
   EXPECT_TRUE(EnPassantAvailable(BoardFrom("4k3/8/8/2pP4/8/8/8/4K3 w - c6")));
-  // The corner, where only a placement that no game reaches has a pawn.
+  // A corner, where no game has a pawn.
   EXPECT_TRUE(EnPassantAvailable(BoardFrom("4k3/8/8/8/8/8/8/pP2K3 w - a2")));
   EXPECT_FALSE(EnPassantAvailable(BoardFrom("4k3/8/8/3P4/8/8/8/4K3 w - c6")));
   EXPECT_FALSE(EnPassantAvailable(BoardFrom("4k3/8/2n5/2pP4/8/8/8/4K3 w - c6")));
@@ -437,7 +437,7 @@ TEST(EnPassantAvailable, NeedsAFieldOnTheBoardAndAPawnThatJustMovedTwoSquares) {
   }
 }
 
-// File 8 of rank 2 is file a of rank 3 by number, not on the board.
+// File 8 of rank 2 is a3 by square number, but not on the board.
 TEST(EnPassantAvailable, IsNotForFieldsOffTheBoard) {
   Board board = BoardFrom("4k3/8/8/8/P7/8/8/4K3 b - a3");
   EXPECT_TRUE(EnPassantAvailable(board));

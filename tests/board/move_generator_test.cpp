@@ -263,7 +263,7 @@ TEST(EnPassant, IsOnlyForTheOtherSideAndTheRankBehindTheSquare) {
   Board board = BoardFrom("4k3/8/8/2pP4/8/8/8/4K3 w - c6");
   board.epColour = white;
   EXPECT_EQ(TextsOf(test::Captures(board)), "");
-  // A pawn one rank short does not reach the square, nor one on the wrong file.
+  // A pawn on another rank or a distant file does not reach the square.
   EXPECT_EQ(CaptureTexts("4k3/8/8/2p5/3P4/8/8/4K3 w - c6"), "d4c5");
   EXPECT_EQ(CaptureTexts("4k3/8/8/2p1P3/8/8/8/4K3 w - c6"), "");
 }
@@ -276,13 +276,13 @@ TEST(EnPassant, DoesNotWrapAroundTheBoardEdge) {
 TEST(EnPassant, NeedsThePawnBehindTheSquareAndAnEmptySquare) {
   EXPECT_EQ(CaptureTexts("4k3/8/8/3P4/8/8/8/4K3 w - c6"), "");
   EXPECT_EQ(CaptureTexts("4k3/8/8/2nP4/8/8/8/4K3 w - c6"), "");
-  // The knight on the square is an ordinary victim.
+  // A knight on the square is captured as usual.
   EXPECT_EQ(CaptureTexts("4k3/8/2n5/2pP4/8/8/8/4K3 w - c6"), "d5c6");
   EXPECT_EQ(CaptureTexts("4k3/8/2N5/2pP4/8/8/8/4K3 w - c6"), "");
 }
 
-// A double step that no enemy pawn stands beside leaves an older square in
-// the fields; it must not be captured on a move later.
+// A double step with no enemy pawn beside it leaves an older square in the
+// fields; no capture on it may be offered.
 TEST(EnPassant, AStaleSquareIsNotOffered) {
   Board board = BoardFrom("4k3/7p/8/8/3p4/8/4P3/4K3 w -");
   test::Play(board, "e2e4 h7h5");
@@ -296,14 +296,14 @@ TEST(EnPassant, AStaleSquareIsNotOffered) {
 TEST(EnPassant, AStaleSquareIsNotOfferedTwoPliesLater) {
   Board board = BoardFrom("4k3/7p/8/8/3p4/8/P3P3/4K3 w -");
   test::Play(board, "e2e4 h7h5 a2a4");
-  // Black to move again, the square of e2e4 still in the fields.
+  // Black is to move again, with the square of e2e4 still in the fields.
   EXPECT_EQ(board.epFile, 4);
   EXPECT_EQ(board.epColour, white);
   EXPECT_FALSE(Offers(board, "d4e3"));
 }
 
 TEST(EnPassant, IsNotOfferedToTheSideThatGetsTheMoveByANullMove) {
-  // The pawn on d2 stands beside the square, but it is White's own step.
+  // The pawn on d2 is beside the square, but White made the double step itself.
   Board board = BoardFrom("4k3/8/8/8/3p4/8/3PP3/4K3 w -");
   test::Play(board, "e2e4");
   MakeNullMove(board);
@@ -324,7 +324,7 @@ TEST(OddPositions, The218MovesOfTheRichestPosition) {
 }
 
 TEST(OddPositions, MovesPastTheCapacityAreDropped) {
-  // A ring of queens and two inside: thirty, with more than 256 moves.
+  // A ring of queens and two inside: thirty queens with more than 256 moves.
   Board board = BoardFrom("QQQQQQQQ/Q6Q/Q6Q/Q2Q3Q/Q3Q2Q/Q6Q/Q6Q/QQQQQQQQ w -");
   int nMoves = 0;
   for (int square = 0; square < nSquares; ++square) {
@@ -341,7 +341,7 @@ TEST(OddPositions, MovesPastTheCapacityAreDropped) {
 }
 
 TEST(OddPositions, CapturesFillingTheListLeaveNoRoom) {
-  // Queens and knights everywhere: captures and others together overflow.
+  // Queens and knights everywhere: captures and other moves together overflow.
   Board board =
       BoardFrom("Q1n1Q1n1/1Q1n1Q1n/n1Q1n1Q1/1n1Q1n1Q/Q1n1Q1n1/1Q1n1Q1n/n1Q1n1Q1/1n1Q1n1Q w -");
   const std::vector<Move> moves = test::AllMoves(board);
@@ -354,7 +354,7 @@ TEST(OddPositions, CapturesFillingTheListLeaveNoRoom) {
 TEST(OddPositions, PawnsOnTheFirstAndLastRank) {
   EXPECT_EQ(AllTexts("P6P/8/8/8/8/8/8/8 w -"), "");
   EXPECT_EQ(AllTexts("8/8/8/8/8/8/8/p6p b -"), "");
-  // A pawn behind its own second rank goes one step.
+  // A pawn on its own first rank moves one step.
   EXPECT_EQ(AllTexts("8/8/8/8/8/8/8/P7 w -"), "a1a2");
   EXPECT_EQ(AllTexts("7p/8/8/8/8/8/8/8 b -"), "h8h7");
 }

@@ -25,7 +25,7 @@ struct PerftCase {
 
 inline void PrintTo(const PerftCase& c, std::ostream* out) { *out << c.fen; }
 
-/// The cases of a file; lines that follow each other with one name are one case.
+/// The cases of a file; consecutive lines with the same name are one case.
 inline std::vector<PerftCase> PerftCases(const std::string& file) {
   std::vector<PerftCase> cases;
   for (const std::string& line : DataLines(file)) {
@@ -57,7 +57,7 @@ inline std::string PerftCaseName(const testing::TestParamInfo<PerftCase>& info) 
   return name;
 }
 
-/// Counts the case; the position must come out as it went in.
+/// Counts the case; the position must be unchanged afterwards.
 inline void ExpectPerft(const PerftCase& c) {
   const auto board = std::make_unique<Board>(BoardFrom(c.fen));
   const Snapshot before(*board);

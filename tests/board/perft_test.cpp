@@ -1,7 +1,7 @@
 #include "board/perft.h"
 
 #include <cstdio>
-#include <regex>
+#include <string>
 #include <utility>
 
 #include "shell/base/clock.h"
@@ -27,11 +27,23 @@ std::string RunAndCapture(const std::string& fen, int depth) {
   return GetCapturedStdout();
 }
 
+/// The text with 0 for each digit, and one 0 for all digits before a point.
+std::string WithoutNumbers(const std::string& text) {
+  std::string result;
+  bool isFraction = false;
+  for (const char c : text) {
+    const bool isDigit = c >= '0' && c <= '9';
+    if (!isDigit) isFraction = c == '.';
+    if (isDigit && !isFraction && result.ends_with('0')) continue;
+    result += isDigit ? '0' : c;
+  }
+  return result;
+}
+
 TEST(RunPerft, PrintsTimeSpeedAndSplits) {
   const std::string text = RunAndCapture(startFen, 3);
-  EXPECT_TRUE(std::regex_match(
-      text, std::regex(R"(Time = \d+\.\d\ds\nkNodes/sec = \d+\.\d\d\nSplits = 0\n)")))
-      << text;
+  EXPECT_EQ(WithoutNumbers(text), "Time = 0.00s\nkNodes/sec = 0.00\nSplits = 0\n");
+  EXPECT_TRUE(text.ends_with("Splits = 0\n"));
 }
 
 // A clock that shows `firstTick`, then `secondTick`.
@@ -40,7 +52,7 @@ std::uint32_t secondTick = 0;
 
 std::uint32_t NextTick() { return std::exchange(firstTick, secondTick); }
 
-// The moves of all depths (20 + 400 + 8902) by the time, one millisecond added.
+// The moves of all depths (20 + 400 + 8902), divided by the time plus 1 ms.
 TEST(RunPerft, SpeedIsAllMovesByTheTimeAndAMillisecond) {
   const struct {
     std::uint32_t start;
@@ -106,7 +118,7 @@ TEST(RunPerft, APositionWithoutMovesShowsTheHelpersCounts) {
 }
 
 TEST(RunPerft, CountsEveryMoveMadeLegalOrNot) {
-  // The pinned rook's moves off the file are made, tested and taken back.
+  // The pinned rook's moves off the file are made, tested and unmade.
   const std::uint64_t before = nPerftMoves;
   const auto board = std::make_unique<Board>(BoardFrom("4r1k1/8/8/8/8/8/4R3/4K3 w -"));
   const std::size_t nMoves = AllMoves(*board).size();

@@ -11,11 +11,12 @@
 #include "board/notation.h"
 #include "tests/support/board_support.h"
 #include "tests/support/mailbox.h"
+#include "tests/support/repetitions.h"
 
 namespace mirvo {
 namespace {
 
-constexpr int nGames = 48;
+constexpr int nGames = test::Repetitions(48, 12);
 constexpr int maxPlies = 120;
 
 TEST(RandomGames, DerivedFieldsAndKeyFollowThePieces) {
@@ -66,8 +67,8 @@ TEST(RandomGames, WholeGamesCanBeTakenBack) {
   }
 }
 
-// The mailbox plays along by its own rules: same legal moves, same check, same
-// placement after every move.
+// The mailbox plays the same moves by its own rules: the legal moves, check and
+// the placement agree after every move.
 TEST(RandomGames, LegalMovesAreThoseOfTheMailbox) {
   const char* const starts[] = {test::startFen,
                                 test::kiwipeteFen,

@@ -92,7 +92,7 @@ TEST(SanToPartialMove, APawnCaptureStatesItsTargetOnly) {
 }
 
 TEST(SanToPartialMove, APawnCaptureWithAFullFromSquare) {
-  // The letter becomes the from-file, the digit the from-rank.
+  // The letter becomes the origin file, the digit the origin rank.
   EXPECT_EQ(SanToPartialMove("e4xd5", white), Partial(pawn, Square("d5")) |
                                                   static_cast<Move>(Square("e4")) | sanFileMark |
                                                   captureFlag);
@@ -222,7 +222,7 @@ TEST(MoveTextOf, LeavesAnnotationMarksAndTheNoteOfEnPassantOut) {
       {"ep!", ""},
       {"!?", ""},
       {"", ""},
-      // Nothing else is touched: marks inside, check signs, other words.
+      // Marks inside a word, check signs and other words stay.
       {"R!h8", "R!h8"},
       {"!Rh8", "!Rh8"},
       {"Rh8", "Rh8"},
@@ -237,7 +237,7 @@ TEST(MoveTextOf, LeavesAnnotationMarksAndTheNoteOfEnPassantOut) {
   for (const auto& [word, text] : cases) EXPECT_EQ(MoveTextOf(word), text) << word;
 }
 
-// What the writer says of a generated move, the reader understands.
+// The reader understands the written text of every generated move.
 TEST(SanRoundTrip, TheReaderFindsKindAndTargetOfWrittenMoves) {
   test::PlayRandomGames(80, 12, 100, [](Board& board) {
     for (const Move move : test::AllMoves(board)) {

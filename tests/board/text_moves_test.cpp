@@ -42,7 +42,7 @@ TEST(TextMoves, ATokenThatIsNoMovePassesTheTurn) {
   }
 }
 
-// Two passes give the turn back, and not the chance to take the pawn.
+// Two passes return the turn, but not the en-passant capture.
 TEST(TextMoves, ATokenThatIsNoMoveEndsEnPassant) {
   for (const char* token : {"0000", "(none)", "O-O", "e4e6", "d5d4"}) {
     Board board = BoardFrom(startFen);
@@ -100,7 +100,7 @@ struct SetUpCase {
 
 class EnPassantAfterSetUp : public testing::TestWithParam<SetUpCase> {};
 
-// The board is the one that its own placement sets up, key, views and all.
+// The board equals one set up from its placement, key and occupancies included.
 TEST_P(EnPassantAfterSetUp, LeavesTheBoardOfItsPlacement) {
   Board board = BoardFrom(GetParam().fen);
   PlayCoordinateMove(GetParam().move, board, white);
@@ -133,7 +133,7 @@ INSTANTIATE_TEST_SUITE_P(
         SetUpCase{"FromTheAFile", "4k3/8/8/8/pP6/8/8/4K3 b -", "a4b3", "4k3/8/8/8/8/1p6/8/4K3"},
         SetUpCase{"BetweenTwoPawns", "4k3/8/8/3pPp2/8/8/8/4K3 w -", "e5f6",
                   "4k3/8/5P2/3p4/8/8/8/4K3"},
-        // No such capture: what was asked for is done as it stands.
+        // Not such a capture: the move is made literally.
         SetUpCase{"FromTheFourthRank", "4k3/8/8/8/3pP3/8/8/4K3 w -", "e4d5",
                   "4k3/8/8/3P4/3p4/8/8/4K3"},
         SetUpCase{"FromTheSixthRank", "4k3/8/3pP3/8/8/8/8/4K3 w -", "e6d7",
@@ -152,7 +152,7 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& named) { return named.param.name; });
 
 TEST(TextMoves, OnlyTheFirstMoveAfterSetUpTakesEnPassantUntold) {
-  // Another move first, then passes of the turn first.
+  // First after another move, then after two passes.
   for (const char* first : {"e1e2 e8e7", "0000 0000"}) {
     Board board = BoardFrom("4k3/8/8/3pP3/8/8/8/4K3 w -");
     const std::string tokens = first;
@@ -168,7 +168,7 @@ TEST(TextMoves, OnlyTheFirstMoveAfterSetUpTakesEnPassantUntold) {
 TEST(TextMoves, GeneratedMovesDoNotTakeEnPassantAfterSetUp) {
   Board board = BoardFrom("4k3/8/8/3pP3/8/8/8/4K3 w -");
   for (const Move move : test::AllMoves(board)) EXPECT_NE(test::TextOf(move), "e5d6");
-  // Nor does the same word that did not come as text.
+  // Nor is the same move without text a capture.
   MakeMove(board, MoveFromCoordinates("e5d6", board, white));
   EXPECT_EQ(board.pieces[PieceIndex(black, pawn)], test::Squares("d5"));
 }
@@ -275,7 +275,7 @@ INSTANTIATE_TEST_SUITE_P(
                     "P3k2p/1P4p1/8/3Pp3/3pP3/8/1p4P1/P3K2p b - e3", "KQkq4/8/8/8/8/8/8/RNBrnb2 w -",
                     "8/8/8/8/8/8/8/RNBQ4 w -"));
 
-// Nonsense games: any tokens, then the generator must still make and take back.
+// Games of random tokens: afterwards generated moves must still be made and unmade.
 TEST(TextMoves, IllegalGamesKeepTheBoardUsable) {
   test::Random random(60);
   const auto board = std::make_unique<Board>();
@@ -285,7 +285,7 @@ TEST(TextMoves, IllegalGamesKeepTheBoardUsable) {
                                               : "r3k2r/pP1p2pp/8/2pP4/2Pp4/8/Pp1P2PP/R3K2R w KQkq");
     std::string played;
     for (int ply = 0; ply < 40; ++ply) {
-      // Take a square of the side to move most of the time.
+      // Mostly choose a square of the side to move.
       int from = static_cast<int>(random.Below(nSquares));
       for (int i = 0; i < 20 && PieceOn(*board, from, board->sideToMove) == noPiece; ++i) {
         from = static_cast<int>(random.Below(nSquares));

@@ -147,8 +147,8 @@ TEST_F(BookBuilderTest, WithoutMemoryThereIsNothingToSave) {
 }
 
 TEST_F(BookBuilderTest, AMoveThatMovesNothingPassesTheTurn) {
-  // Black's reply names nothing on the board; building goes on with White to
-  // move in a position that no game has, and ends consistent.
+  // Black's reply matches no move; building continues with White to move in an
+  // impossible position, and the board stays consistent.
   Create("[Result \"1-0\"]\n1. e4 xyz 2. Nf3 Nf6 e5 O-O Kd5 exd5 Ra1 hxg8=Q Qh8 *\n");
   EXPECT_EQ(nGames, 1);
   EXPECT_EQ(Entry(startKey), "e2e4 1/2");
@@ -254,7 +254,7 @@ TEST_F(BookBuilderTest, MergingTwoUnreadableBooksTouchesNothing) {
 }
 
 TEST_F(BookBuilderTest, BuildsTheSameBookWhenTheFirstMatchIsAnEmptyEntry) {
-  // An entry of key 0 left by a merge does not catch other positions.
+  // The entry with key 0 that a merge adds is not found for other positions.
   ASSERT_TRUE(LoadBook(book, scratch.Write("e.bk", "").c_str(), false));
   Create(twoGames);
   EXPECT_EQ(book.count, 6);

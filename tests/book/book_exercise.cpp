@@ -12,8 +12,8 @@
 namespace mirvo {
 namespace {
 
-// Positions that a probe is made from. The book is pretended to know them, so
-// that its moves meet a real board.
+// Positions to probe. Their keys are put into the book, so that its moves are
+// matched against a real board.
 struct ProbePosition {
   const char* placement;
   const char* side;

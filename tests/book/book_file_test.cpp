@@ -26,8 +26,8 @@ TEST_P(MoveDecoding, GivesTheWord) {
   EXPECT_EQ(DecodeBookMove(GetParam().fileMove), GetParam().move);
 }
 
-// The colour of a loaded move stays white and its kind a pawn's: only squares
-// and promotion are in the file.
+// Loaded moves always have colour white and kind pawn: the file has only squares
+// and promotion.
 INSTANTIATE_TEST_SUITE_P(
     Moves, MoveDecoding,
     testing::Values(
@@ -70,8 +70,8 @@ INSTANTIATE_TEST_SUITE_P(
                     MoveCodingCase{"BlackShort", FileMove("e8h8"), Word("e8g8", black, king)},
                     MoveCodingCase{"BlackLong", FileMove("e8a8"), Word("e8c8", black, king)},
                     MoveCodingCase{"KingStep", FileMove("e1f1"), Word("e1f1", white, king)},
-                    // Two files are enough to be castling, wherever a king that
-                    // a game's text spoke of is taken to have stood.
+                    // Two files are enough to be castling, even from squares
+                    // other than the king's.
                     MoveCodingCase{"TwoFilesRight", FileMove("e1h1"), Word("a1c3", white, king)},
                     MoveCodingCase{"TwoFilesLeft", FileMove("e1a1"), Word("h8f5", white, king)},
                     MoveCodingCase{"TwoFilesToRank8", FileMove("e8h8"), Word("a1c8", black, king)},
@@ -160,14 +160,13 @@ TEST_F(LoadBookTest, ReplacingByABookOfTheSameSizeFindsTheNewPositions) {
   EXPECT_EQ(FindEntry(book, 2), 0);
 }
 
-TEST_F(LoadBookTest, AMissingFileSwitchesTheBookOff) {
+TEST_F(LoadBookTest, AMissingFileIsReportedToTheCallerAlone) {
   AppendEntry(1, noMove, 1, 1);
   book.loaded = 1;
   const std::string printed =
       Printed([&] { EXPECT_FALSE(LoadBook(book, scratch.Path("none").c_str(), true)); });
   EXPECT_EQ(printed, "");
   EXPECT_EQ(book.loaded, 0U);
-  EXPECT_EQ(engineConfig.UseOpeningBook, 0);
 }
 
 TEST_F(LoadBookTest, AFailedMergeLeavesTheEntries) {
@@ -175,7 +174,6 @@ TEST_F(LoadBookTest, AFailedMergeLeavesTheEntries) {
   EXPECT_FALSE(LoadBook(book, scratch.Path("none").c_str(), false));
   EXPECT_EQ(book.count, 1);
   EXPECT_EQ(book.loaded, 0U);
-  EXPECT_EQ(engineConfig.UseOpeningBook, 0);
 }
 
 TEST_F(LoadBookTest, FilesWithoutARecordGiveAnEmptyLoadedBook) {
@@ -185,7 +183,6 @@ TEST_F(LoadBookTest, FilesWithoutARecordGiveAnEmptyLoadedBook) {
     EXPECT_TRUE(LoadBook(book, path.c_str(), true));
     EXPECT_EQ(book.count, 0) << size;
     EXPECT_EQ(book.loaded, 1U) << size;
-    EXPECT_EQ(engineConfig.UseOpeningBook, 1);
   }
 }
 
@@ -319,7 +316,6 @@ TEST_F(LoadBookTest, WithoutMemoryNothingOpens) {
   const std::string path = scratch.Write("a.bk", RecordBytes(1, 1, 1));
   EXPECT_FALSE(LoadBook(none, path.c_str(), true));
   EXPECT_EQ(none.loaded, 0U);
-  EXPECT_EQ(engineConfig.UseOpeningBook, 0);
 }
 
 TEST_F(LoadBookTest, RandomBytesAreSurvived) {
@@ -327,7 +323,7 @@ TEST_F(LoadBookTest, RandomBytesAreSurvived) {
   for (int round = 0; round < 50; ++round) {
     std::string bytes(random() % 5000, '\0');
     for (char& c : bytes) c = static_cast<char>(random() & (round % 2 == 0 ? 255 : 1));
-    // A key the probe will find, so that the bytes behind it are used as moves.
+    // A key that the probe finds, so that the bytes after it are used as moves.
     bytes = RecordBytes(startKey, static_cast<std::uint16_t>(random()), 1) + bytes;
     for (std::size_t i = 16; i + 16 <= bytes.size() && i < 16 * 22; i += 16) {
       bytes.replace(i, 8, RecordBytes(startKey, 0, 0).substr(0, 8));

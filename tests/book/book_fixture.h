@@ -1,5 +1,5 @@
-// What the book tests share: scratch files, byte strings of book records, and
-// a fixture with an empty book on a board whose tables are built.
+// Helpers for tests of the book: scratch files, byte strings of book records, and
+// a fixture with an empty book and a board.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -16,7 +16,6 @@
 #include "board/fen.h"
 #include "book/opening_book.h"
 #include "shell/base/clock.h"
-#include "shell/config/config.h"
 
 namespace mirvo {
 
@@ -52,7 +51,7 @@ inline std::string RecordBytes(std::uint64_t key, std::uint16_t move, std::uint1
   return bytes;
 }
 
-/// A directory of its own for each test, removed afterwards.
+/// A new directory for each test, removed afterwards.
 class ScratchDirectory {
  public:
   ScratchDirectory() {
@@ -112,7 +111,6 @@ class BookTest : public testing::Test {
  protected:
   void SetUp() override {
     InitAttackTables();
-    engineConfig.UseOpeningBook = 1;
     ASSERT_TRUE(CreateOpeningBook(book));
   }
   void TearDown() override { DestroyOpeningBook(book); }
@@ -123,7 +121,7 @@ class BookTest : public testing::Test {
     return board;
   }
 
-  /// Appends an entry with one move, past all checks.
+  /// Appends an entry with one move, without any checks.
   BookEntry& AppendEntry(std::uint64_t key, Move move, std::int32_t hits, std::int32_t weight) {
     BookEntry& entry = book.entries[book.count++];
     entry.key = key;

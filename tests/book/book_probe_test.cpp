@@ -20,7 +20,7 @@ class ProbeBookTest : public BookTest {
     ResetRandom();
   }
 
-  // An entry for the present position, moves as a loaded file gives them.
+  // An entry for the current position, with moves as a loaded file has them.
   BookEntry& EntryHere() {
     BookEntry& entry = book.entries[book.count++];
     entry.key = ComputeKey(board);
@@ -159,8 +159,8 @@ TEST_F(ProbeBookTest, BothSpellingsOfCastlingArePlayed) {
 }
 
 TEST_F(ProbeBookTest, ARookOnE1TakesTheCastlingSpellingAsItsOwnMove) {
-  // The file cannot say what moves: e1a1 is read as e1c1, and the rook's move
-  // to c1 is the one that has these squares.
+  // The file does not name the piece: e1a1 is read as e1c1, which is the rook's move
+  // here.
   Position("4k3/8/8/8/8/8/6K1/4R3", "w", "-");
   Offer(EntryHere(), "e1a1", 1);
   EXPECT_TRUE(Probe());
@@ -212,7 +212,7 @@ TEST_F(ProbeBookTest, WeightsBeyondTheRandomRangeAreHandled) {
     EXPECT_TRUE(Probe());
     ++seen[found];
   }
-  // A random number has 32 bits, so it reaches the first two and a little more.
+  // A random number has 32 bits, so it covers the first two and a little more.
   EXPECT_GT(seen[Word("e2e4", white, pawn)], 100);
   EXPECT_GT(seen[Word("d2d4", white, pawn)], 100);
   EXPECT_EQ(printed,

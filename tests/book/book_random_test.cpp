@@ -23,7 +23,7 @@ TEST(NextRandom, StartsFromTheSeedWords) {
     EXPECT_EQ(words[static_cast<std::size_t>(i)], RandomSeedWords[54 - i] + RandomSeedWords[23 - i])
         << i;
   }
-  // From the 25th number on the lagged word is one that was drawn already.
+  // From the 25th number on the lagged word is an earlier result.
   EXPECT_EQ(words[24], RandomSeedWords[30] + words[0]);
   EXPECT_EQ(words[54], RandomSeedWords[0] + words[30]);
 }

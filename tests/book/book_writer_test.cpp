@@ -15,7 +15,7 @@ namespace {
 
 class BookWriterTest : public BookTest {
  protected:
-  // An entry whose moves are a1a1 to a1h1, told apart by target square.
+  // An entry whose moves are a1a1 to a1h1, which differ in the target square.
   BookEntry& Entry(std::uint64_t key, const std::vector<std::pair<int, int>>& hitsAndWeights) {
     BookEntry& entry = book.entries[book.count++];
     entry.key = key;
@@ -56,7 +56,7 @@ TEST_F(BookWriterTest, CleaningDoesNotExamineTheMoveThatSlidIn) {
   book.minHits = 2;
   BookEntry& entry = Entry(1, {{1, 5}, {1, 6}, {1, 7}, {1, 8}, {9, 9}});
   CleanBook(book);
-  // Places 0, 1 and 2 are looked at: moves 0, 2 and the one after each slide.
+  // CleanBook examines places 0, 1 and 2, where moves 0, 2 and 4 are by then.
   EXPECT_EQ(Targets(entry), (std::vector<int>{1, 3, 4}));
 }
 
@@ -93,6 +93,22 @@ TEST_F(BookWriterTest, CleaningDropsAllPositionsWithoutMoves) {
   // The index follows.
   EXPECT_EQ(FindEntry(book, 5), 1);
   EXPECT_EQ(FindEntry(book, 1), -1);
+}
+
+// As many positions as before are no reason to trust the index: the empty entry
+// that merging begins with may have taken the place of one that was dropped.
+TEST_F(BookWriterTest, CleaningMovesPositionsInTheIndexToo) {
+  Entry(1, {{1, 0}});
+  Entry(2, {{1, 5}});
+  Entry(3, {{1, 6}});
+  EXPECT_EQ(FindEntry(book, 3), 2);
+  CleanBook(book);
+  Entry(4, {{1, 7}});
+  ASSERT_EQ(book.count, 3);
+  EXPECT_EQ(FindEntry(book, 1), -1);
+  EXPECT_EQ(FindEntry(book, 2), 0);
+  EXPECT_EQ(FindEntry(book, 3), 1);
+  EXPECT_EQ(FindEntry(book, 4), 2);
 }
 
 TEST_F(BookWriterTest, CleaningAnEmptyBookLeavesItEmpty) {

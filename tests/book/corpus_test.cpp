@@ -1,5 +1,5 @@
-// Replays the stored files of the fuzzers, and a few that are made here
-// because they are large.
+// Replays the stored files of the fuzzers, and a few large ones that are made
+// here.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -74,7 +74,7 @@ TEST_F(CorpusTest, ABookOfOneKeyOrOfKeysOneBitApartIsSurvived) {
   ExpectBookSurvived(scratch.Write("close.bk", close), "high bits only");
 }
 
-// A move is played more often than 16 bits, those of a weight in a file, count.
+// Plays a move more often than the 16 bits of a weight in a file can count.
 TEST_F(CorpusTest, AMillionGamesOfOneMoveAreSurvived) {
   const int nGames = test::Repetitions(1000000, 100000);
   std::string text;

@@ -1,5 +1,5 @@
-// The opening lines that the project ships: every move is legal and written so
-// that the reader cannot take it for another.
+// The opening lines that come with the engine: every move is legal and
+// unambiguous to the reader.
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -47,8 +47,8 @@ class OpeningLines : public BookTest {
 
   static bool IsFile(char c) { return c >= 'a' && c <= 'h'; }
 
-  // Generated moves of the matched move's kind to its square that agree with
-  // the files stated in the text, legal or not.
+  // Counts generated moves, legal or not, of the matched move's kind to its square
+  // that agree with the file stated in the text.
   static int CountCandidates(Board& board, Move matched, const std::string& text) {
     BBMoveGenerator2 generator(board, board.sideToMove);
     generator.GenerateAll();

@@ -128,7 +128,7 @@ TEST_F(ReadPgnGamesTest, WindowsLineEndsAreBlanks) {
 }
 
 TEST_F(ReadPgnGamesTest, StatedFilesTellPiecesApart) {
-  // Both knights reach d2: the file named decides.
+  // Both knights reach d2: the stated file decides.
   EXPECT_EQ(Moves("d4 d5 Nf3 Nf6 Nbd2"), "d2d4 d7d5 g1f3 g8f6 b1d2");
   EXPECT_EQ(Moves("d4 d5 Nf3 Nf6 Nfd2"), "d2d4 d7d5 g1f3 g8f6 f3d2");
 }

@@ -17,8 +17,8 @@ std::string Around(const char* before, std::size_t n, char c, const char* after)
   return text;
 }
 
-// The tokens of a text, words as they are and tags as "[points:points]", or
-// "[]" when they say nothing of a result.
+// The tokens of a text: words as they are, tags as "[points:points]" or "[]"
+// without a result.
 std::string Scan(const std::string& text) {
   const ScratchDirectory scratch;
   std::FILE* file = std::fopen(scratch.Write("games.pgn", text).c_str(), "r");

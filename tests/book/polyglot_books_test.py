@@ -2,8 +2,8 @@
 
 Usage: polyglot_books_test.py ENGINE GAMES.pgn
 
-polyglot builds, reads and plays the same record layout, so it is the judge of
-what "-createbook" writes and a source of books that the engine has to read.
+polyglot builds, reads and plays books of the same format, so it can check what
+"-createbook" writes and make books for the engine to read.
 """
 
 import os
@@ -13,8 +13,10 @@ import subprocess
 import sys
 import tempfile
 
-sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "clients"))
+TESTS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..")
+sys.path[:0] = [TESTS, os.path.join(TESTS, "clients")]
 import client  # noqa: E402
+from kit.engine_process import JOINED, EngineProcess, Missed  # noqa: E402
 
 START = "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq".split()
 PLIES = "40"
@@ -136,17 +138,15 @@ def polyglot_plays_ours(engine, ours, folder):
     """polyglot answers from our book instead of asking its engine."""
     command = ["polyglot", "-noini", "-ec", engine, "-ed", folder, "-pg", "Book=true",
                "-pg", f"BookFile={ours}"]
-    process = subprocess.Popen(command, cwd=folder, text=True, stdin=subprocess.PIPE,
-                               stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-                               env=dict(os.environ, HOME=folder, PATH=client.SEARCH_PATH))
-    process.stdin.write("xboard\nprotover 2\nnew\nlevel 40 5 0\npost\ngo\n")
-    process.stdin.flush()
-    move = ""
-    for line in process.stdout:
-        if line.startswith("move "):
-            move = line.split()[1]
-            break
-    process.communicate("quit\n", timeout=60)
+    environment = dict(os.environ, HOME=folder, PATH=client.SEARCH_PATH)
+    with EngineProcess(command, folder, environment=environment, errors=JOINED) as adapter:
+        adapter.send("xboard", "protover 2", "new", "level 40 5 0", "post", "go")
+        try:
+            move = adapter.wait_for_line("move ", 60)[0].text.split()[1]
+        except Missed:
+            move = ""
+        adapter.send("quit")
+        adapter.wait(60)
     firsts = {move for key, move, _, _ in records(ours) if key == 0x463B96181691FC9C}
     encoded = sum((ord(c) - ord("a1"[i % 2])) << shift
                   for i, (c, shift) in enumerate(zip(move, (6, 9, 0, 3))))

@@ -1,5 +1,5 @@
-"""Helpers of the tests that run other people's programs: finding them, running
-them with a time limit in a folder of their own, and ending a test as skipped."""
+"""Helpers for tests that run other people's programs: find them, run them with a
+time limit in their own folder, and skip a test."""
 
 import os
 import shutil

@@ -1,4 +1,4 @@
-"""Tests of how the client tests read and judge recorded games."""
+"""Tests of how the client tests read and check recorded games."""
 
 import os
 import sys
@@ -12,7 +12,7 @@ import xboard_match
 HEADER = '[Event "Test"]\n[White "Mirvo 0.2.7_d"]\n[Black "Fairy-Max 5.0b"]\n[Result "{0}"]\n\n'
 FOOLS_MATE = "1. f3 {{+0.10/6 0.2}} e5 2. g4\n{{-1.00/6}} Qh4# {0} {1}\n\n"
 
-# Result, closing comment and whether that is Mirvo's fault.
+# Result, final comment, and whether that is Mirvo's fault.
 CLOSINGS = [
     ("0-1", "Xboard adjudication: Checkmate", False),
     ("0-1", "White mates", False),

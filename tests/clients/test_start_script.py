@@ -1,9 +1,11 @@
-"""Tests of the start script and of the entry for XBoard's engine list.
+"""Tests of the start script and of the entries for XBoard's engine list and for
+the desktop's menu.
 
     test_start_script.py SOURCE_FOLDER MIRVO
 """
 
 import os
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -43,7 +45,7 @@ class StartScript(unittest.TestCase):
     def test_prepares_a_folder_and_says_nothing_itself(self):
         text = self.play()
         self.assertTrue(text.startswith("Welcome to Mirvo"))
-        # XBoard takes these words for an engine that could not be started.
+        # XBoard reads these words as a failed start.
         self.assertNotIn("not found", text)
         self.assertIn("\nfeature ", text)
         self.assertEqual(self.read("config.txt"), self.settings)
@@ -76,6 +78,17 @@ class StartScript(unittest.TestCase):
     def test_engine_list_entry_names_the_script(self):
         with open(os.path.join(SOURCES, "packaging", "mirvo.eng"), encoding="ascii") as file:
             self.assertEqual(file.read(), "plugin spec 0.0\nmirvo-play\nchess\n")
+
+    def test_menu_entry_is_one_that_desktops_read(self):
+        entry = os.path.join(SOURCES, "packaging", "mirvo.desktop")
+        with open(entry, encoding="ascii") as file:
+            text = file.read()
+        self.assertIn("\nExec=mirvo-window\nIcon=mirvo\nTerminal=false\n", text)
+        if not shutil.which("desktop-file-validate"):
+            self.skipTest("SKIP: desktop-file-validate is not installed")
+        done = subprocess.run(["desktop-file-validate", entry], check=False, text=True,
+                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+        self.assertEqual((done.returncode, done.stdout), (0, ""))
 
 
 if __name__ == "__main__":

@@ -17,7 +17,7 @@ sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."
 import client
 import pgn
 
-# What XBoard writes behind a game that ended by an engine's fault.
+# What XBoard writes after a game that ended by an engine's fault.
 FAULT_WORDS = re.compile(r"forfeit|illegal|invalid|exited|crash|disconnect|false|unexpected", re.I)
 
 
@@ -26,7 +26,7 @@ def adapter_command(log):
 
 
 def xboard_command(options, folder):
-    """XBoard's command line for the match, under a server without a screen."""
+    """XBoard's command line for the match, under a virtual X server."""
     command = ["xvfb-run", "-a", "xboard", "-fcp", options.engine, "-fd", folder, "-scp",
                "fairymax", "-mode", "TwoMachines", "-matchGames", str(options.games),
                "-tc", options.clock, "-inc", options.increment, "-sgf", "games.pgn", "-xexit",
@@ -39,8 +39,8 @@ def xboard_command(options, folder):
 
 
 def judge_game(game):
-    """What is wrong with one recorded game, or None. A fault of the opponent
-    is none of ours."""
+    """What is wrong with one recorded game, or None. The opponent's faults do not
+    count."""
     illegal = pgn.first_illegal_move(game)
     if illegal:
         return f"the move {illegal} is not legal"
@@ -54,8 +54,8 @@ def judge_game(game):
 
 
 def write_settings(folder):
-    """XBoard takes "not found" in an engine's output for a failed start, so the
-    engine must find its settings file; and it shall save its games."""
+    """XBoard reads "not found" in an engine's output as a failed start, so the engine
+    must find its settings file, which also makes it save its games."""
     with open(os.path.join(folder, "config.txt"), "w", encoding="utf-8") as file:
         file.write("LoggingMode=1\n")
 
@@ -83,7 +83,7 @@ def judge_logs(options, folder):
         complaints += re.findall(r"^.*POLYGLOT \*\*\* ERROR.*$", log, re.MULTILINE)
         asked = len(re.findall(r"Adapter->Engine: go", log))
         answered = len(re.findall(r"Engine->Adapter: bestmove", log))
-        # The search that the end of the match interrupts may stay unanswered.
+        # The search that the end of the match interrupts may have no answer.
         if not asked or not asked - 1 <= answered <= asked:
             complaints.append(f"{asked} searches asked for, {answered} answered")
     return complaints

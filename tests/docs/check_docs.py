@@ -1,5 +1,5 @@
-"""Keeps the documentation true: files that it names exist, functions are where
-it says, and its sample sessions are what the program prints.
+"""Checks the documentation: the files that it names exist, functions are where it
+says, and its sample sessions match what the program prints.
 
 Usage: check_docs.py SOURCE_ROOT names | samples PROGRAM
 """
@@ -15,14 +15,14 @@ import tempfile
 PATH = re.compile(r"`((?:bench|board|book|cmake|data|docs|epd|eval|protocol|search|shell|tests|tools)"
                   r"/[\w./-]*)`")
 LINK = re.compile(r"\]\(([^)#:]+)(?:#[^)]*)?\)")
-HOP = re.compile(r"\| `([\w/]+\.cpp)` \| `(\w+)` \|")
+HOP = re.compile(r"\| `([\w/]+\.(?:cpp|h))` \| `(\w+)` \|")
 CALL_IN_FILE = re.compile(r"`(\w+)` in `([\w/]+\.(?:cpp|h))`")
 SAMPLE = re.compile(r"^```console\n(.*?)^```$", re.MULTILINE | re.DOTALL)
 
 # Made in the build folder.
 GENERATED = ["data/book.bk"]
 
-# What differs from run to run or from machine to machine.
+# What differs between runs and machines.
 VARYING = [
     (re.compile(r"Time = [\d.]+s"), "Time = #s"),
     (re.compile(r"kNodes/sec = [\d.]+"), "kNodes/sec = #"),
@@ -73,7 +73,7 @@ def matches(expected, printed):
 
 
 def run_sample(root, program, command):
-    """What the program prints for a "$ mirvo ..." line."""
+    """The output of the program for a "$ mirvo ..." line."""
     words = shlex.split(command)
     with tempfile.TemporaryDirectory() as folder:
         (pathlib.Path(folder) / "data").symlink_to(root / "data")

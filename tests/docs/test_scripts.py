@@ -1,5 +1,5 @@
-"""Tests of the scripts that the README tells to run: what run.sh prints where,
-when packages are installed, and what test.sh says without Wine.
+"""Tests of the scripts that the README names: where run.sh prints what, when packages
+are installed, what play.sh starts, and what test.sh says without Wine.
 
 Usage: test_scripts.py SOURCE_ROOT   (unittest; run by CTest)
 """
@@ -14,8 +14,8 @@ import unittest
 
 ROOT = pathlib.Path(sys.argv.pop(1)).resolve()
 
-# Stand-ins for Debian's commands: they log their arguments, and "absent-*"
-# packages are the ones not installed.
+# Replacements for Debian's commands: they log their arguments; packages named
+# "absent-*" count as not installed.
 STUBS = {
     "dpkg-query": 'case "${@: -1}" in absent-*) exit 1;; *) printf installed;; esac',
     "apt-get": 'echo "apt-get $*" >>"$CALLS"',
@@ -25,7 +25,7 @@ STUBS = {
 
 
 def need_packages(packages, user):
-    """Runs need_packages as a user id with the stand-ins: (calls, stdout)."""
+    """Runs need_packages as a user id with the replacements: (calls, stdout)."""
     with tempfile.TemporaryDirectory() as folder:
         for name, body in STUBS.items():
             stub = pathlib.Path(folder) / name
@@ -107,6 +107,75 @@ class RunScript(unittest.TestCase):
             again = run_sh(["-perft", "2"], cwd=folder)
             self.assertIn("no work to do", again.stderr)
             self.assertEqual(again.stdout.splitlines()[-1], "2          400")
+
+
+class PlayScript(unittest.TestCase):
+    """play.sh with stand-ins for what opens windows and asks for packages."""
+
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory(prefix="mirvo-scripts-")
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+        self.stub("dpkg-query", "printf installed")
+        self.stub("polyglot", "")
+        self.stub("xboard", 'printf "%s\\n" "$@"; command -v mirvo')
+
+    def stub(self, name, body):
+        path = self.folder / name
+        path.parent.mkdir(exist_ok=True)
+        path.write_text(f"#!/bin/bash\n{body}\n", encoding="utf-8")
+        path.chmod(0o755)
+
+    def play(self, *options, root=ROOT, display=":0"):
+        environment = dict(os.environ, PATH=f"{self.folder}:{os.environ['PATH']}", DISPLAY=display,
+                           XDG_DATA_HOME=str(self.folder / "data"))
+        return subprocess.run([root / "play.sh", *options], env=environment, capture_output=True,
+                              text=True, timeout=280, check=False)
+
+    def copy_without_sources(self):
+        """The scripts in a folder where nothing can be built."""
+        shutil.copy(ROOT / "play.sh", self.folder)
+        for name in ("tools", "packaging"):
+            shutil.copytree(ROOT / name, self.folder / name,
+                            ignore=shutil.ignore_patterns("__pycache__"))
+        return self.folder
+
+    def test_the_window_has_the_engine_of_this_build(self):
+        done = self.play("--black", "--depth", "3", "--", "-size", "Small")
+        self.assertEqual(done.returncode, 0, done.stderr)
+        words = done.stdout.splitlines()
+        self.assertEqual(words[words.index("-fcp") + 1], "mirvo")
+        self.assertIn("-fUCI", words)
+        self.assertEqual(words[words.index("-mode") + 1], "MachineWhite")
+        self.assertEqual(words[words.index("-depth") + 1], "3")
+        self.assertEqual(words[-3:-1], ["-size", "Small"])
+        self.assertEqual(words[-1], str(ROOT / "build/run/installed/bin/mirvo"))
+        playing = self.folder / "data/mirvo"
+        self.assertIn("MoveOverhead=50", (playing / "config.txt").read_text(encoding="ascii"))
+        self.assertGreater((playing / "book.bk").stat().st_size, 0)
+
+    def test_mistakes_are_told_before_anything_is_built(self):
+        root = self.copy_without_sources()
+        done = self.play("--clok", root=root)
+        self.assertEqual((done.returncode, done.stdout), (2, ""))
+        self.assertTrue(done.stderr.startswith("play.sh: unknown option: --clok;"), done.stderr)
+        done = self.play(display="", root=root)
+        self.assertEqual(done.returncode, 1)
+        self.assertIn("DISPLAY is not set", done.stderr)
+        self.assertIn("--browser", self.play("--help", display="", root=root).stdout)
+
+    def test_packages_that_cannot_be_had(self):
+        self.stub("dpkg-query", 'case "${@: -1}" in xboard) exit 1;; *) printf installed;; esac')
+        self.stub("apt-get", "exit 100")
+        self.stub("sudo", '"$@"')
+        done = self.play(root=self.copy_without_sources())
+        self.assertEqual(done.returncode, 1)
+        self.assertIn("play.sh: xboard and polyglot cannot be installed here", done.stderr)
+
+    def test_the_page_is_another_script(self):
+        root = self.copy_without_sources()
+        self.stub("web/serve.sh", 'echo "page $*"')
+        self.assertEqual(self.play("--browser", root=root, display="").stdout, "page \n")
 
 
 if __name__ == "__main__":

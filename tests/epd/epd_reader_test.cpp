@@ -146,7 +146,7 @@ TEST(ParseSuite, PiecesBehindTheThousandthPositionStillBelongToIt) {
   text += "bm Ra8; c0 \"Ra8=7\";\n" + Line("bm Rg1;") + "bm Ra5;";
   const Suite suite = ParseSuite(text);
   ASSERT_EQ(suite.size(), 1000U);
-  // Reading ends where position 1001 would begin: nothing behind it counts.
+  // Reading ends where position 1001 would begin: nothing after that counts.
   EXPECT_EQ(BestTexts(suite[999]), "Ra8|");
   EXPECT_EQ(Points(suite[999]), "56:3=7|");
   EXPECT_EQ(BestTexts(suite[998]), "");

@@ -1,4 +1,4 @@
-// What the evaluation tests share: small cold caches and boards from FEN text.
+// Helpers for tests of the evaluation: small empty caches and boards from FEN.
 #pragma once
 
 #include <gtest/gtest.h>

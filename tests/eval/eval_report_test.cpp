@@ -1,4 +1,4 @@
-// The printed term table: its text, its view and when it appears.
+// The printed term table: its text, its point of view and when it appears.
 #include "eval/eval_report.h"
 
 #include "tests/eval/eval_fixture.h"

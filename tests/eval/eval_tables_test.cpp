@@ -1,5 +1,5 @@
-// Every table of the evaluation against a second copy of its numbers, written
-// from White's first rank upwards.
+// Compares every table of the evaluation with a second copy of its numbers,
+// written from White's first rank upwards.
 #include <gtest/gtest.h>
 
 #include <cstdint>

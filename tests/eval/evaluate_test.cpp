@@ -1,4 +1,4 @@
-// The driver: caches and their counters, phase, stage, views of the two sides.
+// The driver: caches and their counters, phase, stage, points of view.
 #include <algorithm>
 #include <cctype>
 #include <cstring>
@@ -60,7 +60,7 @@ std::vector<std::string> ReferenceFens() {
   return fens;
 }
 
-/// The same position with the colours exchanged and the board turned over.
+/// The same position with colours exchanged and ranks mirrored.
 std::string Mirrored(const std::string& fen) {
   const std::size_t first = fen.find(' ');
   std::string ranks;
@@ -74,8 +74,9 @@ std::string Mirrored(const std::string& fen) {
     }
   }
   std::string rights = fen.substr(first + 3);
-  for (char& c : rights)
+  for (char& c : rights) {
     c = static_cast<char>(std::isupper(c) != 0 ? std::tolower(c) : std::toupper(c));
+  }
   return ranks + (fen[first + 1] == 'w' ? " b " : " w ") + rights;
 }
 
@@ -153,7 +154,7 @@ TEST_F(Evaluation, PawnKeyCoversPawnsAndTheSideToMove) {
   EXPECT_EQ(PawnHashTable.lastKey, pawns);
   Cold("r6k/4p3/8/8/8/8/P7/Q6K w -");
   EXPECT_EQ(PawnHashTable.lastKey, pawns ^ SideKey());
-  // The board's side to move counts, not the side whose view is asked for.
+  // The board's side to move counts, not the side evaluated for.
   HashClear(EvalHashTable);
   Evaluate(record, board, black);
   EXPECT_EQ(PawnHashTable.lastKey, pawns ^ SideKey());
@@ -217,8 +218,8 @@ TEST_F(Evaluation, ThePawnScoreIsStoredAtThePhaseOfThePosition) {
   EXPECT_EQ(PawnSlot().evalScore, -140);
 }
 
-// The halves of these pawn terms differ, so a score blended at one
-// phase and used at another gives another result than a fresh one would.
+// The middle-game and end-game parts of these pawn terms differ, so a score
+// interpolated at one phase and used at another differs from a fresh one.
 TEST_F(Evaluation, APawnHitAtAnotherPhaseDiffersFromAMiss) {
   const char few[] = "4k3/3p4/8/8/1P6/P1P5/8/R3K3 w -";
   const char many[] = "qr2k3/3p4/8/8/1P6/P1P5/8/RR2K2Q w -";
@@ -295,7 +296,7 @@ TEST_F(Evaluation, StageFollowsCastlingPliesAndMaterial) {
 }
 
 TEST_F(Evaluation, ThePhaseMayPassOne) {
-  // Four queens a side: 8800 of non-pawn material; the blend extrapolates.
+  // Four queens a side: 8800 of non-pawn material, so the phase is above 1.
   Cold("qqqqk3/p7/8/8/8/8/7P/4KQQQ w -");
   ASSERT_EQ(record.nonPawnMaterial[white] + record.nonPawnMaterial[black], 7700);
   Cold("qqqqk3/p7/8/8/8/8/7P/3QKQQQ w -");

@@ -18,29 +18,29 @@ struct KingCase {
 
 TEST_F(Kings, WhiteKingsWorkedOutByHand) {
   const KingCase cases[] = {
-      // Place -40 doubled / 56; one shelter pawn -40, g and f missing -40, halved
-      // off the second rank; e, d and f files bare -60.
+      // Square -40 doubled / 56; one shelter pawn -40, g and f missing -40, halved
+      // off the second rank; open e, d and f files -60.
       {"king in the open", "7k/8/8/8/4K3/8/7P/8 w -", {-180, 56}},
-      // Place 30/4, full shelter.
+      // Square 30/4, full shelter.
       {"castled", "7k/8/8/8/8/8/5PPP/6K1 w -", {30, 4}},
       // Two pawns -20, the third one on the third rank 10.
       {"shelter pawn advanced", "7k/8/8/8/8/7P/5PP1/6K1 w -", {20, 4}},
-      // -20, -20, h file bare -15.
+      // -20, -20, open h file -15.
       {"shelter pawn gone", "7k/8/8/8/8/8/5PP1/6K1 w -", {-25, 4}},
-      // Place 10/8, d file bare -15.
+      // Square 10/8, open d file -15.
       {"castled long", "7k/8/8/8/8/8/PPP5/2K5 w -", {-5, 8}},
-      // d1 still belongs to the a-c wing: place 0/10; d and e files bare -45.
+      // d1 still belongs to the a-c wing: square 0/10; open d and e files -45.
       {"castled, king on d1", "7k/8/8/8/8/8/PPP5/3K4 w -", {-45, 10}},
-      // e1 belongs to the f-h wing: e and d files bare -45.
+      // e1 belongs to the f-h wing: open e and d files -45.
       {"castled, king on e1", "7k/8/8/8/8/8/5PPP/4K3 w -", {-45, 10}},
-      // The corners have one neighbour file: place 20/0, full shelter.
+      // The corners have one adjacent file: square 20/0, full shelter.
       {"king in the a1 corner", "7k/8/8/8/8/8/PPP5/K7 w -", {20, 0}},
       {"king in the h1 corner", "k7/8/8/8/8/8/5PPP/7K w -", {20, 0}},
-      // Place 20/10; one pawn -40, g missing -20, h third 10, not halved; g file -30.
+      // Square 20/10; one pawn -40, g missing -20, h third 10, not halved; g file -30.
       {"king on the second rank", "7k/8/8/8/8/7P/5PK1/8 w -", {-60, 10}},
-      // Place -40/14; shelter -10 halved to -5.
+      // Square -40/14; shelter -10 halved to -5.
       {"king above its pawns", "7k/8/8/8/8/6KP/5PP1/8 w -", {-45, 14}},
-      // Place 0/10; six wing pawns -95 + 60; e and d bare -45.
+      // Square 0/10; six wing pawns -95 + 60; open e and d files -45.
       {"not castled", "7k/8/8/8/8/8/PPP2PPP/4K3 w KQ", {-80, -25}},
       {"not castled, centre pawns at home", "7k/8/8/8/8/8/PPPPPPPP/4K3 w KQ", {-35, -25}},
       {"one wing pawn on the third rank", "7k/8/8/8/8/7P/PPPPPPP1/4K3 w KQ", {-45, -25}},
@@ -52,14 +52,14 @@ TEST_F(Kings, WhiteKingsWorkedOutByHand) {
       {"near knight", "7k/8/8/4n3/8/8/5PPP/6K1 w -", {14, -12}},
       // Distance 13: -1; g2 lost 3 points and 1: table 0.
       {"far bishop", "b6k/8/8/8/8/8/5PPP/6K1 w -", {29, 3}},
-      // Distance 13: -1; back rank -10.
-      {"far rook, back rank shut", "r6k/8/8/8/8/8/5PPP/6K1 w -", {19, -7}},
+      // Distance 13: -1; back-rank weakness -10.
+      {"far rook, weak back rank", "r6k/8/8/8/8/8/5PPP/6K1 w -", {19, -7}},
       // Shelter -20 + 10; -1.
-      {"far rook, an exit", "r6k/8/8/8/8/6P1/5P1P/6K1 w -", {19, 3}},
+      {"far rook, a flight square", "r6k/8/8/8/8/6P1/5P1P/6K1 w -", {19, 3}},
       // Distance 13: -5; g2 lost 3 and 5 / 2 points: table 1; back rank -10.
       {"far queen", "q6k/8/8/8/8/8/5PPP/6K1 w -", {14, -12}},
       // Two shelter pawns -20, g missing -20, its file -30; -1 rook, 5 knight.
-      {"an own piece shuts no exit", "r6k/8/8/8/8/8/5PNP/6K1 w -", {-36, 8}},
+      {"an own piece leaves a flight square", "r6k/8/8/8/8/8/5PNP/6K1 w -", {-36, 8}},
       // Pieces within three steps: 5 each way; bishop at three steps -11.
       {"own knight near", "7k/8/8/8/8/5N2/5PPP/6K1 w -", {35, 9}},
       {"own rook near", "7k/8/8/8/8/8/5PPP/5RK1 w -", {35, 9}},

@@ -1,5 +1,5 @@
-// Positions no game can reach: any score will do, but nothing may be read
-// outside a table. The sanitizer build is what makes these tests sharp.
+// Positions that no game can reach: any score will do, but nothing may be read
+// outside a table. The sanitizers make these tests effective.
 #include <random>
 
 #include "board/board.h"

@@ -19,8 +19,8 @@ struct PassedCase {
   ScorePair expected;
 };
 
-// The black knight on a8 looks away from the pawn's file and keeps the race
-// and rook-pawn rules out. A d4 pawn alone is worth 20/25.
+// The black knight on a8 does not attack the pawn's file and rules out the
+// pawn-race and rook-pawn rules. A d4 pawn alone is worth 20/25.
 TEST_F(PassedPawns, WhitePawnsWorkedOutByHand) {
   const PassedCase cases[] = {
       {"second rank", "n6k/8/8/8/8/8/3P4/K7 w -", {0, 0}},
@@ -53,7 +53,7 @@ TEST_F(PassedPawns, WhitePawnsWorkedOutByHand) {
       {"race, king's side to move", "8/8/8/3P3k/8/8/8/K7 b -", {70, 90}},
       {"race against a far king", "8/8/8/3P4/8/8/8/K6k w -", {70, 90}},
       {"no race against a knight", "n7/8/8/3P4/8/8/8/K6k w -", {60, 70}},
-      // Rook pawns: bonus against at most one minor piece.
+      // Rook pawns get a bonus against at most one minor piece.
       {"rook pawn against a knight", "6kn/8/8/P7/8/8/8/K7 w -", {60, 80}},
       {"rook pawn against a bishop", "6kb/8/8/P7/8/8/8/6K1 w -", {60, 80}},
       {"rook pawn against two knights", "6kn/8/8/P6n/8/8/8/K7 w -", {60, 70}},
@@ -61,8 +61,8 @@ TEST_F(PassedPawns, WhitePawnsWorkedOutByHand) {
       {"rook pawn against a queen", "6k1/8/8/P7/7q/8/8/K7 w -", {60, 60}},
       {"h pawn against a knight", "n7/8/8/7P/8/8/k7/7K w -", {60, 80}},
       {"b pawn against a knight", "6kn/8/8/1P6/8/8/8/K7 w -", {60, 70}},
-      // Bare king h5: ten for the rook pawn, and the race on top.
-      {"rook pawn against a bare king", "8/8/8/P6k/8/8/8/K7 w -", {70, 100}},
+      // Lone king on h5: ten for the rook pawn, plus the pawn race.
+      {"rook pawn against a lone king", "8/8/8/P6k/8/8/8/K7 w -", {70, 100}},
   };
   for (const PassedCase& test : cases) EXPECT_EQ(Term(test.fen), test.expected) << test.name;
 }

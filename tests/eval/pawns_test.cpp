@@ -1,4 +1,4 @@
-// Pawn structure: each rule by a small position worked out by hand.
+// Pawn structure: each rule in a small position worked out by hand.
 #include "eval/pawns.h"
 #include "tests/eval/eval_fixture.h"
 
@@ -24,18 +24,19 @@ struct PawnCase {
 
 TEST_F(Pawns, WhiteStructuresWorkedOutByHand) {
   const PawnCase cases[] = {
-      // Place 20/20, isolated -25, free span 10.
+      // Square 20/20, isolated -25, unopposed 10.
       {"lone e pawn", "8/8/8/8/4P3/8/8/8", {5, 5}},
-      // d3 0/15, e4 20/20; both free and not isolated (20 each); e4 protected 10.
+      // d3 0/15, e4 20/20; both unopposed and not isolated (20 each); e4 protected 10.
       {"protected pair", "8/8/8/8/4P3/3P4/8/8", {70, 85}},
       {"unprotected pair", "8/8/8/8/3PP3/8/8/8", {80, 80}},
-      // e4 5/5; e2 -20 place, -25 by count, -5 no rook, -25 isolated, -10 both, 3 free.
+      // e4 5/5; e2 square -20, -25 by count, -5 no rook, -25 isolated, -10 both,
+      // unopposed 3.
       {"doubled and isolated", "8/8/8/8/4P3/8/4P3/8", {-77, -77}},
       {"doubled with a rook", "8/8/8/8/4P3/8/4P3/R7", {-72, -72}},
       {"doubled with a queen only", "8/8/8/8/4P3/8/4P3/Q7", {-77, -77}},
       // e3 0/15 instead of -20/-20, and -5 for leaving the second rank.
       {"doubled pawn advanced", "8/8/8/8/4P3/4P3/8/8", {-62, -47}},
-      // No free span for either (-13), an enemy pawn ahead of the rear one (-10).
+      // Both opposed (-13), an enemy pawn ahead of the rear one (-10).
       {"doubled behind an enemy pawn", "8/8/4p3/8/4P3/8/4P3/8", {-100, -100}},
       // a4 0/20 -15 +10; a2 5/5 -25 -5 -15 +3 without the extra -10.
       {"doubled and isolated on the a file", "8/8/8/8/P7/8/P7/8", {-42, -22}},
@@ -43,10 +44,10 @@ TEST_F(Pawns, WhiteStructuresWorkedOutByHand) {
       // b4 0/20 -20 +10; b2 10/10 -25 -5 -20 -10 +3.
       {"doubled and isolated on the b file", "8/8/8/8/1P6/8/1P6/8", {-57, -37}},
       {"doubled and isolated on the g file", "8/8/8/8/6P1/8/6P1/8", {-57, -37}},
-      // Ranks 10/10 and 0/15; eight fronts free (20), the rear e pawn 3 + 10 and
+      // Ranks 10/10 and 0/15; eight pawns unopposed (20), the rear e pawn 3 + 10 and
       // -5 as with eight pawns; e3 protected 10.
       {"nine pawns count as eight", "8/8/8/8/8/4P3/PPPPPPPP/R7", {188, 203}},
-      // Isolated -25, place 20; d6 bars the span and guards e5.
+      // Isolated -25, square 20; d6 opposes the pawn and guards e5.
       {"backward isolated pawn", "8/8/3p4/8/4P3/8/8/8", {-15, -25}},
       {"next square not guarded", "8/3p4/8/8/4P3/8/8/8", {-5, -5}},
       {"next square defended", "8/8/3p4/8/3PP3/8/8/8", {40, 40}},
@@ -62,7 +63,7 @@ TEST_F(Pawns, WhiteStructuresWorkedOutByHand) {
 }
 
 TEST_F(Pawns, IsolatedAmountDependsOnTheFile) {
-  // Place on the fourth rank, isolated, free span 10.
+  // Square on the fourth rank, isolated, unopposed 10.
   const char* placements[] = {"8/8/8/8/P7/8/8/8",  "8/8/8/8/1P6/8/8/8", "8/8/8/8/2P5/8/8/8",
                               "8/8/8/8/3P4/8/8/8", "8/8/8/8/4P3/8/8/8", "8/8/8/8/5P2/8/8/8",
                               "8/8/8/8/6P1/8/8/8", "8/8/8/8/7P/8/8/8"};

@@ -1,5 +1,5 @@
-// Knights, bishops, rooks and queens. Kings stand where no piece of the test
-// meets their zones unless a case is about zones.
+// Knights, bishops, rooks and queens. Unless a case is about king zones, no piece
+// attacks one.
 #include "tests/eval/eval_fixture.h"
 
 namespace mirvo {
@@ -53,7 +53,7 @@ TEST_F(Pieces, KnightsWorkedOutByHand) {
   ExpectTerms(knightsTerm, white, cases);
 }
 
-// e5 (36) and e6 (44) ask for bishops on light squares, d5 (35) for dark ones,
+// e5 (36) and e6 (44) look for bishops on light squares, d5 (35) for dark ones,
 // although e5 is dark and d5 light. h8 is dark, g8 light.
 TEST_F(Pieces, OutpostColourGoesByTheNumberOfTheSquare) {
   const PieceCase cases[] = {
@@ -68,7 +68,7 @@ TEST_F(Pieces, OutpostColourGoesByTheNumberOfTheSquare) {
       // e4 centre.
       {"c5, dark bishop", "7b/8/8/2N5/8/8/P7/k6K w -", {68, 48}},
       {"c5, light bishop", "6b1/8/8/2N5/8/8/P7/k6K w -", {63, 43}},
-      // f5 (37): the mirror image asks for dark ones; g3 of the own zone adds 2.
+      // f5 (37): the mirror image looks for dark ones; g3 of the own zone adds 2.
       {"f5, dark bishop", "7b/8/8/5N2/8/8/P7/k6K w -", {65, 45}},
       {"f5, light bishop", "6b1/8/8/5N2/8/8/P7/k6K w -", {70, 50}},
       {"d5, light bishop", "6b1/8/8/3N4/8/8/P7/k6K w -", {94, 74}},
@@ -77,7 +77,7 @@ TEST_F(Pieces, OutpostColourGoesByTheNumberOfTheSquare) {
 }
 
 TEST_F(Pieces, BlackKnightOutpostsAreMirrored) {
-  // e4 for Black: the mirrored e5 case; square 28 asks for light bishops.
+  // e4 for Black: the mirrored e5 case; square 28 looks for light bishops.
   EXPECT_EQ(TermOf("k6K/p7/8/8/4n3/8/8/8 w -", knightsTerm, black), (ScorePair{94, 74}));
   EXPECT_EQ(TermOf("k6K/p7/8/8/4n3/8/8/6B1 w -", knightsTerm, black), (ScorePair{94, 74}));
   EXPECT_EQ(TermOf("k6K/p7/8/8/4n3/8/8/7B w -", knightsTerm, black), (ScorePair{82, 62}));
@@ -131,7 +131,7 @@ TEST_F(Pieces, BlackBishopsTrappedOnTheirWing) {
 }
 
 TEST_F(Pieces, LoneBishopPaysForPawnsOfItsColour) {
-  // Light squares off the bishop's rays; its own mobility never changes.
+  // Light squares off the bishop's diagonals, so that its mobility stays the same.
   const int pawnSquares[] = {Square('e', 2), Square('g', 2), Square('d', 3),
                              Square('f', 3), Square('h', 3), Square('e', 4),
                              Square('g', 4), Square('h', 5), Square('f', 5)};
@@ -226,10 +226,10 @@ TEST_F(Pieces, RooksSeeThroughRooksAndQueensOnly) {
   EXPECT_EQ(record.attacks[white][rook] & Bit(Square('a', 6)), 0U);
   Cold("8/4K3/B7/8/R7/8/8/4k3 w -");
   EXPECT_EQ(record.attacks[white][rook] & fileTop, 0U);
-  // Along a rank, past two in a row.
+  // Along a rank, through two pieces in a row.
   Cold("8/4K3/8/8/R2RQ3/8/8/4k3 w -");
   EXPECT_NE(record.attacks[white][rook] & Bit(Square('h', 4)), 0U);
-  // The queen in front looks back through the rook, the rook through the queen.
+  // The queen in front sees through the rook, the rook through the queen.
   Cold("8/4K3/8/8/R3Q3/8/8/4k3 w -");
   EXPECT_NE(record.attacks[white][rook] & Bit(Square('h', 4)), 0U);
 }

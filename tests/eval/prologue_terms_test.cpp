@@ -1,4 +1,4 @@
-// Material, development and the amounts without a report row.
+// Material, development and the terms without a report row.
 #include "eval/prologue_terms.h"
 #include "eval/material.h"
 #include "eval/threats.h"
@@ -70,7 +70,7 @@ TEST_F(Development, OpeningStage) {
   EXPECT_EQ(Of("rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq"), (ScorePair{-60, 0}));
   EXPECT_EQ(Of("rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq", black), (ScorePair{-60, 0}));
   EXPECT_EQ(Of("rnbqkbnr/pppppppp/8/8/8/2N5/PPPPPPPP/R1BQKBNR w KQkq"), (ScorePair{-45, 0}));
-  // A bishop on a knight's square is out.
+  // A bishop on a knight's home square counts as developed.
   EXPECT_EQ(Of("rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RB1QKBNR w KQkq"), (ScorePair{-30, 0}));
   // Queen off d1, or none: -5 for each minor piece at home.
   EXPECT_EQ(Of("rnbqkbnr/pppppppp/8/8/8/3Q4/PPPPPPPP/RNB1KBNR w KQkq"), (ScorePair{-80, 0}));

@@ -18,8 +18,8 @@ namespace {
 
 constexpr char middleGame[] = "r4rk1/1pp1qppp/p1np1n2/2b1p1B1/2B1P1b1/P1NP1N2/1PP1QPPP/R4RK1 w -";
 
-/// A clock on which a millisecond passes between two readings, but for one
-/// step at its `stepAt`-th reading.
+/// A clock that advances by `pace` between two readings, and by `step` at its
+/// `stepAt`-th reading.
 struct SteppingClock {
   std::uint32_t now = 0;
   int nReadings = 0;
@@ -48,7 +48,7 @@ class ClockFaults : public testing::Test {
   }
   ~ClockFaults() override {
     SetTickSource(nullptr);
-    engineConfig = saved;
+    std::construct_at(&engineConfig, saved);
     searchFlags = SearchFlags{};
     searchHooks = SearchHooks{};
     protocolMode = ProtocolMode{};
@@ -110,7 +110,7 @@ TEST_F(ClockFaults, AStepBackLengthensTheSearchByItsSizeAndNoMore) {
 }
 
 TEST_F(ClockFaults, AClockThatStepsBackBehindItsStartReportsNoNegativeTimes) {
-  // An hour back after the start, at a pace that makes it up again.
+  // An hour back after the start, with a pace that catches up again.
   SearchOn({.now = 10'000'000, .stepAt = 3, .step = -3'600'000, .pace = 20'000});
   const std::vector<int> times = ReportedTimes();
   ASSERT_FALSE(times.empty());
@@ -120,15 +120,15 @@ TEST_F(ClockFaults, AClockThatStepsBackBehindItsStartReportsNoNegativeTimes) {
 
 TEST_F(ClockFaults, AJumpForwardEndsTheSearchAtTheNextReading) {
   SearchOn({.now = 5000, .stepAt = 15, .step = 3'600'000});
-  // The reading that jumps, and those of the reports on the way out.
+  // Readings up to the jump, and those of the reports at the end.
   EXPECT_LE(steppingClock.nReadings, 15 + 4);
 }
 
-// Commands are read at every so many nodes, whatever the clock says.
+// The search polls for commands by its node count, whatever the clock says.
 TEST_F(ClockFaults, AClockThatStandsStillLeavesTheSearchToBeStopped) {
   nPolls = 0;
   poll = [] {
-    if (++nPolls == 30) searchFlags.StopSearch = 1;
+    if (++nPolls == 30) searchFlags.StopSearch = true;
   };
   SearchOn({.now = 5000, .pace = 0});
   EXPECT_EQ(nPolls, 30);

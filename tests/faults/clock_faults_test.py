@@ -1,5 +1,5 @@
-"""The system's clock passes the ends of its 32-bit milliseconds while the
-program searches: in a time namespace, which only an administrator can make."""
+"""The system's clock passes the ends of its 32-bit milliseconds while the program
+searches, in a time namespace, which only root can create."""
 
 import shutil
 import subprocess
@@ -16,7 +16,7 @@ READ_CLOCK = [sys.executable, "-c", "import time; print(time.monotonic())"]
 
 
 def inside(offset):
-    """Command that starts a program on a clock so many seconds ahead."""
+    """Command that starts a program with its clock so many seconds ahead."""
     return ["unshare", "-T", "--monotonic", str(offset), "--fork", "--kill-child"]
 
 

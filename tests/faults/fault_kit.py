@@ -1,5 +1,5 @@
-"""What the fault tests share: the real program, started in a folder of its own
-that a few lines of shell may spoil first, and a look at its process.
+"""Helpers for the fault tests: the real program, started in a new folder that a few
+lines of shell may spoil first, and figures of its process.
 
 Every test file here is called as
 
@@ -17,7 +17,8 @@ import tempfile
 import time
 import unittest
 
-sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "arbiter"))
+TESTS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..")
+sys.path[:0] = [TESTS, os.path.join(TESTS, "arbiter")]
 import rules  # noqa: E402
 from uci_engine import UciEngine  # noqa: E402
 
@@ -55,8 +56,8 @@ class FaultTest(unittest.TestCase):
         return self.engine
 
     def start_as_nobody(self, spoil="", mode="755"):
-        """The same as a user who owns nothing: an administrator is refused no
-        file. The folder gets its mode last."""
+        """The same as an unprivileged user, since root may open any file. The folder
+        gets its mode last."""
         if os.geteuid() == 0:
             if shutil.which("setpriv") is None:
                 self.skipTest("setpriv is not installed")
@@ -99,7 +100,7 @@ class FaultTest(unittest.TestCase):
 
     def ended(self, limit=60):
         """Exit status of a process that must end by itself."""
-        return self.engine.process.wait(timeout=limit * patience)
+        return self.engine.wait(limit * patience)
 
     def quit(self):
         self.send("quit")
@@ -121,11 +122,6 @@ def stat_fields(pid):
         return file.read().rsplit(")", 1)[1].split()
 
 
-def processor_seconds(pid):
-    fields = stat_fields(pid)
-    return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
-
-
 def is_alive(pid):
     try:
         return stat_fields(pid)[0] != "Z"
@@ -134,7 +130,7 @@ def is_alive(pid):
 
 
 def wait_until(condition, limit):
-    """Whether the condition comes true within so many seconds."""
+    """Whether the condition becomes true within so many seconds."""
     deadline = time.monotonic() + limit * patience
     while not condition():
         if time.monotonic() > deadline:

@@ -1,5 +1,5 @@
-"""Folders and files that cannot be written or read: the program says no more
-than it must and plays on."""
+"""Folders and files that cannot be written or read: the program prints only what it
+must and plays on."""
 
 import os
 import shlex
@@ -72,8 +72,8 @@ class FullDisk(fault_kit.FaultTest):
         self.play_a_session()
 
     def test_a_log_at_its_limit_keeps_what_it_has(self):
-        # The shell counts files in half or whole kilobytes: between the two
-        # the banner fits and a search's lines do not.
+        # Whether the shell counts in 512 or 1,024 bytes, the banner fits and
+        # the lines of a search do not.
         self.start("ulimit -f 1")
         self.play_a_session()
         self.assertTrue(self.read(LOG).startswith("Welcome to Mirvo"))
@@ -87,7 +87,7 @@ class FullDisk(fault_kit.FaultTest):
             if subprocess.run(["unshare", "-m", "sh", "-c", mount], cwd=folder, check=False,
                               stderr=subprocess.DEVNULL).returncode != 0:
                 self.skipTest("this system lets nobody mount")
-        # The file system is gone with the process: its size is told first.
+        # The file system disappears with the process, so report its size first.
         script = f"{mount}; $0; status=$?; wc -c < log/log > size; exit $status"
         self.start(command=f"unshare -m sh -c {shlex.quote(script)} $mirvo")
         for _ in range(8):
@@ -102,7 +102,7 @@ class FullDisk(fault_kit.FaultTest):
         self.send("result 1-0 {White mates}", "new", "easy", "time 100", "d2d4")
         self.wait("move")
         self.quit()
-        # No empty file is left to use the number up.
+        # No empty file is left that would use up a number.
         self.assertNotIn("game000000.pgn", os.listdir(self.engine.folder.name))
 
     def test_a_book_that_does_not_fit_ends_the_tool_in_order(self):

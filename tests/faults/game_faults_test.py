@@ -1,5 +1,4 @@
-"""Games and positions beyond what a game of chess comes to: played on without
-harm, by the rules."""
+"""Games and positions beyond those of real chess: the program plays on correctly."""
 
 import random
 
@@ -8,14 +7,14 @@ import rules
 
 PLIES = 1200
 
-# The longest list of moves that one line takes: 4095 characters, its end
-# counted, hold the words before it and 814 moves.
+# The longest move list in one line: 4095 characters, including the line end, hold
+# the command and 814 moves.
 LINE_PLIES = 814
 
 SHUFFLE = ["g1f3", "g8f6", "f3g1", "f6g8"]
 
-# The most legal moves that a position of a game can have, 218, for White and
-# turned about for Black; and all pawns about to promote.
+# The position with most legal moves, 218, for White and mirrored for Black; and all
+# pawns about to promote.
 CROWDED = {
     "218 of White": "R6R/3Q4/1Q4Q1/4Q3/2Q4Q/Q4Q2/pp1Q4/kBNN1KB1 w - - 0 1",
     "218 of Black": "Kbnn1kb1/PP1q4/q4q2/2q4q/4q3/1q4q1/3q4/r6r b - - 0 1",
@@ -29,8 +28,8 @@ def quiet_piece_moves(position):
 
 
 def random_game(plies, seed):
-    """Quiet moves of pieces from the start, so that nothing runs out, and the
-    position that they lead to."""
+    """Quiet piece moves from the start, so that the game does not end, and the
+    position after them."""
     choose = random.Random(seed)
     position, moves = rules.Position(), []
     while len(moves) < plies:
@@ -56,7 +55,7 @@ class LongGames(fault_kit.FaultTest):
         self.quit()
 
     def test_1200_plies_are_played_over_uci(self):
-        # As interfaces send them that start the list anew after a while.
+        # As sent by interfaces that restart the list after a while.
         self.start()
         self.speak_uci()
         position, history = rules.Position(), "position startpos moves"
@@ -79,7 +78,7 @@ class LongGames(fault_kit.FaultTest):
         self.quit()
 
     def test_a_list_of_1200_moves_is_cut_where_its_line_is(self):
-        # The part behind the cut is a line of its own and unknown.
+        # The part after the split is a separate, unknown line.
         self.start()
         self.speak_uci()
         self.send("position startpos moves " + " ".join(SHUFFLE * (PLIES // 4)))
@@ -146,8 +145,7 @@ class CrowdedPositions(fault_kit.FaultTest):
                     self.assertEqual(len(legal), 218)
                 self.start(command="$mirvo -perft 1 " + " ".join(fen.split()[:3]))
                 self.assertEqual(self.ended(), 0)
-                self.engine.reader.join(timeout=5)
-                lines = [self.engine.lines.get()[1] for _ in range(self.engine.lines.qsize())]
+                lines = [line.text for line in self.engine.read_rest(60)]
                 self.assertIn(f"1 {len(legal):12}", lines)
 
 

@@ -1,5 +1,5 @@
-"""Hash sizes of any kind, and memory that is not given: tables come out
-smaller, the program plays on."""
+"""Hash sizes of any kind, and failed allocations: tables get smaller, the program
+plays on."""
 
 import resource
 import sys
@@ -15,8 +15,8 @@ TABLES = [("Pawn Hash Size", "PawnHashSize", "PawnHashSize"),
           ("Eval Hash Size", "EvalHashSize", "HashSize"),
           ("TT Hash Size", "TTHashSize", "TTHashSize")]
 
-# A build with sanitizers writes its notes about every byte of a table: there
-# the sizes are those that come out small.
+# Sanitizers keep shadow memory for every byte of a table, so under them only sizes
+# that give small tables are used.
 SIZES = [0, 1, 4096]
 if "--slow" not in sys.argv:
     SIZES += [-5, 4095, 100000, 2147483647, -2147483648]
@@ -30,10 +30,10 @@ def resident_megabytes(pid):
 class HashSizes(fault_kit.FaultTest):
 
     def expect_a_small_process(self):
-        """Whatever a table's size, it takes a bounded part of its memory ahead
-        and the rest where it is used; a build with sanitizers has its own needs."""
+        """A table of any size prefaults a bounded part of its memory and uses the
+        rest on access; sanitizers need memory themselves."""
         if not fault_kit.is_slow():
-            self.assertLess(resident_megabytes(self.engine.process.pid), 300)
+            self.assertLess(resident_megabytes(self.engine.pid), 300)
 
     def test_of_the_settings_file_are_reported_as_given_and_played_with(self):
         for size in SIZES:
@@ -82,7 +82,7 @@ class AddressSpace(fault_kit.FaultTest):
     def test_exhausted_at_run_time_makes_tables_smaller(self):
         self.start()
         self.speak_uci()
-        resource.prlimit(self.engine.process.pid, resource.RLIMIT_AS, (MEGABYTE, MEGABYTE))
+        resource.prlimit(self.engine.pid, resource.RLIMIT_AS, (MEGABYTE, MEGABYTE))
         self.play()
 
     def test_without_room_for_the_book_none_is_used(self):
@@ -104,7 +104,7 @@ class AddressSpace(fault_kit.FaultTest):
         self.start("echo LoggingMode=1 > config.txt")
         self.send("xboard")
         self.wait("feature")
-        resource.prlimit(self.engine.process.pid, resource.RLIMIT_AS, (MEGABYTE, MEGABYTE))
+        resource.prlimit(self.engine.pid, resource.RLIMIT_AS, (MEGABYTE, MEGABYTE))
         self.send("new", "easy", "time 100", "e2e4")
         self.wait("move")
         self.send("result 1-0 {White mates}")

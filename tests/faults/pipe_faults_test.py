@@ -1,6 +1,5 @@
-"""Interfaces that close a stream, die or send signals: the program ends when
-nobody is left to answer, soon and by itself, and takes no processor time to
-wait for that."""
+"""Interfaces that close a stream, die or send signals: the program ends soon when
+nobody is left to answer, and waits for that without using the processor."""
 
 import os
 import shlex
@@ -10,25 +9,14 @@ import sys
 import time
 
 import fault_kit
-from fault_kit import LOG, is_alive, processor_seconds, stat_fields, wait_until
+from fault_kit import LOG, is_alive, stat_fields, wait_until
+from kit.engine_process import PIPE, EngineProcess
 
 SOURCES = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..")
+DOOMED = [sys.executable, os.path.join(SOURCES, "tests", "kit", "doomed_interface.py")]
 
-# Plays an interface with both pipes open: says what is asked for, tells the
-# engine's number and waits to be killed.
-INTERFACE = """
-import subprocess, sys
-engine = subprocess.Popen(["./mirvo"], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
-for line in sys.argv[2].split("|"):
-    print(line, file=engine.stdin, flush=True)
-while sys.argv[1] not in engine.stdout.readline():
-    pass
-print(engine.pid, flush=True)
-engine.wait()
-"""
-
-# What brings the program where it is to be left alone: the text to wait for,
-# then the lines to send.
+# What brings the program where it is to be left alone: the beginning of the line
+# to wait for, then the lines to send.
 IDLE = ("readyok", "uci|isready")
 SEARCHES = {
     "uci, on its own time": ("Allowing", "uci|go wtime 36000000 btime 36000000"),
@@ -45,16 +33,15 @@ class KilledInterface(fault_kit.FaultTest):
 
     def leave_behind(self, words):
         """The number of an engine whose interface is killed with SIGKILL."""
+        beginning, text = words
         folder = fault_kit.temporary_folder()
         self.addCleanup(folder.cleanup)
-        os.symlink(fault_kit.mirvo, os.path.join(folder.name, "mirvo"))
-        interface = subprocess.Popen([sys.executable, "-c", INTERFACE, *words], cwd=folder.name,
-                                     stdout=subprocess.PIPE, text=True)
-        self.addCleanup(interface.stdout.close)
-        engine = int(interface.stdout.readline())
+        interface = EngineProcess([*DOOMED, fault_kit.mirvo, beginning, *text.split("|")],
+                                  folder.name)
+        self.addCleanup(interface.close)
+        engine = int(interface.read_line().text)
         self.assertTrue(is_alive(engine))
         interface.kill()
-        interface.wait()
         return engine
 
     def expect_gone(self, engine):
@@ -71,26 +58,23 @@ class KilledInterface(fault_kit.FaultTest):
             with self.subTest(name):
                 self.expect_gone(self.leave_behind(words))
 
-    def test_an_engine_that_withholds_its_answer_follows_it(self):
+    def test_an_engine_that_delays_its_best_move_follows_it(self):
         self.expect_gone(self.leave_behind(MATE_FOUND))
 
 
 class ClosedPipes(fault_kit.FaultTest):
-    """The process that started the engine lives: a start script, for example,
-    that waits for it."""
+    """The process that started the engine lives on, for example a start script that
+    waits for it."""
 
     def begin(self, words):
         """An engine in the state that the words describe, on bare pipes."""
-        first_word, text = words
+        beginning, text = words
         folder = fault_kit.temporary_folder()
         self.addCleanup(folder.cleanup)
-        engine = subprocess.Popen([fault_kit.mirvo], cwd=folder.name, stdin=subprocess.PIPE,
-                                  stdout=subprocess.PIPE, text=True, bufsize=1)
-        self.addCleanup(self.forget, engine)
-        for line in text.split("|"):
-            print(line, file=engine.stdin, flush=True)
-        while first_word not in engine.stdout.readline():
-            pass
+        engine = EngineProcess([fault_kit.mirvo], folder.name)
+        self.addCleanup(engine.close)
+        engine.send(*text.split("|"))
+        engine.wait_for_line(beginning)
         return engine, os.path.join(folder.name, LOG)
 
     @staticmethod
@@ -98,56 +82,47 @@ class ClosedPipes(fault_kit.FaultTest):
         with open(log, encoding="ascii") as file:
             return file.read()
 
-    @staticmethod
-    def forget(engine):
-        if engine.poll() is None:
-            engine.kill()
-            engine.wait()
-        engine.stdin.close()
-        engine.stdout.close()
-
     def test_both_closed_end_it_with_status_0(self):
         for name, words in {"idle": IDLE, "mate found": MATE_FOUND, **SEARCHES}.items():
             with self.subTest(name):
                 engine, _ = self.begin(words)
-                engine.stdout.close()
-                engine.stdin.close()
-                self.assertEqual(engine.wait(timeout=10 * fault_kit.patience), 0)
+                engine.close_output()
+                engine.close_input()
+                self.assertEqual(engine.wait(10 * fault_kit.patience), 0)
 
     def test_the_input_alone_closed_leaves_it_waiting_without_work(self):
         engine, _ = self.begin(IDLE)
-        engine.stdin.close()
-        before = processor_seconds(engine.pid)
+        engine.close_input()
+        before = engine.processor_seconds()
         time.sleep(0.5)
         self.assertIsNone(engine.poll())
         # A spinning engine would take half a second; the system counts in ticks of 10 ms.
-        self.assertLess(processor_seconds(engine.pid) - before, 0.06)
+        self.assertLess(engine.processor_seconds() - before, 0.06)
 
     def test_the_output_alone_closed_leaves_it_at_work(self):
-        # A signal of the broken pipe would end it at the first line printed.
+        # SIGPIPE would end it at the first line printed.
         for name, words in {"idle": IDLE, **SEARCHES}.items():
             with self.subTest(name):
                 engine, log = self.begin(words)
-                engine.stdout.close()
+                engine.close_output()
                 n_features = self.read_log(log).count("feature myname=")
-                for line in ("isready", "force", "stop", "eval", "xboard"):
-                    print(line, file=engine.stdin, flush=True)
+                engine.send("isready", "force", "stop", "eval", "xboard")
                 self.assertTrue(wait_until(
                     lambda: self.read_log(log).count("feature myname=") > n_features, 10))
-                print("quit", file=engine.stdin, flush=True)
-                self.assertEqual(engine.wait(timeout=10 * fault_kit.patience), 0)
+                engine.send("quit")
+                self.assertEqual(engine.wait(10 * fault_kit.patience), 0)
 
     def test_its_answer_to_a_closed_output_is_in_the_log(self):
         engine, log = self.begin(SEARCHES["uci, until told"])
-        engine.stdout.close()
-        print("stop", file=engine.stdin, flush=True)
+        engine.close_output()
+        engine.send("stop")
 
         self.assertTrue(wait_until(lambda: "bestmove" in self.read_log(log), 10))
 
 
 class UnreadRuns(fault_kit.FaultTest):
-    """A task whose output nobody reads any more ends; an engine, which hears
-    when its interface is gone, does not mind."""
+    """A task ends when nobody reads its output any more; an engine does not, because
+    it notices otherwise when its interface is gone."""
 
     GAMES = os.path.join(SOURCES, "data", "opening_lines.pgn")
     SUITE = os.path.join(SOURCES, "data", "mirvo-suite.epd")
@@ -157,22 +132,12 @@ class UnreadRuns(fault_kit.FaultTest):
              ["-listmoves", "b.bk", "8/8/8/8/8/8/8/K6k", "w", "-"], ["-quiet", "--p", "8"]]
 
     def begin(self, words, reader, **how):
-        """The program with these words, its output a pipe; its folder."""
+        """Starts the program with these arguments and a pipe for its output."""
         folder = fault_kit.temporary_folder()
         self.addCleanup(folder.cleanup)
-        program = subprocess.Popen([fault_kit.mirvo, *words], cwd=folder.name, stdout=reader,
-                                   stdin=subprocess.PIPE, text=True, **how)
-        self.addCleanup(self.forget, program)
+        program = EngineProcess([fault_kit.mirvo, *words], folder.name, output=reader, **how)
+        self.addCleanup(program.close)
         return program, folder.name
-
-    @staticmethod
-    def forget(program):
-        if program.poll() is None:
-            program.kill()
-            program.wait()
-        for stream in (program.stdin, program.stdout):
-            if stream:
-                stream.close()
 
     def begin_unread(self, words, **how):
         read_end, write_end = os.pipe()
@@ -186,23 +151,21 @@ class UnreadRuns(fault_kit.FaultTest):
         for words in self.TASKS:
             with self.subTest(words[0]):
                 program, _ = self.begin_unread(words)
-                self.assertEqual(program.wait(timeout=60 * fault_kit.patience), -signal.SIGPIPE)
+                self.assertEqual(program.wait(60 * fault_kit.patience), -signal.SIGPIPE)
 
-    def test_a_starter_that_ignores_the_signal_does_not_count(self):
+    def test_a_parent_that_ignores_the_signal_does_not_count(self):
         # This interpreter ignores it, and so would its children.
         for words in (["-perft", "8"], ["-analyze", self.SUITE]):
             with self.subTest(words[0]):
                 program, _ = self.begin_unread(words, restore_signals=False)
-                self.assertEqual(program.wait(timeout=60 * fault_kit.patience), -signal.SIGPIPE)
+                self.assertEqual(program.wait(60 * fault_kit.patience), -signal.SIGPIPE)
 
     def test_a_task_that_prints_nothing_for_hours_ends_too(self):
-        program, _ = self.begin(["-perft", "9"], subprocess.PIPE)
-        while "RNBQKBNR" not in program.stdout.readline():
-            pass
+        program, _ = self.begin(["-perft", "9"], PIPE)
+        program.wait_for_line("1|RNBQKBNR")
         time.sleep(0.2)  # the rest of the board
-        program.stdout.close()
-        self.assertEqual(program.wait(timeout=30 * fault_kit.patience), -signal.SIGPIPE)
-        program.stdout = None
+        program.close_output()
+        self.assertEqual(program.wait(30 * fault_kit.patience), -signal.SIGPIPE)
 
     def test_a_reader_of_one_line_ends_a_count(self):
         line = f"{shlex.quote(fault_kit.mirvo)} -perft 8 | head -1"
@@ -215,14 +178,14 @@ class UnreadRuns(fault_kit.FaultTest):
     def test_an_engine_that_nobody_ever_read_does_what_it_is_told(self):
         for words in ([], ["-quiet", "-depth", "3", "-usebook", "none"]):
             program, folder = self.begin_unread(words)
-            program.communicate("uci\nisready\nquit\n", timeout=60 * fault_kit.patience)
-            self.assertEqual(program.returncode, 0)
+            program.send("uci", "isready", "quit")
+            self.assertEqual(program.wait(60 * fault_kit.patience), 0)
             with open(os.path.join(folder, LOG), encoding="ascii") as log:
                 self.assertIn("readyok", log.read())
 
 
 class MissingStreams(fault_kit.FaultTest):
-    """Started without a standard stream at all."""
+    """Started without one or more standard streams."""
 
     def test_without_output_the_log_has_every_message_once(self):
         self.start(command="$mirvo >&-")
@@ -233,12 +196,12 @@ class MissingStreams(fault_kit.FaultTest):
         self.assertEqual(log.count("readyok"), 1)
 
     def test_without_input_it_does_not_read_its_own_files(self):
-        # Were the log its input, "quit" would be in it.
+        # If the log became its input, the engine would read "quit" from it.
         self.start("echo Book=quit > config.txt", "$mirvo <&-")
         self.wait("Ponder=1")
-        pid = self.engine.process.pid
+        pid = self.engine.pid
         self.assertEqual(os.readlink(f"/proc/{pid}/fd/0"), "/dev/null")
-        self.assertIsNone(self.engine.process.poll())
+        self.assertIsNone(self.engine.poll())
 
     def test_without_any_stream_a_tool_runs_to_its_end(self):
         self.start(command="$mirvo -perft 3 <&- >&- 2>&-")
@@ -247,9 +210,9 @@ class MissingStreams(fault_kit.FaultTest):
 
 
 class Signals(fault_kit.FaultTest):
-    """Under XBoard an interrupt is no reason to end and a request to terminate
-    lets what was said before it be done (xboard_process_test.py); otherwise
-    the system's own actions hold, in a search too."""
+    """Under XBoard an interrupt is ignored and a request to terminate lets earlier
+    commands finish (xboard_process_test.py); otherwise the system's default actions
+    apply, during a search too."""
 
     def test_interrupt_and_terminate_end_any_uci_session(self):
         for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
@@ -260,7 +223,7 @@ class Signals(fault_kit.FaultTest):
                     self.speak_uci()
                     self.send(line)
                     self.wait(reply)
-                    self.engine.process.send_signal(number)
+                    self.engine.signal(number)
                     self.assertEqual(self.ended(), -number)
 
     def test_before_a_protocol_is_known_they_end_it_too(self):
@@ -268,22 +231,22 @@ class Signals(fault_kit.FaultTest):
             with self.subTest(number.name):
                 self.start()
                 self.wait("Ponder=1")
-                self.engine.process.send_signal(number)
+                self.engine.signal(number)
                 self.assertEqual(self.ended(), -number)
 
     def test_a_broken_pipe_signal_is_ignored_in_every_state(self):
         self.start()
         self.speak_uci()
-        self.engine.process.send_signal(signal.SIGPIPE)
+        self.engine.signal(signal.SIGPIPE)
         self.send("go infinite")
         self.wait("info")
-        self.engine.process.send_signal(signal.SIGPIPE)
+        self.engine.signal(signal.SIGPIPE)
         self.send("stop")
         self.wait("bestmove")
         self.quit()
 
     def is_stopped(self):
-        return stat_fields(self.engine.process.pid)[0] == "T"
+        return stat_fields(self.engine.pid)[0] == "T"
 
     def test_a_stopped_process_goes_on_where_it_was(self):
         self.start()
@@ -291,9 +254,9 @@ class Signals(fault_kit.FaultTest):
         self.send("go infinite")
         self.wait("info")
         for _ in range(3):
-            self.engine.process.send_signal(signal.SIGSTOP)
+            self.engine.signal(signal.SIGSTOP)
             self.assertTrue(wait_until(self.is_stopped, 10))
-            self.engine.process.send_signal(signal.SIGCONT)
+            self.engine.signal(signal.SIGCONT)
         self.send("stop")
         self.wait("bestmove")
         self.quit()

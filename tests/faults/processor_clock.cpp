@@ -1,6 +1,5 @@
 // A library for LD_PRELOAD: the monotonic clock counts the processor time of the
-// process. What a program does within its time is then the same on a machine
-// that has much else to do.
+// process, so that a busy machine does not change what a program does in its time.
 #include <sys/syscall.h>
 #include <time.h>
 #include <unistd.h>

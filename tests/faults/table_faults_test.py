@@ -1,13 +1,13 @@
-"""Tables of any size, used and unused: no search oversteps its time because of
-their memory, no command waits for it, and it is taken by use only.
+"""Tables of any size, used and unused: no search exceeds its time because of their
+memory, no command waits for it, and it is taken only as it is used.
 
 Times are the process's processor time, and its clock counts that too ("--clock"
-names the library that sees to it): a busy machine changes nothing. A machine that
-has to fetch memory from its host may take a long time once, so each case has a
-few tries.
+names the library that does this), so a busy machine changes nothing. A virtual
+machine that gets memory from its host may be slow once, so each case has a few
+tries.
 
-"--slow" leaves the times out: a build with sanitizers has its own, and cannot
-have the library.
+"--slow" leaves the times out: sanitizers slow the program down, and the library
+does not work with them.
 """
 
 import contextlib
@@ -40,7 +40,7 @@ clock_library = ""
 
 @contextlib.contextmanager
 def processor_clock():
-    """Programs started within read their processor time as the time."""
+    """Programs started within use their processor time as the clock."""
     os.environ["LD_PRELOAD"] = clock_library
     try:
         yield
@@ -61,13 +61,11 @@ class TableTest(fault_kit.FaultTest):
             self.start(f"echo {settings} > config.txt" if settings else "")
 
     def stop_now(self):
-        self.engine.process.kill()
-        self.engine.process.wait()
+        self.engine.kill()
 
     def used(self):
         """Milliseconds of processor time so far."""
-        # The number of the process's clock, as clock_getcpuclockid makes it.
-        return 1000 * time.clock_gettime((~self.engine.process.pid << 3) | 2)
+        return 1000 * self.engine.processor_seconds()
 
     def set_sizes(self, sizes):
         self.send(*(f"setoption name {table} Hash Size value {size}"
@@ -85,7 +83,7 @@ class TableTest(fault_kit.FaultTest):
 class Times(TableTest):
 
     def overstep(self, sizes, new_game):
-        """Of the first search of a process, with all commands sent at once."""
+        """Overstep of the first search of a process, with all commands sent at once."""
         self.start_counted()
         self.send("uci")
         self.set_sizes(sizes)
@@ -106,7 +104,7 @@ class Times(TableTest):
                     self.expect_within(OVERSTEP, lambda: self.overstep(sizes, new_game))
 
     def xboard_overstep(self):
-        """Of the answer to a first "new ... go", from the start of the process."""
+        """The same for a first "new ... go" under XBoard, start-up included."""
         self.start_counted("TTHashSize=1000")
         self.send("xboard", "new", "level 0 1 0.01", "time 100", "otim 100", "go")
         allotted = int(self.wait("Allowing").split()[1])
@@ -131,7 +129,7 @@ class Times(TableTest):
             self.start_counted()
             self.speak_uci()
             ready = self.readiness("setoption name TT Hash Size value -5", "ucinewgame")
-            self.assertLess(resident_megabytes(self.engine.process.pid), MOST_MEMORY)
+            self.assertLess(resident_megabytes(self.engine.pid), MOST_MEMORY)
             self.stop_now()
             return ready
         self.expect_within(PROMPT, measure)
@@ -163,7 +161,7 @@ class Memory(TableTest):
                         self.send("ucinewgame")
                     self.expect_a_game_move()
                     if not fault_kit.is_slow():
-                        self.assertLess(resident_megabytes(self.engine.process.pid), MOST_MEMORY)
+                        self.assertLess(resident_megabytes(self.engine.pid), MOST_MEMORY)
                     self.quit()
 
 

@@ -18,9 +18,7 @@ std::vector<std::filesystem::path> InputsOf(const NamedExercise& exercise) {
   const auto folder =
       std::filesystem::path(MIRVO_SOURCE_DIR) / "tests" / "fuzz" / "corpus" / exercise.name;
   std::vector<std::filesystem::path> files;
-  for (const auto& file : std::filesystem::directory_iterator(folder)) {
-    files.push_back(file.path());
-  }
+  for (const auto& file : std::filesystem::directory_iterator(folder)) files.push_back(file.path());
   std::sort(files.begin(), files.end());
   return files;
 }
@@ -30,7 +28,7 @@ std::string BytesOf(const std::filesystem::path& path) {
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-/// What an input came to: the broken promise, if any, and the engine's trace.
+/// The result of an input: the failed property, if any, and the engine's trace.
 struct Outcome {
   std::string broken;
   std::string trace;
@@ -51,11 +49,12 @@ TEST_P(FuzzCorpus, KeepsEveryPromiseInAnyOrder) {
   std::vector<std::string> traces;
   for (const auto& file : files) {
     const Outcome outcome = OutcomeOf(GetParam(), file);
-    if (!outcome.broken.empty())
+    if (!outcome.broken.empty()) {
       failures.push_back(file.filename().string() + ": " + outcome.broken);
+    }
     traces.push_back(outcome.trace);
   }
-  // Whatever ran before, an input comes to the same.
+  // The result of an input must not depend on earlier ones.
   for (std::size_t i = files.size(); i-- > 0;) {
     const Outcome outcome = OutcomeOf(GetParam(), files[i]);
     if (outcome.broken.empty() && outcome.trace == traces[i]) continue;

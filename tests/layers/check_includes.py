@@ -1,5 +1,5 @@
-"""Checks that every include points downwards, stays in the tree, runs in no
-circle, and that system headers are where they belong.
+"""Checks that every include points downwards and stays in the tree, that there is no
+include cycle, and that system headers are where they belong.
 
 Usage: check_includes.py SOURCE_ROOT   (or --self-test)
 """

@@ -1,4 +1,4 @@
-"""The layers of the source tree: which files are whose, and who may use whom.
+"""The layers of the source tree: their files, and which layers each may use.
 
 `FILES` maps path patterns to layers, first match wins; `USES` names the layers
 whose headers a layer may include besides its own.
@@ -25,7 +25,7 @@ USES = {
     "board": ["base"],
     "config": ["board", "base"],
     "hash": ["config", "board", "base"],
-    "book": ["config", "board", "base"],
+    "book": ["board", "base"],
     "eval": ["hash", "config", "board", "base"],
     "search": ["eval", "book", "hash", "config", "board", "base"],
     "epd": ["search", "eval", "book", "hash", "config", "board", "base"],
@@ -33,7 +33,7 @@ USES = {
     "shell": ["protocol", "epd", "search", "eval", "book", "hash", "config", "board", "base"],
 }
 
-# Headers of the operating system stay behind the files written for it.
+# Headers of the operating system are only for the files written for it.
 PLATFORM_HEADERS = {
     "*_windows*.cpp": ["windows.h", "io.h", "conio.h", "fcntl.h", "process.h"],
     "*_posix*.cpp": ["unistd.h", "poll.h", "time.h", "signal.h", "fcntl.h", "sched.h", "errno.h",
@@ -42,8 +42,8 @@ PLATFORM_HEADERS = {
 }
 UNWANTED_HEADERS = ["iostream", "sstream", "fstream", "regex", "locale"]
 
-# Units (a header and its source) that still include each other. To be taken
-# apart; no new group may come up.
+# Units (a header and its source) that still include each other. New groups are not
+# allowed.
 KNOWN_CYCLES = []
 
 FOLDERS = ["board", "book", "epd", "eval", "protocol", "search", "shell"]

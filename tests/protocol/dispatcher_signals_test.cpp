@@ -1,5 +1,5 @@
-// What the dispatcher does about the signals of an XBoard session. Each test
-// ends in a process of its own, so that none leaves a signal behind.
+// How the dispatcher handles signals in an XBoard session. Each test runs in a
+// separate process, so that none leaves signal handlers behind.
 #include <signal.h>
 
 #include <cstdlib>
@@ -9,7 +9,7 @@
 namespace mirvo {
 namespace {
 
-/// Leaves the process when a test's statement comes through alive.
+/// Exit status of a test's process that survives its statement.
 constexpr int cameThrough = 42;
 
 class SessionSignals : public UciTest {
@@ -78,7 +78,7 @@ TEST_F(SessionSignals, AnIdleProcessEndsAtItsNextTurn) {
       ::testing::ExitedWithCode(0), "");
 }
 
-// A process that never comes to its next turn, because a read blocks it.
+// A process that a blocking read keeps from its next turn.
 TEST_F(SessionSignals, TheAlarmAfterATerminationEndsTheProcess) {
   EXPECT_EXIT(
       {

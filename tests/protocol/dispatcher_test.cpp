@@ -10,7 +10,6 @@ namespace mirvo {
 namespace {
 
 constexpr char featureLine[] = "feature myname=\"Mirvo 0.2.7_d\" name=1 setboard=1 ics=1 done=1\n";
-constexpr char noTime[] = "Allowing 0 ms for move (0, 0, 0)\n";
 constexpr char oneHit[] =
     "PONDER HIT. CONTINUING\nAllowing 0 ms for move (0, 0, 0)\n"
     "Ponder hits = 1, misses = 0, percenthits = 100.0%\n";
@@ -24,19 +23,19 @@ TEST(ProtocolModeRecord, BeginsAllZero) {
   EXPECT_EQ(mode.mode, 0U);
   EXPECT_EQ(mode.uciState, 0);
   EXPECT_EQ(mode.xboardState, 0);
-  EXPECT_EQ(mode.detected, 0);
+  EXPECT_FALSE(mode.detected);
 }
 
 TEST_F(Detection, LinesBeforeAProtocolWordAreDropped) {
   EXPECT_EQ(Play("isready\nnew\ne2e4\nquit\n\n"), "");
   EXPECT_EQ(protocolMode.mode, noProtocol);
-  EXPECT_EQ(protocolMode.detected, 0);
+  EXPECT_FALSE(protocolMode.detected);
 }
 
 TEST_F(Detection, UcinewgameIsAProtocolWord) {
   EXPECT_EQ(Play("ucinewgame\nisready\n"), "readyok\n");
   EXPECT_EQ(protocolMode.mode, uciProtocol);
-  EXPECT_EQ(protocolMode.detected, 1);
+  EXPECT_TRUE(protocolMode.detected);
 }
 
 TEST_F(Detection, TheWordMustBeginTheLine) { EXPECT_EQ(Play(" uci\nisready\n"), ""); }
@@ -44,7 +43,7 @@ TEST_F(Detection, TheWordMustBeginTheLine) { EXPECT_EQ(Play(" uci\nisready\n"), 
 TEST_F(Detection, XboardPrintsTheFeaturesOncePerLine) {
   EXPECT_EQ(Play("xboard\n"), featureLine);
   EXPECT_EQ(protocolMode.mode, xboardProtocol);
-  EXPECT_EQ(protocolMode.detected, 1);
+  EXPECT_TRUE(protocolMode.detected);
   EXPECT_EQ(Play("xboard\nprotover 2\n"), featureLine);
 }
 
@@ -67,7 +66,7 @@ TEST_F(Detection, SwitchingToUciEndsPonderingUnderXboard) {
 
 TEST_F(Detection, TheOwnLineOfXboardComesBeforeInput) {
   Play("xboard\nnew\nforce\n");
-  xboardPonder.PendingMove = 1;
+  xboardPonder.PendingMove = true;
   xboardPonder.heldMove = MoveFromCoordinates("e2e4", gameBoard, white);
   const std::string printed = Play("e7e5\n");
   EXPECT_NE(printed.find("/4P3/8/PPPP1PPP/RNBQKBNR b"), std::string::npos);
@@ -101,22 +100,22 @@ TEST_F(Polling, UnknownLinesAreIgnored) {
 }
 
 /// A search that only a command can end, and a "go" that arrives during it.
-struct HeldGoCase {
+struct DeferredGoCase {
   const char* name;
   const char* running;
-  const char* held;
+  const char* deferred;
 };
 
-class HeldGo : public UciTest, public ::testing::WithParamInterface<HeldGoCase> {
+class DeferredGo : public UciTest, public ::testing::WithParamInterface<DeferredGoCase> {
  protected:
-  /// Plays both with `behind` arriving behind the held "go"; the second search
-  /// hears `later`. Every line printed but the clock's and the hits'.
+  /// Plays both searches. `behind` arrives after the deferred "go", `later` during
+  /// the second search. Returns every printed line except those on time and hits.
   std::string Answers(const std::string& behind, const std::string& later = "") {
-    const HeldGoCase& go = GetParam();
-    script = {{{std::string(go.held) + "\n" + behind, inputEnds}, "e2e4"},
+    const DeferredGoCase& go = GetParam();
+    script = {{{std::string(go.deferred) + "\n" + behind, inputEnds}, "e2e4"},
               {{"", later, "", ""}, "e7e5"}};
     const std::string printed = PlayUci(std::string(go.running) + "\n");
-    // A search that nothing ended would have met the end of input.
+    // A search that was not ended would have reached the end of input.
     EXPECT_FALSE(fakeInput.ended);
     EXPECT_EQ(searches.size(), 2U);
     std::string kept;
@@ -133,26 +132,28 @@ class HeldGo : public UciTest, public ::testing::WithParamInterface<HeldGoCase> 
   static constexpr char both[] = "bestmove e2e4 |bestmove e7e5 |";
 };
 
-TEST_P(HeldGo, EndsTheSearchThatOnlyACommandEndsAndRuns) { EXPECT_EQ(Answers("", "stop\n"), both); }
+TEST_P(DeferredGo, EndsTheSearchThatOnlyACommandEndsAndRuns) {
+  EXPECT_EQ(Answers("", "stop\n"), both);
+}
 
-TEST_P(HeldGo, AStopBehindItEndsBoth) {
+TEST_P(DeferredGo, AStopBehindItEndsBoth) {
   EXPECT_EQ(Answers("stop\n"), both);
   EXPECT_TRUE(fakeInput.pauses.empty());
 }
 
-TEST_P(HeldGo, APonderhitBehindItIsCountedOnceAndNobodyIsLeftWaiting) {
+TEST_P(DeferredGo, APonderhitBehindItIsCountedOnceAndNobodyIsLeftWaiting) {
   EXPECT_EQ(Answers("ponderhit\n", "stop\n"), both);
   EXPECT_EQ(ponderStats.hits, 1U);
 }
 
-// Under "go infinite" the answer waits for a stop, whoever else was hit.
-TEST_P(HeldGo, APonderhitBehindItAloneReleasesAllButAnalysis) {
-  if (std::string(GetParam().held) == "go infinite") return;
+// Under "go infinite" only a stop releases the best move.
+TEST_P(DeferredGo, APonderhitBehindItAloneReleasesAllButAnalysis) {
+  if (std::string(GetParam().deferred) == "go infinite") return;
   EXPECT_EQ(Answers("ponderhit\n"), both);
   EXPECT_TRUE(fakeInput.pauses.empty());
 }
 
-TEST_P(HeldGo, BothWordsBehindItInEitherOrder) {
+TEST_P(DeferredGo, BothWordsBehindItInEitherOrder) {
   EXPECT_EQ(Answers("ponderhit\nstop\n"), both);
   EXPECT_EQ(ponderStats.hits, 1U);
   SetUp();
@@ -160,36 +161,38 @@ TEST_P(HeldGo, BothWordsBehindItInEitherOrder) {
   EXPECT_EQ(Answers("stop\nponderhit\n"), both);
 }
 
-TEST_P(HeldGo, IsreadyBehindItIsAnsweredInTheRunningSearch) {
+TEST_P(DeferredGo, IsreadyBehindItIsAnsweredInTheRunningSearch) {
   EXPECT_EQ(Answers("isready\nstop\nisready\n"), std::string("readyok|readyok|") + both);
 }
 
-TEST_P(HeldGo, TheEndOfInputBehindItLeavesOneAnswerEach) {
-  script = {{{std::string(GetParam().held) + "\n", inputEnds}, "e2e4"}, {{inputEnds, ""}, "e7e5"}};
+TEST_P(DeferredGo, TheEndOfInputBehindItLeavesOneAnswerEach) {
+  script = {{{std::string(GetParam().deferred) + "\n", inputEnds}, "e2e4"},
+            {{inputEnds, ""}, "e7e5"}};
   const std::string printed = PlayUci(std::string(GetParam().running) + "\n");
   EXPECT_NE(printed.find("bestmove e2e4 \n"), std::string::npos);
   EXPECT_NE(printed.find("bestmove e7e5 \n"), std::string::npos);
   EXPECT_EQ(searches.size(), 2U);
 }
 
-TEST_P(HeldGo, QuitBehindItEndsTheProcess) {
-  script = {{{std::string(GetParam().held) + "\nquit\n"}, "e2e4"}};
+TEST_P(DeferredGo, QuitBehindItEndsTheProcess) {
+  script = {{{std::string(GetParam().deferred) + "\nquit\n"}, "e2e4"}};
   EXPECT_EXIT(PlayUci(std::string(GetParam().running) + "\n"), ::testing::ExitedWithCode(0), "");
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    All, HeldGo,
-    ::testing::Values(HeldGoCase{"InfiniteBehindInfinite", "go infinite", "go infinite"},
-                      HeldGoCase{"PonderBehindInfinite", "go infinite", "go ponder"},
-                      HeldGoCase{"ClockBehindInfinite", "go infinite", "go wtime 1000 btime 1000"},
-                      HeldGoCase{"DepthBehindInfinite", "go infinite", "go depth 3"},
-                      HeldGoCase{"InfiniteBehindPonder", "go ponder", "go infinite"},
-                      HeldGoCase{"PonderBehindPonder", "go ponder", "go ponder"},
-                      HeldGoCase{"ClockBehindPonder", "go ponder", "go wtime 1000 btime 1000"},
-                      HeldGoCase{"DepthBehindPonder", "go ponder", "go depth 3"}),
-    [](const ::testing::TestParamInfo<HeldGoCase>& testCase) { return testCase.param.name; });
+    All, DeferredGo,
+    ::testing::Values(DeferredGoCase{"InfiniteBehindInfinite", "go infinite", "go infinite"},
+                      DeferredGoCase{"PonderBehindInfinite", "go infinite", "go ponder"},
+                      DeferredGoCase{"ClockBehindInfinite", "go infinite",
+                                     "go wtime 1000 btime 1000"},
+                      DeferredGoCase{"DepthBehindInfinite", "go infinite", "go depth 3"},
+                      DeferredGoCase{"InfiniteBehindPonder", "go ponder", "go infinite"},
+                      DeferredGoCase{"PonderBehindPonder", "go ponder", "go ponder"},
+                      DeferredGoCase{"ClockBehindPonder", "go ponder", "go wtime 1000 btime 1000"},
+                      DeferredGoCase{"DepthBehindPonder", "go ponder", "go depth 3"}),
+    [](const ::testing::TestParamInfo<DeferredGoCase>& testCase) { return testCase.param.name; });
 
-TEST_F(Polling, AHeldGoWaitsForASearchThatEndsByItself) {
+TEST_F(Polling, ADeferredGoWaitsForASearchThatEndsByItself) {
   for (const char* running : {"go\n", "go depth 9\n", "go wtime 9000 btime 9000\n"}) {
     SetUp();
     script = {{{"go infinite\n", inputEnds}, "e2e4"}, {{""}, "e7e5"}};
@@ -198,14 +201,14 @@ TEST_F(Polling, AHeldGoWaitsForASearchThatEndsByItself) {
   }
 }
 
-TEST_F(Polling, AHeldGoWaitsForAPonderSearchThatWasHit) {
+TEST_F(Polling, ADeferredGoWaitsForAPonderSearchThatWasHit) {
   script = {{{"ponderhit\ngo depth 3\n", inputEnds}, "e2e4"}, {{""}, "e7e5"}};
   PlayUci("go ponder\n");
   EXPECT_TRUE(fakeInput.ended);
 }
 
-// The hit is for the search that ponders: a running clock is not started again.
-TEST_F(Polling, APonderhitBehindAHeldGoLeavesTheRunningClock) {
+// The hit is meant for the ponder search: a running clock does not restart.
+TEST_F(Polling, APonderhitBehindADeferredGoLeavesTheRunningClock) {
   script = {{{"go ponder\nponderhit\n", ""}, "e2e4"}, {{"", ""}, "e7e5"}};
   const std::string printed = PlayUci("go wtime 1000 btime 1000\n");
   const std::size_t answered = printed.find("bestmove e2e4");
@@ -213,7 +216,7 @@ TEST_F(Polling, APonderhitBehindAHeldGoLeavesTheRunningClock) {
   EXPECT_EQ(ponderStats.hits, 1U);
 }
 
-TEST_F(Polling, SeveralHeldGosGetOneAnswerEachAndOneStopIsEnough) {
+TEST_F(Polling, SeveralDeferredGosGetOneAnswerEachAndOneStopIsEnough) {
   script = {{{"go infinite\ngo ponder\ngo infinite\n", "stop\n"}, "e2e4"},
             {{"stop\n", inputEnds}, "e7e5"},
             {{"", inputEnds}, "g1f3"},
@@ -226,7 +229,7 @@ TEST_F(Polling, SeveralHeldGosGetOneAnswerEachAndOneStopIsEnough) {
   EXPECT_EQ(searches.size(), 4U);
 }
 
-TEST_F(Polling, AWithheldAnswerIsReleasedByAGo) {
+TEST_F(Polling, AGoReleasesADelayedBestMove) {
   for (const char* running : {"go infinite\n", "go ponder\n"}) {
     SetUp();
     script = {{{}, "e2e4"}, {{}, "e7e5"}};
@@ -237,8 +240,8 @@ TEST_F(Polling, AWithheldAnswerIsReleasedByAGo) {
   }
 }
 
-// The search before ended on a mate, so the held "go ponder" is declined; the
-// word behind it still gets its answer.
+// The search before ended on a mate, so the deferred "go ponder" is declined; the
+// command after it still gets its best move.
 TEST_F(Polling, AStopOrPonderhitBehindADeclinedPonderIsAnswered) {
   for (const char* release : {"stop\n", "ponderhit\n"}) {
     SetUp();
@@ -251,16 +254,16 @@ TEST_F(Polling, AStopOrPonderhitBehindADeclinedPonderIsAnswered) {
   }
 }
 
-struct HeldCase {
+struct DeferredCase {
   const char* name;
   const char* line;
 };
 
-class HeldLine : public UciTest, public ::testing::WithParamInterface<HeldCase> {};
+class DeferredLine : public UciTest, public ::testing::WithParamInterface<DeferredCase> {};
 
-// Were one of these handled inside the search, the board would have changed
-// under it, or a second search would have been started in it.
-TEST_P(HeldLine, WaitsForTheEndOfTheSearch) {
+// If one of these were handled inside the search, it would change the board under
+// it or start a second search in it.
+TEST_P(DeferredLine, WaitsForTheEndOfTheSearch) {
   script = {{{std::string(GetParam().line) + "\nisready\n"}, "e2e4"}, {{}, "d2d4"}};
   const std::string printed = PlayUci("go\n");
   const std::string atOnce = std::string(noTime) + "readyok\nbestmove e2e4 \n";
@@ -268,14 +271,14 @@ TEST_P(HeldLine, WaitsForTheEndOfTheSearch) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    All, HeldLine,
-    ::testing::Values(HeldCase{"Position", "position fen 8/8/8/8/8/8/8/8 w -"},
-                      HeldCase{"Go", "go"}, HeldCase{"NewGame", "ucinewgame"},
-                      HeldCase{"Option", "setoption name TT Hash Size value 1"},
-                      HeldCase{"Switch", "xboard"}),
-    [](const ::testing::TestParamInfo<HeldCase>& testCase) { return testCase.param.name; });
+    All, DeferredLine,
+    ::testing::Values(DeferredCase{"Position", "position fen 8/8/8/8/8/8/8/8 w -"},
+                      DeferredCase{"Go", "go"}, DeferredCase{"NewGame", "ucinewgame"},
+                      DeferredCase{"Option", "setoption name TT Hash Size value 1"},
+                      DeferredCase{"Switch", "xboard"}),
+    [](const ::testing::TestParamInfo<DeferredCase>& testCase) { return testCase.param.name; });
 
-TEST_F(Polling, HeldLinesAreHandledInOrderAfterTheSearch) {
+TEST_F(Polling, DeferredLinesAreHandledInOrderAfterTheSearch) {
   script = {{{"position startpos moves d2d4\ngo\nposition startpos moves c2c4\n", "go depth 3\n"},
              "e2e4"},
             {{}, "d7d5"},
@@ -286,34 +289,34 @@ TEST_F(Polling, HeldLinesAreHandledInOrderAfterTheSearch) {
   EXPECT_EQ(searches[2].depth, 3);
 }
 
-TEST_F(Polling, AStopBehindAHeldGoStopsBothSearches) {
+TEST_F(Polling, AStopBehindADeferredGoStopsBothSearches) {
   script = {{{"go infinite\nstop\nisready\n", inputEnds}, "e2e4"}, {{"", inputEnds}, "e7e5"}};
   EXPECT_EQ(PlayUci("go\n"),
             std::string(noTime) + "readyok\nbestmove e2e4 \n" + noTime + "bestmove e7e5 \n");
-  // Each at the poll that met the word, before the end of input was looked at.
+  // Each at the poll that read the command, before the end of input was reached.
   EXPECT_FALSE(fakeInput.ended);
   EXPECT_TRUE(fakeInput.pauses.empty());
 }
 
-TEST_F(Polling, APonderhitBehindAHeldGoIsMeantForThatGo) {
+TEST_F(Polling, APonderhitBehindADeferredGoIsMeantForThatGo) {
   script = {{{"go ponder\nponderhit\n"}, "e2e4"}, {{""}, "e7e5"}};
   EXPECT_EQ(PlayUci("go\n"),
             std::string(noTime) + "bestmove e2e4 \n" + noTime + oneHit + "bestmove e7e5 \n");
 }
 
-TEST_F(Polling, AStopBeforeAHeldGoStopsTheRunningSearch) {
+TEST_F(Polling, AStopBeforeADeferredGoStopsTheRunningSearch) {
   script = {{{"position startpos\nstop\ngo\n", "isready\n"}, "e2e4"}, {{}, "d2d4"}};
   EXPECT_EQ(PlayUci("go infinite\n"),
             std::string(noTime) + "bestmove e2e4 \n" + noTime + "bestmove d2d4 \n");
 }
 
-TEST_F(Polling, HeldLinesLeftByOneSearchAreJudgedInTheNext) {
+TEST_F(Polling, DeferredLinesLeftByOneSearchAreClassifiedInTheNext) {
   script = {{{"go\nisready\ngo infinite\nstop\n"}, "e2e4"}, {{"", ""}, "e7e5"}, {{"", ""}, "g1f3"}};
   EXPECT_EQ(PlayUci("go\n"), std::string(noTime) + "readyok\nbestmove e2e4 \n" + noTime +
                                  "bestmove e7e5 \n" + noTime + "bestmove g1f3 \n");
 }
 
-TEST_F(Polling, ASwitchOfProtocolIsHeldWithWhatFollows) {
+TEST_F(Polling, ASwitchOfProtocolIsDeferredWithWhatFollows) {
   script = {{{"xboard\nnew\nforce\ne2e4\nisready\n"}, "d2d4"}};
   EXPECT_EQ(PlayUci("go\n"), std::string(noTime) + "readyok\nbestmove d2d4 \n" + featureLine +
                                  "rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq -\n");
@@ -338,14 +341,14 @@ TEST_F(Polling, ASwitchOfProtocolIsForgottenOnceItWasMade) {
 }
 
 TEST_F(Polling, AfterAPonderMissNothingIsReadUntilTheRealMoveWasHandled) {
-  // The pondered g1f3 was not played. Were "force" read at once, the real move
-  // would get no answer.
+  // The pondered g1f3 was not played. If "force" were handled at once, the real
+  // move would get no answer.
   script = {{{}, "e7e5", "g1f3"}, {{"b1c3\nforce\n"}, "b8c6"}, {{""}, "g8f6"}};
   const std::string printed = Play("xboard\nnew\ne2e4\n");
   EXPECT_NE(printed.find("PONDER NOT HIT. STOPPING\n"), std::string::npos);
   EXPECT_NE(printed.find("move g8f6\n"), std::string::npos);
   EXPECT_EQ(searches.size(), 3U);
-  EXPECT_EQ(xboardGame.force, 1);
+  EXPECT_TRUE(xboardGame.force);
 }
 
 TEST_F(Polling, UciLinesDuringAnXboardSearchWait) {
@@ -367,7 +370,7 @@ TEST_F(Polling, AnotherXboardLineDuringItsSearchPrintsTheFeaturesAtOnce) {
 TEST_F(Polling, TheQueueIsFullAtItsLimitAndReadsNoFurther) {
   std::string lines;
   for (std::size_t i = 0; i < maxDeferredCommands; ++i) lines += "eval\n";
-  // One poll may read a part of them only.
+  // One poll reads only some of them.
   script = {{{lines + "isready\n", "", "", "", "", "", ""}, "e2e4"}};
   protocolMode.mode = uciProtocol;
   fakeInput.bytes = "go\n";
@@ -390,7 +393,7 @@ TEST_F(Polling, OneLineLessLeavesRoomInTheQueue) {
             std::string(noTime) + "readyok\nbestmove e2e4 \n");
 }
 
-// No command can reach an endless search behind a full queue, so it ends.
+// With a full queue no command can reach an endless search, so it ends.
 TEST_F(Polling, AFullQueueEndsASearchThatOnlyACommandCouldEnd) {
   std::string lines;
   for (std::size_t i = 0; i < maxDeferredCommands; ++i) lines += "position startpos\n";
@@ -408,37 +411,37 @@ TEST_F(EndOfInput, IdleTheProcessSleepsAndStaysSilent) {
   EXPECT_EQ(fakeInput.pauses, (std::vector<std::uint32_t>{10, 10, 10}));
 }
 
-TEST_F(EndOfInput, TheProcessEndsWithStatus0OnceItsStarterIsGone) {
+TEST_F(EndOfInput, TheProcessEndsWithStatus0OnceItsParentHasExited) {
   fakeInput.ended = true;
-  fakeInput.starterGone = true;
+  fakeInput.parentExited = true;
   EXPECT_EXIT(Dispatch(protocolMode, false), ::testing::ExitedWithCode(0), "");
 }
 
-TEST_F(EndOfInput, TheStarterMayGoWhileInputIsOpen) {
-  fakeInput.starterGone = true;
+TEST_F(EndOfInput, TheParentMayExitWhileInputIsOpen) {
+  fakeInput.parentExited = true;
   Dispatch(protocolMode, false);
   EXPECT_EQ(PlayUci("isready\n"), "readyok\n");
 }
 
 TEST_F(EndOfInput, TheProcessEndsWithStatus0OnceNobodyReadsItsOutput) {
   fakeInput.ended = true;
-  fakeInput.readerGone = true;
+  fakeInput.outputClosed = true;
   EXPECT_EXIT(Dispatch(protocolMode, false), ::testing::ExitedWithCode(0), "");
 }
 
 TEST_F(EndOfInput, TheReaderMayGoWhileInputIsOpen) {
-  fakeInput.readerGone = true;
+  fakeInput.outputClosed = true;
   EXPECT_EQ(PlayUci("isready\n"), "readyok\n");
   script = {{{"isready\n", ""}, "e2e4"}};
   EXPECT_EQ(PlayUci("go\n"), std::string(noTime) + "readyok\nbestmove e2e4 \n");
 }
 
-// Whatever would end it by itself: nobody waits for its answer.
+// Whatever else would end the search: nobody waits for its answer.
 TEST_F(EndOfInput, ASearchThatNobodyWillHearOfEndsTheProcess) {
   for (const char* const session :
        {"uci\ngo depth 5\n", "uci\ngo infinite\n", "xboard\nnew\ngo\n"}) {
     script = {{{"", inputEnds}, "e2e4"}};
-    fakeInput.readerGone = true;
+    fakeInput.outputClosed = true;
     fakeInput.bytes = session;
     EXPECT_EXIT(
         {
@@ -454,7 +457,7 @@ TEST_F(EndOfInput, AFullQueueIsNoEnd) {
   std::string lines;
   for (std::size_t i = 0; i < maxDeferredCommands; ++i) lines += "eval\n";
   script = {{{lines, "", "", "", "", "", ""}, "e2e4"}};
-  fakeInput.readerGone = true;
+  fakeInput.outputClosed = true;
   protocolMode.mode = uciProtocol;
   fakeInput.bytes = "go\n";
   testing::internal::CaptureStdout();
@@ -471,7 +474,7 @@ TEST_F(EndOfInput, ALastLineWithoutItsEndIsHandled) {
 TEST_F(EndOfInput, ASearchThatEndsByItselfRunsOn) {
   script = {{{inputEnds, "", ""}, "e2e4"}};
   EXPECT_EQ(PlayUci("go depth 5\n"), std::string(noTime) + "bestmove e2e4 \n");
-  EXPECT_EQ(searchFlags.StopSearch, 0);
+  EXPECT_FALSE(searchFlags.StopSearch);
 }
 
 TEST_F(EndOfInput, AnEndlessSearchIsStoppedAndAnswers) {
@@ -479,17 +482,17 @@ TEST_F(EndOfInput, AnEndlessSearchIsStoppedAndAnswers) {
     SetUp();
     script = {{{"isready\n", inputEnds, ""}, "e2e4"}};
     EXPECT_EQ(PlayUci(line), std::string(noTime) + "readyok\nbestmove e2e4 \n");
-    EXPECT_EQ(searchFlags.StopSearch, 1);
+    EXPECT_TRUE(searchFlags.StopSearch);
   }
 }
 
 TEST_F(EndOfInput, APonderSearchThatWasHitRunsToItsEnd) {
   script = {{{"ponderhit\n", inputEnds, ""}, "e2e4"}};
   EXPECT_EQ(PlayUci("go ponder\n"), std::string(noTime) + oneHit + "bestmove e2e4 \n");
-  EXPECT_EQ(searchFlags.StopSearch, 0);
+  EXPECT_FALSE(searchFlags.StopSearch);
 }
 
-TEST_F(EndOfInput, AWithheldAnswerIsGiven) {
+TEST_F(EndOfInput, ADelayedBestMoveIsPrinted) {
   script = {{{}, "e2e4"}};
   fakeInput.afterPause = {"", "", inputEnds};
   EXPECT_EQ(PlayUci("go infinite\n"), std::string(noTime) + "bestmove e2e4 \n");
@@ -497,7 +500,7 @@ TEST_F(EndOfInput, AWithheldAnswerIsGiven) {
 
 TEST_F(EndOfInput, AnXboardPonderSearchIsAbandonedWithoutAWord) {
   script = {{{}, "e7e5", "g1f3"}, {{inputEnds}, "b8c6"}};
-  searchFlags.BookInUse = 0;
+  searchFlags.BookInUse = false;
   const std::string printed = Play("xboard\nnew\ne2e4\n");
   EXPECT_EQ(printed.find("move b8c6"), std::string::npos);
   EXPECT_EQ(gameBoard.sideToMove, white);

@@ -1,4 +1,4 @@
-// An input source that gives the bytes a test has sent so far.
+// An input source with the bytes that a test has sent so far.
 #pragma once
 
 #include <algorithm>
@@ -14,8 +14,8 @@ namespace mirvo {
 struct FakeInput {
   std::string bytes;           // sent and not read
   bool ended = false;          // nothing follows them
-  bool starterGone = false;    // what the source answers when asked
-  bool readerGone = false;     // the same about the reader of the output
+  bool parentExited = false;   // what the source answers when asked
+  bool outputClosed = false;   // the same about the reader of the output
   std::size_t maxRead = 4096;  // bytes that one read gives at most
   int nReads = 0;
   bool ranDry = false;  // a waiting read found nothing, or the end
@@ -44,14 +44,14 @@ inline int FakeRead(char* buffer, std::size_t size, bool wait) {
   return fakeInput.ended ? inputEnded : nothingToRead;
 }
 
-inline bool FakeAbandoned() { return fakeInput.starterGone; }
+inline bool FakeParentExited() { return fakeInput.parentExited; }
 
-inline bool FakeUnheard() { return fakeInput.readerGone; }
+inline bool FakeOutputClosed() { return fakeInput.outputClosed; }
 
 inline void FakePause(std::uint32_t milliseconds) {
   fakeInput.pauses.push_back(milliseconds);
   if (fakeInput.afterPause.empty()) {
-    // A test that has nothing more to say must not wait for ever.
+    // A test without further input must not wait for ever.
     if (fakeInput.pauses.size() > 1000) fakeInput.ended = true;
     return;
   }
@@ -64,7 +64,7 @@ inline void FakePause(std::uint32_t milliseconds) {
   }
 }
 
-inline constexpr InputSource fakeSource{FakeWaiting, FakeRead, FakeAbandoned, FakeUnheard,
+inline constexpr InputSource fakeSource{FakeWaiting, FakeRead, FakeParentExited, FakeOutputClosed,
                                         FakePause};
 
 }  // namespace mirvo

@@ -25,7 +25,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Runs each test in an empty directory of its own.
+/// Runs each test in a new, empty directory.
 class GameFiles : public XBoardTest {
  protected:
   void SetUp() override {
@@ -50,7 +50,7 @@ class GameFiles : public XBoardTest {
     return {std::istreambuf_iterator<char>(file), {}};
   }
 
-  /// Whether the system makes symbolic links.
+  /// Makes a symbolic link; false if the system cannot.
   static bool Link(const char* target, const char* name) {
     std::error_code error;
     fs::create_symlink(target, name, error);
@@ -134,7 +134,7 @@ TEST_F(GameFiles, ANameInUseForADirectoryIsNotFree) {
 
 TEST_F(GameFiles, ANameThatCannotBeOpenedIsNotFree) {
   engineConfig.LoggingMode = 1;
-  // A link to itself: opening it fails, though not for want of a file.
+  // A link to itself: opening it fails, but not because the file is missing.
   if (!Link("game000000.pgn", "game000000.pgn")) GTEST_SKIP() << "no links here";
   PlayOneGame("result 1-0\n");
   EXPECT_TRUE(fs::exists("game000001.pgn"));
@@ -142,8 +142,8 @@ TEST_F(GameFiles, ANameThatCannotBeOpenedIsNotFree) {
 
 TEST_F(GameFiles, AFileThatCannotBeWrittenIsSkipped) {
   engineConfig.LoggingMode = 1;
-  // A dangling link: reading it says "no such file", and so does writing it
-  // when its folder is missing.
+  // A dangling link: opening it for reading says "no such file", and so does writing
+  // if its folder is missing.
   if (!Link("missing/folder", "game000000.pgn")) GTEST_SKIP() << "no links here";
   PlayOneGame("result 1-0\n");
   EXPECT_EQ(FileCount(), 1U);
@@ -151,8 +151,8 @@ TEST_F(GameFiles, AFileThatCannotBeWrittenIsSkipped) {
 }
 
 #ifdef __linux__
-// Nothing can be opened behind a file that stands where a folder is named, and
-// that is not for want of such a file: no name is free.
+// If a path uses a file as a folder, opening fails, but not because the file is
+// missing: no name is free.
 TEST_F(GameFiles, WhenAllNamesAreTakenTheLastOneIsChosen) {
   std::ofstream("file") << "no folder";
   char path[gamePathCapacity];
@@ -160,7 +160,7 @@ TEST_F(GameFiles, WhenAllNamesAreTakenTheLastOneIsChosen) {
   EXPECT_STREQ(path, "file/game099999.pgn");
 }
 
-/// While it lives no byte can be added to any file, as on a full disk.
+/// During its lifetime no file can grow, as on a full disk.
 class FullDisk {
  public:
   FullDisk() {
@@ -197,7 +197,7 @@ TEST_F(GameFiles, AFullDiskLeavesNoEmptyFileAndUsesNoNumberUp) {
   EXPECT_TRUE(Read("game000001.pgn").starts_with("[Event"));
 }
 
-// When all names are taken the last file is written over: it was there before.
+// When all names are taken the last file, which already exists, is overwritten.
 TEST_F(GameFiles, AFullDiskRemovesNoFileThatWasThereBefore) {
   std::ofstream("game099999.pgn") << "mine";
   FinishedGame record;
@@ -227,8 +227,8 @@ TEST(GameRecordState, AStartedRecordIsOpenAndItsMoveTextEmpty) {
   FinishedGame record;
   GameTags tags;
   StartRecord(record, tags);
-  EXPECT_EQ(record.headerOpen, 1);
-  EXPECT_EQ(record.movesOpen, 1);
+  EXPECT_TRUE(record.headerOpen);
+  EXPECT_TRUE(record.movesOpen);
   EXPECT_EQ(record.tags, &tags);
   ASSERT_NE(record.moveText, nullptr);
   EXPECT_EQ(record.moveText[0], 0);

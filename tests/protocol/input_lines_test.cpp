@@ -79,7 +79,7 @@ TEST_F(InputLines, TheEndIsReportedAgainAndAgainAndMayPass) {
   fakeInput.ended = true;
   EXPECT_EQ(ReadLine(reader, true, line), LineStatus::ended);
   EXPECT_EQ(ReadLine(reader, true, line), LineStatus::ended);
-  // A terminal whose user typed the end of input goes on afterwards.
+  // A terminal continues after its user has typed the end-of-file character.
   fakeInput.bytes = "uci\n";
   EXPECT_EQ(Lines(), "[uci]");
 }
@@ -108,7 +108,7 @@ TEST_F(InputLines, AZeroByteEndsTheTextOfItsLineOnly) {
   EXPECT_EQ(LinesOf(std::string("stop\0rest\nuci\n", 14)), "[stop][uci]");
 }
 
-// The limit counts the line feed: 4095 characters with it, or else a split.
+// The limit of 4095 characters includes the line feed.
 TEST_F(InputLines, ALineOf4094CharactersAndItsEndIsWhole) {
   const std::string text(4094, 'x');
   EXPECT_EQ(LinesOf(text + "\nuci\n"), "[" + text + "][uci]");

@@ -98,15 +98,15 @@ TEST_F(StandardInput, ADirectoryReadsAsAnEnd) {
   EXPECT_EQ(Read(true), inputEnded);
 }
 
-// A write end that never becomes readable: the wait returns by itself, so that
-// its caller can look at a signal.
+// Without input a wait returns after a while, so that its caller can check for
+// signals.
 TEST_F(StandardInput, AWaitWithoutInputReturnsToItsCaller) {
   const std::uint32_t start = TickCount();
   EXPECT_EQ(Read(true), nothingToRead);
   EXPECT_LT(ElapsedSince(start), 5000);
 }
 
-// Standard output is put back before anything is judged.
+// Standard output is restored before anything is checked.
 TEST_F(StandardInput, TellsWhetherAnybodyReadsTheOutput) {
   int ends[2];
   ASSERT_EQ(pipe(ends), 0);

@@ -112,8 +112,8 @@ class RandomProtocol : public UciTest {
     UciTest::TearDown();
   }
 
-  /// At some polls something arrives, and now and then what ends the search,
-  /// so that endless ones end too.
+  /// At some polls a line arrives, and sometimes one that ends the search, so that
+  /// endless ones end too.
   static void SendAndPoll() {
     RandomLines& lines = *current->lines;
     if (lines.Below(8) == 0) fakeInput.bytes += lines.Next();
@@ -139,7 +139,7 @@ class RandomProtocol : public UciTest {
     for (int i = 0; i < 30; ++i) {
       fakeInput.ended = false;
       nPolls = 0;
-      // Withheld answers meet their release in one of the pauses.
+      // Delayed best moves are released in one of the pauses.
       fakeInput.afterPause = {"", random.Next(), "ponderhit\n", "stop\n", inputEnds};
       std::string text = random.Next();
       while (random.Below(3) == 0) text += random.Next();
@@ -148,7 +148,7 @@ class RandomProtocol : public UciTest {
     }
     fakeInput.ended = true;
     Play("");
-    EXPECT_EQ(searchFlags.searching, 0);
+    EXPECT_FALSE(searchFlags.searching);
     lines = nullptr;
   }
 
@@ -175,8 +175,8 @@ int Count(const std::string& text, const std::string& part) {
   return n;
 }
 
-// An interface that keeps the rules: it releases what it started and waits for
-// the answer, while at the polls it only asks for signs of life.
+// An interface that follows the rules: it ends the searches that it started and
+// waits for the answer; at polls it only sends "isready".
 TEST_F(RandomProtocol, EveryGoGetsOneAnswer) {
   std::mt19937 random(7);
   const std::vector<std::string> positions = {"startpos", "startpos moves e2e4 e7e5",

@@ -6,7 +6,6 @@
 namespace mirvo {
 namespace {
 
-constexpr char noTime[] = "Allowing 0 ms for move (0, 0, 0)\n";
 constexpr char hitLines[] =
     "PONDER HIT. CONTINUING\nAllowing 0 ms for move (0, 0, 0)\n"
     "Ponder hits = 1, misses = 0, percenthits = 100.0%\n";
@@ -102,7 +101,7 @@ TEST_F(UciGo, ADepthHoldsForItsOwnGoOnly) {
 }
 
 TEST_F(UciGo, AGoWithoutPonderClearsThePonderingFlag) {
-  searchFlags.pondering = 1;
+  searchFlags.pondering = true;
   PlayUci("go\n");
   ASSERT_EQ(searches.size(), 1U);
   EXPECT_FALSE(searches[0].pondering);
@@ -132,7 +131,7 @@ TEST_F(UciGo, WithPonderOffOrInTheBookNoReplyIsNamed) {
   engineConfig.Ponder = 0;
   EXPECT_EQ(PlayUci("go\n"), std::string(noTime) + "bestmove e2e4 \n");
   engineConfig.Ponder = 1;
-  searchFlags.BookInUse = 1;
+  searchFlags.BookInUse = true;
   EXPECT_EQ(PlayUci("go\n"), std::string(noTime) + "bestmove e7e5 \n");
 }
 
@@ -153,19 +152,19 @@ TEST_F(UciGo, APromotionIsNamed) {
 TEST_F(UciGo, TheMateMarkIsKeptButNotPlayed) {
   script = {{{}, "e2e4", "", mateMark}, {{}, "e7e5"}};
   PlayUci("go\n");
-  EXPECT_EQ(uciSession.LastMoveFlagged, 1);
+  EXPECT_TRUE(uciSession.LastMoveFlagged);
   EXPECT_EQ(gameBoard.undoStack[0].move & mateMark, 0U);
   PlayUci("go\n");
-  EXPECT_EQ(uciSession.LastMoveFlagged, 0);
+  EXPECT_FALSE(uciSession.LastMoveFlagged);
 }
 
-// ---- Withheld answers ----
+// ---- Delayed best moves ----
 
-TEST_F(UciGo, InfiniteWithholdsItsAnswerUntilStop) {
+TEST_F(UciGo, InfiniteDelaysItsBestMoveUntilStop) {
   script = {{{}, "e2e4"}};
   fakeInput.afterPause = {"", "isready\n", "", "stop\n"};
   EXPECT_EQ(PlayUci("go infinite\n"), std::string(noTime) + "readyok\nbestmove e2e4 \n");
-  // Short ones: whoever says "stop" is answered promptly.
+  // Short pauses, so that "stop" is answered promptly.
   EXPECT_EQ(fakeInput.pauses, (std::vector<std::uint32_t>{5, 5, 5, 5}));
 }
 
@@ -175,25 +174,25 @@ TEST_F(UciGo, InfiniteIsNotReleasedByPonderhit) {
   EXPECT_EQ(PlayUci("go infinite\n"), std::string(noTime) + hitLines + "readyok\nbestmove e2e4 \n");
 }
 
-TEST_F(UciGo, PonderWithholdsItsAnswerUntilStop) {
+TEST_F(UciGo, PonderDelaysItsBestMoveUntilStop) {
   script = {{{}, "e2e4"}};
   fakeInput.afterPause = {"", "stop\n"};
   EXPECT_EQ(PlayUci("go ponder\n"), std::string(noTime) + "bestmove e2e4 \n");
   EXPECT_EQ(fakeInput.pauses.size(), 2U);
-  EXPECT_EQ(searchFlags.pondering, 0);
+  EXPECT_FALSE(searchFlags.pondering);
 }
 
-TEST_F(UciGo, PonderWithholdsItsAnswerUntilPonderhit) {
+TEST_F(UciGo, PonderDelaysItsBestMoveUntilPonderhit) {
   script = {{{}, "e2e4"}};
   fakeInput.afterPause = {"", "ponderhit\n"};
   EXPECT_EQ(PlayUci("go ponder\n"), std::string(noTime) + hitLines + "bestmove e2e4 \n");
 }
 
-TEST_F(UciGo, AnAnswerAfterPonderhitIsNotWithheld) {
+TEST_F(UciGo, ABestMoveAfterPonderhitIsNotDelayed) {
   script = {{{"ponderhit\n", ""}, "e2e4"}};
   EXPECT_EQ(PlayUci("go ponder\n"), std::string(noTime) + hitLines + "bestmove e2e4 \n");
   EXPECT_TRUE(fakeInput.pauses.empty());
-  EXPECT_EQ(searchFlags.StopSearch, 0);
+  EXPECT_FALSE(searchFlags.StopSearch);
 }
 
 TEST_F(UciGo, AMatedPonderSearchWithoutAMoveAnswersWhenAsked) {
@@ -202,7 +201,7 @@ TEST_F(UciGo, AMatedPonderSearchWithoutAMoveAnswersWhenAsked) {
   EXPECT_EQ(PlayUci("go ponder\n"), std::string(noTime) + "bestmove 0000 \n");
 }
 
-TEST_F(UciGo, LinesHeldWhileAnAnswerIsWithheldFollowIt) {
+TEST_F(UciGo, LinesDeferredWhileABestMoveIsDelayedFollowIt) {
   script = {{{}, "e2e4"}, {{}, "d7d5"}};
   fakeInput.afterPause = {"stop\nposition startpos moves d2d4\ngo\n"};
   EXPECT_EQ(PlayUci("go infinite\n"),
@@ -222,7 +221,7 @@ TEST_F(UciGo, PonderhitUsesWhitesClockWhoeverMoves) {
             "bestmove e7e5 \n");
   EXPECT_EQ(engineConfig.FixedTimePerMove, 450);
   EXPECT_EQ(engineConfig.InfiniteThinkingTime, 0);
-  EXPECT_EQ(searchFlags.pondering, 0);
+  EXPECT_FALSE(searchFlags.pondering);
 }
 
 TEST_F(UciGo, HitsAreCounted) {
@@ -259,7 +258,7 @@ TEST_F(OwnClockOfUci, IsThatOfTheSideToMove) {
       "position startpos moves e2e4\ngo wtime 2000 btime 3000 movestogo 1\n");
   EXPECT_EQ(searches[0].deadline, 1950);
   EXPECT_EQ(searches[1].deadline, 2950);
-  // The allotment and its line stay.
+  // The allotted time and its line do not change.
   EXPECT_EQ(searches[0].FixedTimePerMove, 2000);
   EXPECT_NE(printed.find("Allowing 2000 ms for move (1, 2000, 0)\n"), std::string::npos);
 }
@@ -276,7 +275,7 @@ TEST_F(OwnClockOfUci, IsTheMoversAfterAPonderHitToo) {
   script = {{{"ponderhit\n"}, "e7e5"}};
   PlayUci("position startpos moves e2e4\ngo ponder wtime 60000 btime 400 winc 100 binc 100\n");
   EXPECT_EQ(engineConfig.FixedTimePerMove, 2400);
-  EXPECT_EQ(timeControl.deadline, 350);
+  EXPECT_EQ(lastLimits.deadline, 350);
 }
 
 TEST_F(OwnClockOfUci, IsTheOneLastReceived) {
@@ -341,11 +340,11 @@ TEST_F(DeclinedPonder, PonderhitSearchesWithTheClock) {
   EXPECT_EQ(searches[1].FixedTimePerMove, 2400);
   EXPECT_EQ(searches[1].InfiniteThinkingTime, 0);
   EXPECT_FALSE(searches[1].pondering);
-  // Answered once: nothing is owed any more.
+  // It has been answered, so no best move is pending.
   EXPECT_EQ(PlayUci("stop\n"), "");
 }
 
-TEST_F(DeclinedPonder, ItsAnswerIsNotWithheldWhateverCameBefore) {
+TEST_F(DeclinedPonder, ItsBestMoveIsNotDelayedWhateverCameBefore) {
   script = {{{"stop\n"}, "e2e4", "", mateMark}, {{}, "e7e5"}};
   PlayUci("go infinite\n");
   EXPECT_EQ(PlayUci("go ponder\nponderhit\n"), std::string(hitLines) + "bestmove e7e5 \n");

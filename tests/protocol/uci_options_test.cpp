@@ -70,12 +70,12 @@ TEST_F(UciOptions, ChecksKnowTrueOnly) {
 }
 
 TEST_F(UciOptions, UseOpeningBookLeavesTheGameInItsBook) {
-  searchFlags.BookInUse = 1;
+  searchFlags.BookInUse = true;
   SetUciOption("Use Opening Book value false");
-  EXPECT_EQ(searchFlags.BookInUse, 1);
-  searchFlags.BookInUse = 0;
+  EXPECT_TRUE(searchFlags.BookInUse);
+  searchFlags.BookInUse = false;
   SetUciOption("Use Opening Book value true");
-  EXPECT_EQ(searchFlags.BookInUse, 0);
+  EXPECT_FALSE(searchFlags.BookInUse);
 }
 
 struct SizeCase {
@@ -124,13 +124,14 @@ INSTANTIATE_TEST_SUITE_P(
 TEST_F(UciOptions, BookFileAndUnknownNamesChangeNothing) {
   const std::string bookName = engineConfig.BookName;
   const std::string optionText = bookFileOptionText;
+  const auto tableSize = engineConfig.TTHashSize;
   EXPECT_EQ(PlayUci("setoption name Book File value other.bk\n"
                     "setoption name Hash value 5\nsetoption name\nsetoption name \n"
                     "setoption value 5\nsetoption\n"),
             "");
   EXPECT_EQ(engineConfig.BookName, bookName);
   EXPECT_EQ(bookFileOptionText, optionText);
-  EXPECT_EQ(engineConfig.TTHashSize, 100);
+  EXPECT_EQ(engineConfig.TTHashSize, tableSize);
 }
 
 TEST_F(UciOptions, PonderSwitchesTheExpectedReplyOff) {

@@ -132,7 +132,7 @@ TEST_F(UciPosition, AGameFromAFenBeginsItsKeyHistory) {
   After("fen 4k3/8/8/8/8/8/8/R3K3 w Q - 0 1");
   EXPECT_EQ(gameBoard.historyIndex, 0);
   EXPECT_EQ(KeyHistory[0], ComputeKey(gameBoard));
-  // Back where it began: the position stands twice.
+  // Back at the start: the position occurs twice.
   After("fen 4k3/8/8/8/8/8/8/R3K3 w - - 0 1 moves a1b1 e8d8 b1a1 d8e8");
   EXPECT_TRUE(IsRepetition(gameBoard));
 }

@@ -1,5 +1,5 @@
 """Drives the real program over pipes as an interface does: commands during a
-search, withheld answers, pondering, the end of input, random conversations.
+search, delayed best moves, pondering, the end of input, random conversations.
 
     uci_process_test.py ./mirvo [--slow] [test name ...]
 
@@ -15,13 +15,15 @@ import tempfile
 import time
 import unittest
 
-sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "arbiter"))
+TESTS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..")
+sys.path[:0] = [TESTS, os.path.join(TESTS, "arbiter")]
+from kit.engine_process import EngineProcess  # noqa: E402
 from uci_engine import UciEngine  # noqa: E402
 
 MIRVO = ""
 
-# Answers come within 50 ms. A machine that has other work to do may hold a
-# single one up, so the median is judged by that and the worst one generously.
+# Answers come within 50 ms. A busy machine may delay single ones, so that is the
+# limit for the median; the limit for the slowest is generous.
 MEDIAN_LIMIT = 0.05
 WORST_LIMIT = 0.5
 
@@ -34,13 +36,7 @@ MATED = "R5k1/5ppp/8/8/8/8/8/4K3 b - - 0 1"
 POSITIONS = ["startpos", "fen " + MIDDLE_GAME, "fen " + PAWN_ENDING, "fen " + MATE_IN_ONE,
              "fen " + STALEMATED, "fen " + MATED, "startpos moves e2e4 e7e5 g1f3 b8c6 f1b5"]
 
-
-CRASHING_INTERFACE = """
-import subprocess, sys, time
-engine = subprocess.Popen([sys.argv[1]], stdin=subprocess.PIPE, stdout=subprocess.DEVNULL)
-print(engine.pid, flush=True)
-time.sleep(60)
-"""
+DOOMED = [sys.executable, os.path.join(TESTS, "kit", "doomed_interface.py")]
 
 
 def run(text, limit=20):
@@ -107,7 +103,7 @@ class UciProcess(unittest.TestCase):
         self.judge("isready", readies)
         self.judge("stop", stops)
 
-    def test_infinite_withholds_its_answer_however_it_ends(self):
+    def test_infinite_delays_its_best_move_however_it_ends(self):
         for position in ("fen " + MATE_IN_ONE, "fen " + STALEMATED, "fen " + MATED):
             self.engine.send("position " + position)
             self.engine.send("go infinite")
@@ -115,12 +111,12 @@ class UciProcess(unittest.TestCase):
             self.assertTrue(self.answer("stop").startswith("bestmove"))
             self.engine.ready()
 
-    def test_a_depth_that_was_reached_is_withheld_under_infinite(self):
+    def test_infinite_delays_the_best_move_of_a_reached_depth(self):
         self.engine.send("go infinite depth 2")
         self.silent("bestmove", 0.3)
         self.answer("stop")
 
-    def test_ponder_withholds_its_answer_until_ponderhit(self):
+    def test_ponder_delays_its_best_move_until_ponderhit(self):
         self.engine.send("position fen " + MATE_IN_ONE)
         self.engine.send("go ponder wtime 1000 btime 1000")
         self.silent("bestmove", 0.3)
@@ -166,19 +162,19 @@ class UciProcess(unittest.TestCase):
         self.assertEqual(answers[1:], ["bestmove a1a8 ", "bestmove 0000 "])
         self.engine.ready()
 
-    def held_go(self, running, held, word, pause):
-        """A "go" behind a search that only a command ends, and a word behind
-        that: one answer each, and nothing is left running."""
+    def deferred_go(self, running, deferred, word, pause):
+        """A "go" during a search that only a command ends, and a command after it:
+        one answer each, and nothing is left running."""
         self.engine.send("ucinewgame")
         self.engine.send("position fen " + MIDDLE_GAME)
         self.engine.send("go " + running)
         time.sleep(pause)
-        self.engine.send("go " + held)
+        self.engine.send("go " + deferred)
         if pause:  # the word meets the second search, else perhaps the first
             self.engine.wait_for("bestmove", 10)
         self.engine.send("isready")
         self.engine.send(word)
-        if held == "infinite" and word == "ponderhit":
+        if deferred == "infinite" and word == "ponderhit":
             self.engine.send("stop")
         for _ in range(1 if pause else 2):
             self.engine.wait_for("bestmove", 10)
@@ -186,12 +182,12 @@ class UciProcess(unittest.TestCase):
 
     def test_a_go_ends_a_search_that_only_a_command_ends(self):
         for running in ("infinite", "ponder wtime 900 btime 900"):
-            for held in ("infinite", "ponder wtime 900 btime 900", "wtime 900 btime 900",
+            for deferred in ("infinite", "ponder wtime 900 btime 900", "wtime 900 btime 900",
                          "depth 3"):
                 for word in ("stop", "ponderhit"):
                     for pause in (0, 0.03):
-                        with self.subTest(f"{running}, {held}, {word}, {pause}"):
-                            self.held_go(running, held, word, pause)
+                        with self.subTest(f"{running}, {deferred}, {word}, {pause}"):
+                            self.deferred_go(running, deferred, word, pause)
 
     def test_one_stop_ends_every_search_that_waits(self):
         for kind in ("infinite", "ponder", "infinite", "depth 40", "wtime 9000000", "infinite"):
@@ -201,7 +197,7 @@ class UciProcess(unittest.TestCase):
             self.engine.wait_for("bestmove", 10)
         self.engine.ready()
 
-    def test_a_go_releases_a_withheld_answer(self):
+    def test_a_go_releases_a_delayed_best_move(self):
         for running in ("infinite", "ponder"):
             self.engine.send("position fen " + MATE_IN_ONE)
             self.engine.send("go " + running)
@@ -220,8 +216,7 @@ class UciProcess(unittest.TestCase):
     def test_half_a_line_does_not_freeze_the_search(self):
         self.engine.send("position fen " + MIDDLE_GAME)
         self.engine.send("go wtime 12000 btime 12000")  # 400 ms
-        self.engine.process.stdin.write("isre")
-        self.engine.process.stdin.flush()
+        self.engine.send_bytes(b"isre")
         self.engine.wait_for("bestmove", 5)
         self.engine.send("ady")
         self.engine.wait_for("readyok", 5)
@@ -312,7 +307,7 @@ class EndOfInput(unittest.TestCase):
         engine = self.start()
         engine.send("position fen " + MIDDLE_GAME)
         engine.send("go depth 6")
-        engine.process.stdin.close()
+        engine.close_input()
         engine.wait_for("bestmove", 20)
 
     def test_an_endless_search_is_stopped_and_answers(self):
@@ -320,37 +315,34 @@ class EndOfInput(unittest.TestCase):
             engine = self.start()
             engine.send("go " + kind)
             time.sleep(0.05)
-            engine.process.stdin.close()
+            engine.close_input()
             engine.wait_for("bestmove", 5)
 
     def test_every_go_that_waits_is_answered(self):
         engine = self.start()
         for kind in ("infinite", "ponder", "infinite", "depth 3"):
             engine.send("go " + kind)
-        engine.process.stdin.close()
+        engine.close_input()
         for _ in range(4):
             engine.wait_for("bestmove", 10)
 
     def test_idle_the_process_stays_without_using_the_processor(self):
         engine = self.start()
-        engine.process.stdin.close()
-        ticks = processor_ticks(engine.process.pid)
+        engine.close_input()
+        before = engine.processor_seconds()
         time.sleep(1.0)
-        self.assertIsNone(engine.process.poll())
-        used = (processor_ticks(engine.process.pid) - ticks) / os.sysconf("SC_CLK_TCK")
-        self.assertLess(used, 0.05)
+        self.assertIsNone(engine.poll())
+        self.assertLess(engine.processor_seconds() - before, 0.05)
 
     def test_the_process_follows_an_interface_that_crashed(self):
         with tempfile.TemporaryDirectory() as folder:
             # The interface starts the engine, tells its number and is killed.
-            parent = subprocess.Popen([sys.executable, "-c", CRASHING_INTERFACE, MIRVO],
-                                      cwd=folder, stdout=subprocess.PIPE, text=True)
-            engine = int(parent.stdout.readline())
+            parent = EngineProcess([*DOOMED, MIRVO], folder)
+            self.addCleanup(parent.close)
+            engine = int(parent.read_line().text)
             time.sleep(0.5)
             self.assertTrue(is_alive(engine))
             parent.kill()
-            parent.wait()
-            parent.stdout.close()
             deadline = time.monotonic() + 5
             while is_alive(engine) and time.monotonic() < deadline:
                 time.sleep(0.02)

@@ -5,6 +5,7 @@
 #include "search/hash/hash_table.h"
 #include "search/move_order.h"
 #include "tests/protocol/uci_test_kit.h"
+#include "tests/support/hash_support.h"
 
 namespace mirvo {
 namespace {
@@ -55,15 +56,15 @@ TEST_F(UciCommands, UnknownLinesAreIgnored) {
 TEST_F(UciCommands, OnlyAGoChangesWhatStopAndPonderhitAreFor) {
   bool hasGo = false;
   for (const char* line : {"isready\n", "position startpos\n", "nonsense\n", "\n", "stop\n"}) {
-    UciLineMustWait(line, hasGo);
+    ClassifyUciLine(line, hasGo);
     EXPECT_FALSE(hasGo) << line;
   }
-  EXPECT_FALSE(UciLineMustWait("stop\n", hasGo));
-  EXPECT_TRUE(UciLineMustWait("go depth 3\n", hasGo));
+  EXPECT_EQ(ClassifyUciLine("stop\n", hasGo), LineTiming::atOnce);
+  EXPECT_EQ(ClassifyUciLine("go depth 3\n", hasGo), LineTiming::afterSearch);
   EXPECT_TRUE(hasGo);
-  EXPECT_TRUE(UciLineMustWait("stop\n", hasGo));
-  EXPECT_TRUE(UciLineMustWait("ponderhit\n", hasGo));
-  EXPECT_FALSE(UciLineMustWait("isready\n", hasGo));
+  EXPECT_EQ(ClassifyUciLine("stop\n", hasGo), LineTiming::afterSearch);
+  EXPECT_EQ(ClassifyUciLine("ponderhit\n", hasGo), LineTiming::afterSearch);
+  EXPECT_EQ(ClassifyUciLine("isready\n", hasGo), LineTiming::atOnce);
 }
 
 TEST_F(UciCommands, QuitEndsTheProcessWithStatus0) {
@@ -88,7 +89,7 @@ TEST_F(UciCommands, QuitBehindASwitchOfProtocolEndsTheProcess) {
 TEST_F(UciCommands, StopWithoutASearchIsSilentAndDoesNotReachTheNextOne) {
   script = {{{}, "e2e4"}};
   EXPECT_EQ(PlayUci("stop\n"), "");
-  EXPECT_EQ(searchFlags.StopSearch, 1);
+  EXPECT_TRUE(searchFlags.StopSearch);
   PlayUci("go\n");
   ASSERT_EQ(searches.size(), 1U);
   EXPECT_FALSE(searches[0].stoppedAtStart);
@@ -106,7 +107,7 @@ TEST_F(UciCommands, UcinewgameForgetsTheGame) {
   HistoryTable[white][12][28] = 50;
   HistoryTable[black][52][36] = -50;
   engineConfig.UseOpeningBook = 0;
-  searchFlags.BookInUse = 0;
+  searchFlags.BookInUse = false;
   PlayUci("position startpos moves e2e4 e7e5\nucinewgame\n");
   EXPECT_EQ(gameBoard.positionKey, 0x463b96181691fc9cU);
   EXPECT_EQ(gameBoard.plyCount, 0);
@@ -119,17 +120,16 @@ TEST_F(UciCommands, UcinewgameForgetsTheGame) {
   EXPECT_EQ(TranspositionTable.misses, 0U);
   EXPECT_EQ(TranspositionTable.conflicts, 0U);
   EXPECT_EQ(TranspositionTable.stores, 0U);
-  EXPECT_EQ(searchFlags.BookInUse, 1);
+  EXPECT_TRUE(searchFlags.BookInUse);
   EXPECT_EQ(engineConfig.UseOpeningBook, 0);
   engineConfig.UseOpeningBook = 1;
   HashRelease(TranspositionTable);
 }
 
-// A few large pages at least, before whoever waits for an answer has it.
+// At least a few large pages, before the answer that the interface waits for.
 TEST_F(UciCommands, MemoryOfTheTablesIsPrefaultedWhereTheInterfaceWaits) {
   for (const char* command : {"uci\n", "isready\n", "ucinewgame\n"}) {
-    TranspositionTable.size = 2000;
-    HashAllocate(TranspositionTable);
+    test::AllocateAfresh(TranspositionTable, 2000);
     const std::size_t nMissing = TranspositionTable.nMissing;
     PlayUci(command);
     EXPECT_LT(TranspositionTable.nMissing, nMissing) << command;
@@ -139,12 +139,11 @@ TEST_F(UciCommands, MemoryOfTheTablesIsPrefaultedWhereTheInterfaceWaits) {
 }
 
 TEST_F(UciCommands, NoMemoryIsPrefaultedForAnAnswerDuringASearch) {
-  TranspositionTable.size = 100;
-  HashAllocate(TranspositionTable);
+  test::AllocateAfresh(TranspositionTable, 100);
   const std::size_t nMissing = TranspositionTable.nMissing;
-  searchFlags.searching = 1;
+  searchFlags.searching = true;
   PlayUci("uci\nisready\n");
-  searchFlags.searching = 0;
+  searchFlags.searching = false;
   EXPECT_EQ(TranspositionTable.nMissing, nMissing);
   HashRelease(TranspositionTable);
 }

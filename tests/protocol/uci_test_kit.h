@@ -1,5 +1,5 @@
-// A fixture that drives dispatcher and UCI front end from scripted input with
-// scripted searches: each says what arrives at its polls and what it answers.
+// A fixture that drives dispatcher and UCI front end with scripted input and
+// scripted searches: each defines what arrives at its polls and what it answers.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -20,11 +20,13 @@
 #include "protocol/xboard_ponder.h"
 #include "search/pondering.h"
 #include "search/search_flags.h"
-#include "search/time_control.h"
 #include "shell/config/config.h"
 #include "tests/protocol/fake_input.h"
 
 namespace mirvo {
+
+/// What a "go" under XBoard prints first where no clock was told.
+inline constexpr char noTime[] = "Allowing 0 ms for move (0, 0, 0)\n";
 
 struct ScriptedSearch {
   std::vector<std::string> arrivals;  // bytes that arrive before each of its polls
@@ -33,7 +35,7 @@ struct ScriptedSearch {
   Move marks = noMove;                // added to the best move's word
 };
 
-/// Limits and flags that a search started with.
+/// Limits and flags at the start of a search.
 struct SearchSeen {
   std::int32_t depth;
   std::int32_t InfiniteThinkingTime;
@@ -59,13 +61,12 @@ class UciTest : public ::testing::Test {
     xboardPonder = XBoardPonder{};
     ponderStats = PonderStats{};
     searchFlags = SearchFlags{};
-    engineConfig.Quiet = 1;
+    engineConfig.Quiet = true;
     engineConfig.Ponder = 1;
     engineConfig.DepthSearch = 40;
     engineConfig.InfiniteThinkingTime = 0;
     engineConfig.FixedTimePerMove = noFixedTime;
     engineConfig.MoveOverhead = 0;
-    timeControl = TimeControl{};
     BeginFromStart(gameBoard);
   }
 
@@ -77,7 +78,7 @@ class UciTest : public ::testing::Test {
     current = nullptr;
   }
 
-  /// Sends the text and handles lines until no input is left; what was printed.
+  /// Sends the text, handles lines until no input is left, returns the output.
   std::string Play(const std::string& text) {
     fakeInput.bytes += text;
     testing::internal::CaptureStdout();
@@ -86,7 +87,7 @@ class UciTest : public ::testing::Test {
     return testing::internal::GetCapturedStdout();
   }
 
-  /// The same once the interface has introduced itself, which is not shown.
+  /// The same after "uci", whose output is left out.
   std::string PlayUci(const std::string& text) {
     protocolMode.mode = uciProtocol;
     return Play(text);
@@ -99,6 +100,7 @@ class UciTest : public ::testing::Test {
 
   std::deque<ScriptedSearch> script;
   std::vector<SearchSeen> searches;
+  SearchLimits lastLimits;  // of the last scripted search, at its end
 
  private:
   static void ForgetXBoardGame() {
@@ -110,19 +112,28 @@ class UciTest : public ::testing::Test {
 
   SearchResult NextSearch(SearchRecord& record) {
     searches.push_back({record.limits.depth, engineConfig.InfiniteThinkingTime,
-                        engineConfig.FixedTimePerMove, searchFlags.pondering != 0,
-                        searchFlags.StopSearch != 0, timeControl.deadline});
+                        engineConfig.FixedTimePerMove, searchFlags.pondering,
+                        searchFlags.StopSearch, record.limits.deadline});
+    ExpectStoredLimits(record.limits);
     if (script.empty()) return {noMove, noMove};
     const ScriptedSearch search = script.front();
     script.pop_front();
-    searchFlags.searching = 1;
+    searchFlags.searching = true;
     for (const std::string& arrival : search.arrivals) {
       FakePauseSends(arrival);
       PollInput();
-      if (searchFlags.StopSearch != 0) break;
+      if (searchFlags.StopSearch) break;
     }
-    searchFlags.searching = 0;
+    searchFlags.searching = false;
+    ExpectStoredLimits(record.limits);
+    lastLimits = record.limits;
     return Answer(search, *record.gameBoard);
+  }
+
+  /// The settings show what a search is given, at its start and after a hit.
+  static void ExpectStoredLimits(const SearchLimits& limits) {
+    EXPECT_EQ(engineConfig.FixedTimePerMove, limits.milliseconds);
+    EXPECT_EQ(engineConfig.InfiniteThinkingTime, limits.infinite ? 1 : 0);
   }
 
   static void FakePauseSends(const std::string& arrival) {
@@ -136,7 +147,7 @@ class UciTest : public ::testing::Test {
   static SearchResult Answer(const ScriptedSearch& search, const Board& position) {
     if (search.best.empty()) return {noMove, noMove};
     static Board board;
-    board = position;
+    CopyBoard(board, position);
     const Move best = MoveFromCoordinates(search.best.c_str(), board, board.sideToMove);
     MakeMove(board, best);
     const Move ponder = search.ponder.empty()

@@ -2,7 +2,6 @@
 
 #include "board/display.h"
 #include "board/make_move.h"
-#include "search/time_control.h"
 #include "tests/protocol/xboard_test_kit.h"
 
 namespace mirvo {
@@ -14,7 +13,7 @@ constexpr char hitLine[] = "PONDER HIT. CONTINUING\n";
 constexpr char missLine[] = "PONDER NOT HIT. STOPPING\n";
 
 /// "new" and White's first move; the engine answers e7e5 and expects g1f3.
-ScriptedSearch FirstAnswer() { return {{}, "e7e5", "g1f3"}; }
+ScriptedAnswer FirstAnswer() { return {{}, "e7e5", "g1f3"}; }
 
 int Count(const std::string& text, const std::string& part) {
   int n = 0;
@@ -49,8 +48,8 @@ TEST_F(XBoardPondering, AHitGoesOnWithTheClockAndAnswers) {
   ASSERT_GE(printed.size(), tail.size());
   EXPECT_EQ(printed.substr(printed.size() - tail.size()), tail);
   EXPECT_EQ(engineConfig.InfiniteThinkingTime, 0);
-  EXPECT_EQ(searchFlags.pondering, 0);
-  EXPECT_EQ(searchFlags.StopSearch, 0);
+  EXPECT_FALSE(searchFlags.pondering);
+  EXPECT_FALSE(searchFlags.StopSearch);
 }
 
 TEST_F(XBoardPondering, AHitAllotsFromTheOwnClockWithItsIncrement) {
@@ -65,20 +64,19 @@ TEST_F(XBoardPondering, TheOwnClockBoundsTheMoveOnceItIsKnown) {
   engineConfig.MoveOverhead = 50;
   script = {{{}, "e7e5"}};
   Play({"new\n", "easy\n", "otim 500\n", "e2e4\n"});
-  EXPECT_EQ(timeControl.deadline, noDeadline);
+  EXPECT_EQ(lastLimits.deadline, noDeadline);
   script = {{{}, "b8c6"}};
   Play({"time 40\n", "g1f3\n"});
-  EXPECT_EQ(timeControl.deadline, 350);
+  EXPECT_EQ(lastLimits.deadline, 350);
   script = {{{}, "g8f6", "d2d3"}, {{"time 30\n", "d2d3\n"}, "d7d6"}};
   Play({"time 20\n", "hard\n", "b1c3\n"});
-  EXPECT_EQ(timeControl.deadline, 250);  // as received before the hit
+  EXPECT_EQ(lastLimits.deadline, 250);  // as received before the hit
   engineConfig.MoveOverhead = 0;
-  timeControl = TimeControl{};
 }
 
 // The pondered move is on the board already when the real one arrives.
 TEST_F(XBoardPondering, TheBoardIsPrintedBeforeTheRealMoveIsJudged) {
-  engineConfig.Quiet = 0;
+  engineConfig.Quiet = false;
   script = {FirstAnswer(), {{"g1f3\n"}, ""}};
   const std::string printed = Play({"new\n", "e2e4\n"});
   char diagram[diagramCapacity];
@@ -103,7 +101,7 @@ TEST_F(XBoardPondering, AMissTakesTheMoveBackAndAnswersTheRealOne) {
   ASSERT_GE(printed.size(), tail.size());
   EXPECT_EQ(printed.substr(printed.size() - tail.size()), tail);
   EXPECT_EQ(searchKinds, (std::vector<std::string>{"timed", "ponder", "timed"}));
-  EXPECT_EQ(xboardPonder.ponderMiss, 0);
+  EXPECT_FALSE(xboardPonder.ponderMiss);
 }
 
 TEST_F(XBoardPondering, TwoMissesInARowAreBothUndone) {
@@ -164,7 +162,7 @@ TEST_P(MissOnSpecialMove, RestoresTheBoard) {
   const SpecialMove& item = GetParam();
   Play({"new\n", std::string("setboard ") + item.fen + "\n"});
   static Board before;
-  before = gameBoard;
+  CopyBoard(before, gameBoard);
   MakeMove(before, CompleteTextMove(item.engine, before));
   script = {{{}, item.engine, item.expected}, {{std::string(item.real) + "\n"}, ""}};
   const std::string printed = Play({"go\n"});
@@ -201,9 +199,7 @@ INSTANTIATE_TEST_SUITE_P(
         SpecialMove{"Promotion", "1r2k3/P7/8/8/8/8/8/4K3 b - -", "e8e7", "a7a8q", "a7b8n"}),
     [](const testing::TestParamInfo<SpecialMove>& item) { return item.param.name; });
 
-// Lines that give the ponder search up.
-
-constexpr char afterE4E5[] = "rnbqkbnr/pppp1ppp/8/4p3/4P3/8/PPPP1PPP/RNBQKBNR w KQkq -\n";
+// Lines that abandon the ponder search.
 
 TEST_F(XBoardPondering, GoAbandonsAndPlaysTheOtherSide) {
   script = {FirstAnswer(), {{"go\n"}, "b8c6", "f1b5"}, {{}, "d2d4"}};
@@ -213,9 +209,9 @@ TEST_F(XBoardPondering, GoAbandonsAndPlaysTheOtherSide) {
   EXPECT_EQ(Position(), "rnbqkbnr/pppp1ppp/8/4p3/3PP3/8/PPP2PPP/RNBQKBNR b KQkq -\n");
   EXPECT_EQ(searchKinds, (std::vector<std::string>{"timed", "ponder", "timed"}));
   EXPECT_EQ(xboardGame.engineColour, white);
-  EXPECT_EQ(xboardPonder.ponderMiss, 0);
-  EXPECT_EQ(xboardPonder.searchAbandoned, 0);
-  EXPECT_EQ(searchFlags.pondering, 0);
+  EXPECT_FALSE(xboardPonder.ponderMiss);
+  EXPECT_FALSE(xboardPonder.searchAbandoned);
+  EXPECT_FALSE(searchFlags.pondering);
   EXPECT_FALSE(XBoardHasOwnLine());
 }
 
@@ -224,9 +220,9 @@ TEST_F(XBoardPondering, ForceAbandonsAtOnce) {
   const std::string printed = Play({"new\n", "e2e4\n"});
   EXPECT_EQ(printed.substr(printed.size() - 59),
             "rnbqkbnr/pppp1ppp/8/4p3/4P3/5N2/PPPP1PPP/RNBQKB1R b KQkq -\n");
-  EXPECT_EQ(Position(), afterE4E5);
-  EXPECT_EQ(xboardGame.force, 1);
-  EXPECT_EQ(xboardPonder.ponderMiss, 0);
+  EXPECT_EQ(Position(), afterE4E5Line);
+  EXPECT_TRUE(xboardGame.force);
+  EXPECT_FALSE(xboardPonder.ponderMiss);
   EXPECT_EQ(ponderStats.misses, 0U);
   EXPECT_FALSE(XBoardHasOwnLine());
 }
@@ -234,7 +230,7 @@ TEST_F(XBoardPondering, ForceAbandonsAtOnce) {
 TEST_F(XBoardPondering, AnAbandonedSearchLeavesNoStopAndNoClock) {
   script = {FirstAnswer(), {{"force\n"}, "b8c6", "f1b5"}};
   Play({"new\n", "e2e4\n"});
-  EXPECT_EQ(searchFlags.StopSearch, 0);
+  EXPECT_FALSE(searchFlags.StopSearch);
   EXPECT_EQ(engineConfig.InfiniteThinkingTime, 1);
 }
 
@@ -242,22 +238,22 @@ TEST_F(XBoardPondering, LinesThatGiveTheSearchUpEndItAtOnce) {
   for (const char* line : {"go\n", "setboard 8/8/8/8/8/8/8/8 w - -\n", "new\n"}) {
     xboardPonder = XBoardPonder{};
     searchFlags = SearchFlags{};
-    searchFlags.pondering = 1;
-    EXPECT_TRUE(XBoardLineMustWait(line)) << line;
-    EXPECT_EQ(searchFlags.pondering, 0) << line;
-    EXPECT_EQ(searchFlags.StopSearch, 1) << line;
-    EXPECT_EQ(xboardPonder.ponderMiss, 1) << line;
+    searchFlags.pondering = true;
+    EXPECT_EQ(ClassifyXBoardLine(line), LineTiming::afterSearch) << line;
+    EXPECT_FALSE(searchFlags.pondering) << line;
+    EXPECT_TRUE(searchFlags.StopSearch) << line;
+    EXPECT_TRUE(xboardPonder.ponderMiss) << line;
   }
   for (const char* line : {"force\n", "result *\n"}) {
     xboardPonder = XBoardPonder{};
     searchFlags = SearchFlags{};
-    searchFlags.pondering = 1;
-    EXPECT_FALSE(XBoardLineMustWait(line)) << line;
+    searchFlags.pondering = true;
+    EXPECT_EQ(ClassifyXBoardLine(line), LineTiming::atOnce) << line;
     std::uint8_t state = 0;
     HandleXBoardLine(state, line);
-    EXPECT_EQ(searchFlags.pondering, 0) << line;
-    EXPECT_EQ(searchFlags.StopSearch, 1) << line;
-    EXPECT_EQ(xboardPonder.ponderMiss, 1) << line;
+    EXPECT_FALSE(searchFlags.pondering) << line;
+    EXPECT_TRUE(searchFlags.StopSearch) << line;
+    EXPECT_TRUE(xboardPonder.ponderMiss) << line;
   }
 }
 
@@ -265,9 +261,9 @@ TEST_F(XBoardPondering, ResultAbandonsAtOnce) {
   script = {FirstAnswer(), {{"result 1-0 {Resigns}\n"}, "b8c6", "f1b5"}};
   const std::string printed = Play({"new\n", "e2e4\n"});
   EXPECT_EQ(Count(printed, "\nmove "), 1);
-  EXPECT_EQ(Position(), afterE4E5);
+  EXPECT_EQ(Position(), afterE4E5Line);
   EXPECT_STREQ(xboardGame.tags.result, "1-0");
-  EXPECT_EQ(xboardGame.gameInProgress, 0);
+  EXPECT_FALSE(xboardGame.gameInProgress);
   EXPECT_FALSE(XBoardHasOwnLine());
 }
 
@@ -275,7 +271,7 @@ TEST_F(XBoardPondering, NewAbandonsAndRunsAfterTheUnwinding) {
   script = {FirstAnswer(), {{"new\n", "force\n", "g1f3\n"}, "b8c6", "f1b5"}};
   Play({"new\n", "e2e4\n"});
   EXPECT_EQ(Position(), "rnbqkbnr/pppppppp/8/8/8/5N2/PPPPPPPP/RNBQKB1R b KQkq -\n");
-  EXPECT_EQ(xboardGame.force, 1);
+  EXPECT_TRUE(xboardGame.force);
   EXPECT_TRUE(script.empty());
   EXPECT_EQ(searchKinds.size(), 2U);
 }
@@ -303,18 +299,18 @@ TEST_F(XBoardPondering, OtherLinesActAtOnceAndPonderingGoesOn) {
 
 TEST_F(XBoardPondering, EndOfInputAbandonsSilently) {
   Play({"new\n"});
-  searchFlags.pondering = 1;
+  searchFlags.pondering = true;
   XBoardInputEnded();
-  EXPECT_EQ(searchFlags.StopSearch, 1);
-  EXPECT_EQ(searchFlags.pondering, 0);
-  EXPECT_EQ(xboardPonder.ponderMiss, 1);
+  EXPECT_TRUE(searchFlags.StopSearch);
+  EXPECT_FALSE(searchFlags.pondering);
+  EXPECT_TRUE(xboardPonder.ponderMiss);
   EXPECT_EQ(ponderStats.misses, 0U);
 }
 
 TEST_F(XBoardPondering, EndOfInputLeavesATimedSearchAlone) {
   XBoardInputEnded();
-  EXPECT_EQ(searchFlags.StopSearch, 0);
-  EXPECT_EQ(xboardPonder.ponderMiss, 0);
+  EXPECT_FALSE(searchFlags.StopSearch);
+  EXPECT_FALSE(xboardPonder.ponderMiss);
 }
 
 // Between a miss and the end of the search.
@@ -331,8 +327,8 @@ TEST_F(XBoardPondering, ResultAfterAMissStartsNothingAgain) {
   Play({"new\n", "e2e4\n"});
   EXPECT_EQ(Position(), "rnbqkbnr/pppp1ppp/8/4p3/2B1P3/8/PPPP1PPP/RNBQK1NR b KQkq -\n");
   EXPECT_EQ(searchKinds.size(), 2U);
-  EXPECT_EQ(xboardGame.gameInProgress, 0);
-  EXPECT_EQ(xboardPonder.replyUnwanted, 0);
+  EXPECT_FALSE(xboardGame.gameInProgress);
+  EXPECT_FALSE(xboardPonder.replyUnwanted);
 }
 
 TEST_F(XBoardPondering, NewAfterAMissForgetsTheHeldMove) {
@@ -351,7 +347,7 @@ TEST_F(XBoardPondering, NeedsTheSettingAnExpectedReplyAndNoBook) {
   EXPECT_EQ(Count(Play({"easy\n", "new\n", "e2e4\n"}), "PONDERING"), 0);
   script = {FirstAnswer()};
   Play({"hard\n", "new\n"});
-  searchFlags.BookInUse = 1;
+  searchFlags.BookInUse = true;
   EXPECT_EQ(Count(Play({"e2e4\n"}), "PONDERING"), 0);
 }
 
@@ -368,8 +364,8 @@ TEST_F(XBoardPondering, AMatedEngineAnswersAHitWithSilence) {
 }
 
 TEST_F(XBoardPondering, LeavingTheProtocolForgetsBothOwnLines) {
-  xboardPonder.ReplayPonderMove = 1;
-  xboardPonder.PendingMove = 1;
+  xboardPonder.ReplayPonderMove = true;
+  xboardPonder.PendingMove = true;
   XBoardLeave();
   EXPECT_FALSE(XBoardHasOwnLine());
 }

@@ -38,22 +38,22 @@ class XBoardProcess(unittest.TestCase):
         return self.engine.wait_for(first_word, 10 * PATIENCE)[1]
 
     def signal(self, number):
-        self.engine.process.send_signal(number)
+        self.engine.signal(number)
 
     def ponder(self):
-        """Brings the engine to thinking on the opponent's time."""
+        """Gets the engine to ponder."""
         self.start()
         self.send("new", "time 100", "otim 100", "e2e4")
         self.wait("PONDERING")
 
     def think(self):
-        """Brings the engine to thinking on its own for minutes."""
+        """Gets the engine to search for minutes on its own time."""
         self.start()
         self.send("new", "time 360000", "otim 360000", "e2e4")
         self.wait("Allowing")
 
     def ended(self, limit):
-        return self.engine.process.wait(timeout=limit * PATIENCE)
+        return self.engine.wait(limit * PATIENCE)
 
     def path(self, name):
         return os.path.join(self.engine.folder.name, name)
@@ -110,7 +110,7 @@ class XBoardProcess(unittest.TestCase):
         self.wait("move")
 
     def test_lines_before_a_terminate_are_handled(self):
-        """They are in the pipe before the engine can look at them."""
+        """They are in the pipe before the engine can read them."""
         self.command = f"sh -c 'echo LoggingMode=1 > config.txt; exec {MIRVO}'"
         for bring in (self.ponder, self.think, self.idle_in_a_game):
             with self.subTest(bring.__name__):
@@ -125,7 +125,7 @@ class XBoardProcess(unittest.TestCase):
 
     def test_end_of_input_abandons_pondering_silently(self):
         self.ponder()
-        self.engine.process.stdin.close()
+        self.engine.close_input()
         deadline = time.monotonic() + 1
         words = []
         try:
@@ -140,7 +140,7 @@ class XBoardProcess(unittest.TestCase):
         self.start()
         self.send("new", "easy", "time 1000", "otim 1000", "e2e4")
         self.wait("Allowing")
-        self.engine.process.stdin.close()
+        self.engine.close_input()
         self.wait("move")
 
     def test_force_is_taken_at_once_while_it_thinks(self):

@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <deque>
+#include <memory>
 #include <random>
 #include <string>
 #include <vector>
@@ -27,14 +28,14 @@
 namespace mirvo {
 namespace {
 
-/// Every look at the clock is a millisecond, so that timed searches end at the
+/// The clock advances by 1 ms at every reading, so that timed searches end at the
 /// same node on every machine.
 std::uint32_t ticks = 0;
 std::uint32_t CountTicks() { return ++ticks; }
 
 std::vector<std::string> LegalMoveTexts(const Board& position) {
   static Board board;
-  board = position;
+  CopyBoard(board, position);
   BBMoveGenerator2 generator(board, board.sideToMove);
   generator.GenerateAll();
   std::vector<std::string> texts;
@@ -47,11 +48,11 @@ std::vector<std::string> LegalMoveTexts(const Board& position) {
   return texts;
 }
 
-/// The board as it stands without the move that is pondered.
+/// The game board without the pondered move.
 const Board& RealPosition() {
   static Board board;
-  board = gameBoard;
-  if (searchFlags.pondering != 0 && board.undoDepth > 0) UnmakeMove(board);
+  CopyBoard(board, gameBoard);
+  if (searchFlags.pondering && board.undoDepth > 0) UnmakeMove(board);
   return board;
 }
 
@@ -81,7 +82,7 @@ constexpr const char* commandLines[] = {"go",
                                         "hard",
                                         ""};
 
-/// Lines that change the course of a game, told less often.
+/// Lines that change the course of a game, sent less often.
 constexpr const char* turningPoints[] = {
     "new",
     "force",
@@ -103,9 +104,8 @@ class RandomLines {
 
   std::string Next() {
     --left;
-    // Most lines that arrive while the engine thinks act at once; were they
-    // moves, they would only pile up behind the search.
-    if (searchFlags.searching != 0 && searchFlags.pondering == 0 && Pick(30) != 0) {
+    // Mostly lines that act at once: moves would only pile up during the search.
+    if (searchFlags.searching && !searchFlags.pondering && Pick(30) != 0) {
       return commandLines[Pick(std::size(commandLines))] + std::string("\n");
     }
     const unsigned kind = Pick(onlyLegal ? 7 : 10);
@@ -119,7 +119,7 @@ class RandomLines {
 
  private:
   std::string LegalLine() {
-    if (searchFlags.pondering != 0 && Pick(2) == 0) {
+    if (searchFlags.pondering && Pick(2) == 0) {
       return test::MoveText(xboardPonder.expectedMove) + "\n";
     }
     const std::vector<std::string> texts = LegalMoveTexts(RealPosition());
@@ -144,7 +144,7 @@ class RandomLines {
     for (unsigned n = Pick(6); n > 0 && !text.empty(); --n) {
       text[Pick(text.size())] = static_cast<char>(1 + Pick(255));
     }
-    // A line that happens to end the process proves nothing.
+    // A line that ends the process would end the test.
     return text.starts_with("quit") ? "q\n" : text + "\n";
   }
 
@@ -153,7 +153,7 @@ class RandomLines {
   bool onlyLegal;
 };
 
-/// Plays the dispatcher's part: own lines first, then held ones, then new.
+/// Takes lines like the dispatcher: own lines first, then deferred ones, then new.
 class RandomSession {
  public:
   RandomSession(unsigned seed, int nLines, bool wellFormed, unsigned pollGap)
@@ -200,26 +200,26 @@ class RandomSession {
   static void Poll() { current->PollOnce(); }
 
   void PollOnce() {
-    if (++nPolls % gap != 0 && searchFlags.pondering == 0) return;
+    if (++nPolls % gap != 0 && !searchFlags.pondering) return;
     if (lines.Done()) {
       XBoardInputEnded();
       return;
     }
     const std::string line = lines.Next();
-    if (XBoardLineMustWait(line.c_str())) {
+    if (ClassifyXBoardLine(line.c_str()) == LineTiming::afterSearch) {
       waiting.push_back(line);
     } else {
       Handle(line);
     }
   }
 
-  /// Between two lines no search runs and nothing of one is left.
+  /// Between two lines no search runs and no state of one is left.
   void CheckIdleState() const {
-    ASSERT_EQ(searchFlags.pondering, 0);
-    ASSERT_EQ(searchFlags.searching, 0);
-    ASSERT_EQ(xboardPonder.searchAbandoned, 0);
+    ASSERT_FALSE(searchFlags.pondering);
+    ASSERT_FALSE(searchFlags.searching);
+    ASSERT_FALSE(xboardPonder.searchAbandoned);
     ASSERT_EQ(xboardPonder.ponderMiss, xboardPonder.PendingMove);
-    // An illegal move may leave the key astray; each search computes its own.
+    // After illegal moves the key may be wrong.
     if (onlyLegal) {
       ASSERT_EQ(gameBoard.positionKey, ComputeKey(gameBoard));
     }
@@ -240,16 +240,15 @@ class RandomSession {
 class XBoardRandomLines : public testing::Test {
  protected:
   void SetUp() override {
-    saved = engineConfig;
     engineConfig.TTHashSize = 1;
     engineConfig.PawnHashSize = 1;
     engineConfig.EvalHashSize = 1;
     test::ColdStart();
-    engineConfig.Quiet = 1;
+    engineConfig.Quiet = true;
     engineConfig.Ponder = 1;
     engineConfig.LoggingMode = 0;
     engineConfig.DepthSearch = 3;
-    searchFlags.NoInputPolling = 0;
+    searchFlags.NoInputPolling = false;
     xboardGame = XBoardGame{};
     xboardPonder = XBoardPonder{};
     BeginFromStart(gameBoard);
@@ -259,7 +258,7 @@ class XBoardRandomLines : public testing::Test {
   void TearDown() override {
     printed = testing::internal::GetCapturedStdout();
     if (HasFailure()) std::fputs(printed.c_str(), stderr);
-    engineConfig = saved;
+    std::construct_at(&engineConfig, saved);
     ReleaseRecord(xboardGame.record);
     xboardGame = XBoardGame{};
     EXPECT_NE(printed.find("PONDERING"), std::string::npos);
@@ -270,7 +269,7 @@ class XBoardRandomLines : public testing::Test {
   std::string printed;
 
  private:
-  EngineConfig saved;
+  EngineConfig saved = engineConfig;
 };
 
 // Sessions of each kind.

@@ -11,29 +11,28 @@
 #include "search/hash/hash_table.h"
 #include "search/move_order.h"
 #include "tests/protocol/xboard_test_kit.h"
+#include "tests/support/hash_support.h"
 
 namespace mirvo {
 namespace {
 
 constexpr char startLine[] = "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq -\n";
-constexpr char afterE4[] = "rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq -\n";
-constexpr char afterE4E5[] = "rnbqkbnr/pppp1ppp/8/4p3/4P3/8/PPPP1PPP/RNBQKBNR w KQkq -\n";
+constexpr char afterE4Line[] = "rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq -\n";
 
 using XBoardCommands = XBoardTest;
 
 TEST_F(XBoardCommands, AMoveAfterNewIsAnsweredWithBlackAndFillsTheHeader) {
   script = {{{}, "e7e5"}};
   const std::string printed = Play({"new\n", "e2e4\n"});
-  EXPECT_EQ(printed, std::string(afterE4) + "Allowing 0 ms for move (0, 0, 0)\n" + afterE4E5 +
-                         "move e7e5\n");
+  EXPECT_EQ(printed, std::string(afterE4Line) + "Allowing 0 ms for move (0, 0, 0)\n" +
+                         afterE4E5Line + "move e7e5\n");
   EXPECT_STREQ(xboardGame.tags.black, "Mirvo 0.2.7_d");
-  EXPECT_EQ(xboardGame.gameInProgress, 1);
-  EXPECT_EQ(xboardGame.gameStarted, 1);
+  EXPECT_TRUE(xboardGame.gameInProgress);
+  EXPECT_TRUE(xboardGame.gameStarted);
 }
 
 TEST_F(XBoardCommands, NewPrefaultsAPartOfTheTables) {
-  TranspositionTable.size = 2000;
-  HashAllocate(TranspositionTable);
+  test::AllocateAfresh(TranspositionTable, 2000);
   const std::size_t nMissing = TranspositionTable.nMissing;
   Play({"new"});
   EXPECT_LT(TranspositionTable.nMissing, nMissing);
@@ -42,20 +41,21 @@ TEST_F(XBoardCommands, NewPrefaultsAPartOfTheTables) {
 }
 
 TEST_F(XBoardCommands, ForceModeRecordsBothSidesWithoutAReply) {
-  EXPECT_EQ(Play({"new\n", "force\n", "e2e4\n", "e7e5\n"}), std::string(afterE4) + afterE4E5);
+  EXPECT_EQ(Play({"new\n", "force\n", "e2e4\n", "e7e5\n"}),
+            std::string(afterE4Line) + afterE4E5Line);
   EXPECT_TRUE(searchKinds.empty());
-  EXPECT_EQ(xboardGame.gameInProgress, 0);
+  EXPECT_FALSE(xboardGame.gameInProgress);
 }
 
 TEST_F(XBoardCommands, AClockCommandInForceModeDoesNotStartTheGame) {
   Play({"new\n", "force\n", "time 6000\n", "e2e4\n"});
-  EXPECT_EQ(xboardGame.gameInProgress, 0);
+  EXPECT_FALSE(xboardGame.gameInProgress);
 }
 
 TEST_F(XBoardCommands, GoPlaysTheSideToMoveAndNamesItInTheHeader) {
   script = {{{}, "e2e4"}};
   EXPECT_EQ(Play({"new\n", "go\n"}),
-            std::string("Allowing 0 ms for move (0, 0, 0)\n") + afterE4 + "move e2e4\n");
+            std::string("Allowing 0 ms for move (0, 0, 0)\n") + afterE4Line + "move e2e4\n");
   EXPECT_EQ(xboardGame.engineColour, white);
   EXPECT_STREQ(xboardGame.tags.white, "Mirvo 0.2.7_d");
   EXPECT_STREQ(xboardGame.tags.whiteType, "program");
@@ -65,8 +65,8 @@ TEST_F(XBoardCommands, GoPlaysTheSideToMoveAndNamesItInTheHeader) {
 TEST_F(XBoardCommands, GoLeavesForceMode) {
   script = {{{}, "e7e5"}};
   Play({"new\n", "force\n", "e2e4\n", "go\n"});
-  EXPECT_EQ(xboardGame.force, 0);
-  EXPECT_EQ(Position(), afterE4E5);
+  EXPECT_FALSE(xboardGame.force);
+  EXPECT_EQ(Position(), afterE4E5Line);
 }
 
 TEST_F(XBoardCommands, AWhiteEngineStaysWhiteWhenItsOpponentMoves) {
@@ -75,26 +75,26 @@ TEST_F(XBoardCommands, AWhiteEngineStaysWhiteWhenItsOpponentMoves) {
   EXPECT_EQ(xboardGame.engineColour, white);
 }
 
-// Were the flag left, the search would come back as one to be given up.
+// With the flag still set, the search would count as abandoned.
 TEST_F(XBoardCommands, GoClearsAPonderingFlag) {
   script = {{{}, "e2e4"}};
   Play({"new\n"});
-  searchFlags.pondering = 1;
+  searchFlags.pondering = true;
   Play({"go\n"});
-  EXPECT_EQ(searchFlags.StopSearch, 0);
-  EXPECT_EQ(xboardPonder.ponderMiss, 0);
+  EXPECT_FALSE(searchFlags.StopSearch);
+  EXPECT_FALSE(xboardPonder.ponderMiss);
 }
 
 TEST_F(XBoardCommands, GoodbyeIsAGo) {
   script = {{{}, "e2e4"}};
   Play({"new\n", "goodbye\n"});
-  EXPECT_EQ(Position(), afterE4);
+  EXPECT_EQ(Position(), afterE4Line);
 }
 
 TEST_F(XBoardCommands, TheHeaderIsFilledOncePerGame) {
   script = {{{}, "d2d4"}};
-  // The move in force mode names the engine as Black; "go" with White to move
-  // comes too late to change that.
+  // The move in force mode makes the engine Black in the header; "go" with White to
+  // move comes too late to change that.
   Play({"new\n", "force\n", "e2e4\n", "e7e5\n", "go\n"});
   EXPECT_STREQ(xboardGame.tags.black, "Mirvo 0.2.7_d");
   EXPECT_STREQ(xboardGame.tags.white, "");
@@ -124,15 +124,15 @@ TEST_F(XBoardCommands, ClocksAreReadInCentiseconds) {
   Play({"time 1234\n", "otim 77\n"});
   EXPECT_EQ(xboardGame.ownTime, 12340);
   EXPECT_EQ(xboardGame.opponentTime, 770);
-  EXPECT_EQ(xboardGame.clockReceived, 1);
+  EXPECT_TRUE(xboardGame.clockReceived);
   Play({"time 2000000000\n"});
   EXPECT_EQ(xboardGame.ownTime, 2147483647);
   Play({"time soon\n"});
   EXPECT_EQ(xboardGame.ownTime, 0);
 }
 
-// Under XBoard a move from a square that holds no such piece is the only text
-// that passes the turn; what is no move at all is an unknown command.
+// Under XBoard only a move from a square without such a piece passes the turn;
+// other texts are unknown commands.
 TEST_F(XBoardCommands, ATextThatMovesNothingEndsEnPassant) {
   Play({"new\n", "force\n", "e2e4\n", "a7a6\n", "e4e5\n", "d7d5\n", "e4e6\n"});
   EXPECT_FALSE(HasEnPassant(gameBoard));
@@ -226,22 +226,22 @@ TEST_F(XBoardCommands, AResultEndsTheGame) {
   Play({"new\n", "e2e4\n"});
   const std::size_t nSearches = searchKinds.size();
   EXPECT_EQ(Play({"result 1-0\n"}), "");
-  EXPECT_EQ(xboardGame.gameInProgress, 0);
-  EXPECT_EQ(xboardGame.gameStarted, 0);
-  EXPECT_EQ(searchFlags.StopSearch, 1);
+  EXPECT_FALSE(xboardGame.gameInProgress);
+  EXPECT_FALSE(xboardGame.gameStarted);
+  EXPECT_TRUE(searchFlags.StopSearch);
   EXPECT_EQ(searchKinds.size(), nSearches);
 }
 
 TEST_F(XBoardCommands, AStopFromForceDoesNotReachTheNextSearch) {
   script = {{{}, "e2e4"}};
   Play({"new\n", "force\n"});
-  EXPECT_EQ(searchFlags.StopSearch, 1);
+  EXPECT_TRUE(searchFlags.StopSearch);
   Play({"go\n"});
-  EXPECT_EQ(searchFlags.StopSearch, 0);
+  EXPECT_FALSE(searchFlags.StopSearch);
   script = {{{}, "e2e4"}, {{}, "d2d4"}};
   // Nothing but the move itself starts this search.
   Play({"result 1-0\n", "e7e5\n"});
-  EXPECT_EQ(searchFlags.StopSearch, 0);
+  EXPECT_FALSE(searchFlags.StopSearch);
 }
 
 TEST_F(XBoardCommands, TheFirstMoveMakesTheEngineBlackWhateverWasSaidBefore) {
@@ -257,7 +257,7 @@ TEST_F(XBoardCommands, GoWithBlackToMoveNamesTheEngineBlack) {
 }
 
 TEST_F(XBoardCommands, SetboardLoadsThreeFieldsAndPrintsTheBoardAlone) {
-  engineConfig.Quiet = 0;
+  engineConfig.Quiet = false;
   Play({"new\n", "e2e4\n", "e7e5\n"});
   const std::string printed = Play({"setboard r3k2r/p6p/8/8/8/8/P6P/R3K2R b Kq e3 0 1\n"});
   char diagram[diagramCapacity];
@@ -271,7 +271,7 @@ TEST_F(XBoardCommands, SetboardLoadsThreeFieldsAndPrintsTheBoardAlone) {
 }
 
 TEST_F(XBoardCommands, BoardsStandAroundEveryMoveUnlessQuiet) {
-  engineConfig.Quiet = 0;
+  engineConfig.Quiet = false;
   script = {{{}, "e7e5"}};
   char diagram[diagramCapacity];
   FormatBoard(gameBoard, BoardLayout::wide, diagram);
@@ -279,28 +279,28 @@ TEST_F(XBoardCommands, BoardsStandAroundEveryMoveUnlessQuiet) {
   const std::string printed = Play({"e2e4\n"});
   EXPECT_EQ(printed.substr(0, before.size()), before);
   FormatBoard(gameBoard, BoardLayout::wide, diagram);
-  const std::string tail = std::string(diagram) + "\n" + afterE4E5 + "move e7e5\n";
+  const std::string tail = std::string(diagram) + "\n" + afterE4E5Line + "move e7e5\n";
   ASSERT_GE(printed.size(), tail.size());
   EXPECT_EQ(printed.substr(printed.size() - tail.size()), tail);
 }
 
 TEST_F(XBoardCommands, ForceModePrintsTheBoardOnlyAfterTheMove) {
-  engineConfig.Quiet = 0;
+  engineConfig.Quiet = false;
   Play({"force\n"});
   const std::string printed = Play({"e2e4\n"});
   char diagram[diagramCapacity];
   FormatBoard(gameBoard, BoardLayout::wide, diagram);
-  EXPECT_EQ(printed, std::string(diagram) + "\n" + afterE4);
+  EXPECT_EQ(printed, std::string(diagram) + "\n" + afterE4Line);
 }
 
 TEST_F(XBoardCommands, NewStartsAgainButKeepsTheOpponentsName) {
-  xboardGame.LastMoveFlagged = 1;
+  xboardGame.LastMoveFlagged = true;
   Play({"name Rival\n", "ics here\n", "rating 1 2\n", "computer\n", "time 100\n", "white\n",
         "force\n", "e2e4\n", "d7d5\n"});
   HistoryTable[white][12][28] = 7;
-  gameCounters = {55, 1};
+  gameCounters = {55, true};
   ponderStats = {3, 4};
-  searchFlags.pondering = 1;
+  searchFlags.pondering = true;
   EXPECT_EQ(Play({"new\n"}), "");
   EXPECT_EQ(Position(), startLine);
   EXPECT_FALSE(HasEnPassant(gameBoard));
@@ -309,28 +309,28 @@ TEST_F(XBoardCommands, NewStartsAgainButKeepsTheOpponentsName) {
   EXPECT_STREQ(xboardGame.tags.black, "");
   EXPECT_EQ(xboardGame.ownRating, 0);
   EXPECT_EQ(xboardGame.opponentRating, 0);
-  EXPECT_EQ(xboardGame.computerOpponent, 0);
-  EXPECT_EQ(xboardGame.clockReceived, 0);
+  EXPECT_FALSE(xboardGame.computerOpponent);
+  EXPECT_FALSE(xboardGame.clockReceived);
   EXPECT_EQ(xboardGame.engineColour, black);
-  EXPECT_EQ(xboardGame.force, 0);
-  EXPECT_EQ(xboardGame.gameStarted, 0);
+  EXPECT_FALSE(xboardGame.force);
+  EXPECT_FALSE(xboardGame.gameStarted);
   EXPECT_EQ(xboardGame.ownTime, 1000);
   EXPECT_EQ(HistoryTable[white][12][28], 0);
   EXPECT_EQ(gameCounters.reversibleMoves, 0);
-  EXPECT_EQ(gameCounters.hundredReached, 0);
+  EXPECT_FALSE(gameCounters.hundredReached);
   EXPECT_EQ(ponderStats.hits, 0U);
   EXPECT_EQ(ponderStats.misses, 0U);
-  EXPECT_EQ(searchFlags.StopSearch, 0);
-  EXPECT_EQ(searchFlags.pondering, 0);
+  EXPECT_FALSE(searchFlags.StopSearch);
+  EXPECT_FALSE(searchFlags.pondering);
 }
 
-// The second game is one of its own although the first never had a result.
+// The second game has its own record although the first never had a result.
 TEST_F(XBoardCommands, NewEndsAGameThatIsInProgress) {
   script = {{{}, "e7e5"}, {{}, "c7c5"}};
   Play({"new\n", "e2e4\n"});
-  ASSERT_EQ(xboardGame.gameInProgress, 1);
+  ASSERT_TRUE(xboardGame.gameInProgress);
   Play({"new\n"});
-  EXPECT_EQ(xboardGame.gameInProgress, 0);
+  EXPECT_FALSE(xboardGame.gameInProgress);
   Play({"name Next\n", "e2e4\n"});
   EXPECT_STREQ(xboardGame.tags.white, "Next");
   EXPECT_STREQ(xboardGame.tags.black, "Mirvo 0.2.7_d");
@@ -342,11 +342,11 @@ TEST_F(XBoardCommands, NewAsksABookThatHoldsAnythingAgain) {
   openingBook.count = 0;
   Play({"new\n"});
   EXPECT_EQ(engineConfig.UseOpeningBook, 0);
-  EXPECT_EQ(searchFlags.BookInUse, 0);
+  EXPECT_FALSE(searchFlags.BookInUse);
   openingBook.count = 1;
   Play({"new\n"});
   EXPECT_EQ(engineConfig.UseOpeningBook, 1);
-  EXPECT_EQ(searchFlags.BookInUse, 1);
+  EXPECT_TRUE(searchFlags.BookInUse);
   openingBook = saved;
 }
 
@@ -395,14 +395,15 @@ TEST_F(XBoardCommands, OtherLinesDoNothing) {
 
 TEST_F(XBoardCommands, NoLegalMoveMeansNoReply) {
   script = {{{}, ""}};
-  EXPECT_EQ(Play({"new\n", "e2e4\n"}), std::string(afterE4) + "Allowing 0 ms for move (0, 0, 0)\n");
+  EXPECT_EQ(Play({"new\n", "e2e4\n"}),
+            std::string(afterE4Line) + "Allowing 0 ms for move (0, 0, 0)\n");
   EXPECT_FALSE(XBoardHasOwnLine());
 }
 
 TEST_F(XBoardCommands, TheMateMarkIsKeptAndNotPlayed) {
   script = {{{}, "e7e5", "g1f3", mateMark}};
   Play({"new\n", "e2e4\n"});
-  EXPECT_EQ(xboardGame.LastMoveFlagged, 1);
+  EXPECT_TRUE(xboardGame.LastMoveFlagged);
   EXPECT_EQ(gameBoard.undoStack[1].move & mateMark, 0U);
   EXPECT_EQ(searchKinds.size(), 1U);
 }
@@ -423,13 +424,13 @@ TEST_F(XBoardCommands, ReversibleMovesOfTheOpponentAreCounted) {
   EXPECT_EQ(gameCounters.reversibleMoves, 0);
   gameCounters.reversibleMoves = 98;
   Play({"f6g8\n"});
-  EXPECT_EQ(gameCounters.hundredReached, 0);
+  EXPECT_FALSE(gameCounters.hundredReached);
   Play({"f3g1\n"});
-  EXPECT_EQ(gameCounters.hundredReached, 1);
-  // A capture starts the count again; the flag stays.
+  EXPECT_TRUE(gameCounters.hundredReached);
+  // A capture restarts the count; the flag stays.
   Play({"setboard 4k3/8/8/8/8/8/r7/R3K3 w Q\n", "a1a2\n"});
   EXPECT_EQ(gameCounters.reversibleMoves, 0);
-  EXPECT_EQ(gameCounters.hundredReached, 1);
+  EXPECT_TRUE(gameCounters.hundredReached);
 }
 
 TEST(CompleteTextMove, CarriesKindCaptureAndPromotion) {
@@ -458,7 +459,7 @@ TEST(CompleteTextMove, KnowsEnPassantFromItsLookalikes) {
 
 TEST_F(XBoardCommands, AMoveLineMayCarryMoreText) {
   Play({"force\n", "e2e4 comment\n"});
-  EXPECT_EQ(Position(), afterE4);
+  EXPECT_EQ(Position(), afterE4Line);
 }
 
 TEST(XBoardQuit, EndsTheProcessWithStatusZero) {
@@ -476,15 +477,15 @@ using XBoardThinking = XBoardTest;
 
 TEST_F(XBoardThinking, LinesThatNeedTheBoardWaitAndTheOthersActAtOnce) {
   for (const char* line : {"go\n", "setboard 8/8/8/8/8/8/8/8 w -\n", "e2e4\n", "h7h8q\n"}) {
-    EXPECT_TRUE(XBoardLineMustWait(line)) << line;
-    EXPECT_EQ(searchFlags.StopSearch, 0) << line;
+    EXPECT_EQ(ClassifyXBoardLine(line), LineTiming::afterSearch) << line;
+    EXPECT_FALSE(searchFlags.StopSearch) << line;
   }
   for (const char* line :
        {"quit\n",        "force\n",      "result 1-0\n", "time 1\n",     "otim 1\n",
         "hard\n",        "easy\n",       "computer\n",   "rating 1 2\n", "ics x\n",
         "level 0 1 0\n", "name x\n",     "white\n",      "black\n",      "draw\n",
         "accepted x\n",  "rejected x\n", "hint\n",       "?\n",          "\n"}) {
-    EXPECT_FALSE(XBoardLineMustWait(line)) << line;
+    EXPECT_EQ(ClassifyXBoardLine(line), LineTiming::atOnce) << line;
   }
 }
 
@@ -493,7 +494,7 @@ TEST_F(XBoardThinking, ForceEndsTheSearchAndItsMoveIsPlayedWithoutPondering) {
   const std::string printed = Play({"new\n", "e2e4\n"});
   EXPECT_NE(printed.find("move e7e5\n"), std::string::npos);
   EXPECT_EQ(printed.find("PONDERING"), std::string::npos);
-  EXPECT_EQ(searchFlags.StopSearch, 1);
+  EXPECT_TRUE(searchFlags.StopSearch);
 }
 
 TEST_F(XBoardThinking, ResultEndsTheSearchAndItsMoveIsPlayedWithoutPondering) {
@@ -506,10 +507,11 @@ TEST_F(XBoardThinking, ResultEndsTheSearchAndItsMoveIsPlayedWithoutPondering) {
 
 TEST_F(XBoardThinking, NewDiscardsTheMoveAndThenRunsInOrder) {
   script = {{{"new\n", "force\n", "time 500\n", "name Next\n"}, "e7e5", "g1f3"}};
-  EXPECT_EQ(Play({"new\n", "e2e4\n"}), std::string(afterE4) + "Allowing 0 ms for move (0, 0, 0)\n");
+  EXPECT_EQ(Play({"new\n", "e2e4\n"}),
+            std::string(afterE4Line) + "Allowing 0 ms for move (0, 0, 0)\n");
   EXPECT_EQ(Position(), startLine);
-  EXPECT_EQ(xboardGame.force, 1);
-  EXPECT_EQ(xboardGame.clockReceived, 1);
+  EXPECT_TRUE(xboardGame.force);
+  EXPECT_TRUE(xboardGame.clockReceived);
   EXPECT_STREQ(xboardGame.opponentName, "Next");
 }
 

@@ -1,5 +1,5 @@
-// A fixture that drives the XBoard front end with scripted searches: each one
-// says which lines arrive while it runs and what it answers.
+// A fixture that drives the XBoard front end with scripted searches: each defines
+// the lines that arrive while it runs and what it answers.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -23,7 +23,11 @@
 
 namespace mirvo {
 
-struct ScriptedSearch {
+/// The position line after e4 e5.
+inline constexpr char afterE4E5Line[] =
+    "rnbqkbnr/pppp1ppp/8/4p3/4P3/8/PPPP1PPP/RNBQKBNR w KQkq -\n";
+
+struct ScriptedAnswer {
   std::vector<std::string> lines;  // arrive while it runs, in order
   std::string best;                // empty: no legal move
   std::string ponder = "";         // expected reply
@@ -39,7 +43,7 @@ class XBoardTest : public ::testing::Test {
     xboardPonder = XBoardPonder{};
     ponderStats = PonderStats{};
     searchFlags = SearchFlags{};
-    engineConfig.Quiet = 1;
+    engineConfig.Quiet = true;
     engineConfig.Ponder = 1;
     engineConfig.LoggingMode = 0;
     BeginFromStart(gameBoard);
@@ -51,8 +55,8 @@ class XBoardTest : public ::testing::Test {
     current = nullptr;
   }
 
-  /// Handles the lines as the dispatcher does between searches: the front
-  /// end's own line first, then those that waited. Returns what was printed.
+  /// Handles the lines as the dispatcher does between searches: the front end's own
+  /// line first, then waiting ones. Returns the output.
   std::string Play(const std::vector<std::string>& lines) {
     testing::internal::CaptureStdout();
     for (const std::string& line : lines) {
@@ -69,9 +73,10 @@ class XBoardTest : public ::testing::Test {
     return text;
   }
 
-  std::deque<ScriptedSearch> script;
+  std::deque<ScriptedAnswer> script;
   std::vector<std::string> searchKinds;  // "timed" or "ponder", one per search
   std::deque<std::string> waiting;
+  SearchLimits lastLimits;  // of the last scripted search, at its end
 
  private:
   static void Handle(const std::string& line) {
@@ -96,25 +101,34 @@ class XBoardTest : public ::testing::Test {
   static SearchResult RunScript(SearchRecord& record) { return current->NextSearch(record); }
 
   SearchResult NextSearch(SearchRecord& record) {
-    searchKinds.emplace_back(engineConfig.InfiniteThinkingTime != 0 ? "ponder" : "timed");
-    EXPECT_EQ(searchFlags.StopSearch, 0) << "a stop was left over";
+    searchKinds.emplace_back(record.limits.ponder ? "ponder" : "timed");
+    ExpectStoredLimits(record.limits);
+    EXPECT_FALSE(searchFlags.StopSearch) << "a stop was left over";
     if (script.empty()) return {noMove, noMove};
-    const ScriptedSearch search = script.front();
+    const ScriptedAnswer search = script.front();
     script.pop_front();
     for (const std::string& line : search.lines) {
-      if (XBoardLineMustWait(line.c_str())) {
+      if (ClassifyXBoardLine(line.c_str()) == LineTiming::afterSearch) {
         waiting.push_back(line);
       } else {
         Handle(line);
       }
     }
+    ExpectStoredLimits(record.limits);
+    lastLimits = record.limits;
     return Answer(search, *record.gameBoard);
   }
 
-  static SearchResult Answer(const ScriptedSearch& search, const Board& position) {
+  /// The settings show what a search is given, at its start and after a hit.
+  static void ExpectStoredLimits(const SearchLimits& limits) {
+    EXPECT_EQ(engineConfig.FixedTimePerMove, limits.milliseconds);
+    EXPECT_EQ(engineConfig.InfiniteThinkingTime, limits.infinite ? 1 : 0);
+  }
+
+  static SearchResult Answer(const ScriptedAnswer& search, const Board& position) {
     if (search.best.empty()) return {noMove, noMove};
     static Board board;
-    board = position;
+    CopyBoard(board, position);
     const Move best = CompleteTextMove(search.best.c_str(), board);
     MakeMove(board, best);
     const Move ponder =

@@ -16,7 +16,7 @@ struct Counts {
   int checks = 0;
 };
 
-/// Compares the answers for every generated move with making it.
+/// Compares the answers for every generated move with those of making it.
 void CompareWithMaking(Board& board, Counts& counts) {
   const std::vector<Move> moves = test::AllMoves(board);
   const CheckInfo checkInfo(board, InCheck(board, board.sideToMove));
@@ -102,7 +102,7 @@ INSTANTIATE_TEST_SUITE_P(
                      false}),
     [](const auto& instance) { return instance.param.name; });
 
-// Without a king the square h8 stands for it; with two, the higher one.
+// Without a king, h8 is used; with two, the higher square.
 TEST(CheckInfo, KnowsNothingUnlessEachSideHasOneKing) {
   for (const char* fen :
        {"4k3/8/8/8/8/8/8/R2KK3 w -", "4k3/8/8/8/8/8/8/R2KK3 b -", "R6k/8/8/8/8/8/8/8 w -",
@@ -115,7 +115,7 @@ TEST(CheckInfo, KnowsNothingUnlessEachSideHasOneKing) {
   }
 }
 
-// There any move may leave that king attacked.
+// In such positions any move may leave that king attacked.
 TEST(CheckInfo, KnowsNothingWhereTheEnemyKingCouldBeTaken) {
   for (const char* fen :
        {"4k3/8/8/8/8/8/8/K3R3 w -", "4k3/8/8/8/B7/8/8/K7 w -", "4k3/3P4/8/8/8/8/8/K7 w -",

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <memory>
 
 #include "board/legal_moves.h"
 #include "board/make_move.h"
@@ -34,7 +35,7 @@ class Thinking : public testing::Test {
     protocolMode.mode = uciProtocol;
   }
   ~Thinking() override {
-    engineConfig = saved;
+    std::construct_at(&engineConfig, saved);
     searchFlags = SearchFlags{};
     searchHooks = SearchHooks{};
   }
@@ -139,7 +140,7 @@ TEST_F(Thinking, TheHashReportFollowsAndItsCountersStartAgain) {
 }
 
 TEST_F(Thinking, QuietPrintsNothing) {
-  engineConfig.Quiet = 1;
+  engineConfig.Quiet = true;
   Run(middleGame, 3);
   EXPECT_TRUE(lines.empty());
 }
@@ -200,13 +201,13 @@ TEST_F(Thinking, BothBoardsAreLeftAtTheSearchedPosition) {
 TEST_F(Thinking, AStopAtAnyPollLeavesALegalMove) {
   static int stopAt = 0;
   searchHooks.pollInput = [] {
-    if (++nPolls == stopAt) searchFlags.StopSearch = 1;
+    if (++nPolls == stopAt) searchFlags.StopSearch = true;
   };
   for (stopAt = 1; stopAt < 60; stopAt += 3) {
     nPolls = 0;
     test::ColdStart();
     searchHooks.pollInput = [] {
-      if (++nPolls == stopAt) searchFlags.StopSearch = 1;
+      if (++nPolls == stopAt) searchFlags.StopSearch = true;
     };
     protocolMode.mode = uciProtocol;
     const SearchResult result = Run(middleGame, 40);
@@ -216,30 +217,30 @@ TEST_F(Thinking, AStopAtAnyPollLeavesALegalMove) {
 }
 
 TEST_F(Thinking, StoppedBeforeAnyMoveItPlaysTheFirstLegalMove) {
-  searchHooks.pollInput = [] { searchFlags.StopSearch = 1; };
+  searchHooks.pollInput = [] { searchFlags.StopSearch = true; };
   const SearchResult result = Run(middleGame, 40);
   EXPECT_EQ(result.best, FirstLegalMove(board));
   EXPECT_EQ(CountLines("seldepth"), 0);
 }
 
 TEST_F(Thinking, WithoutABookTheTimeDoublesOnce) {
-  searchFlags.BookInUse = 1;
+  searchFlags.BookInUse = true;
   engineConfig.FixedTimePerMove = 700;
   Run(middleGame, 2);
   EXPECT_EQ(engineConfig.FixedTimePerMove, 1400);
-  EXPECT_EQ(searchFlags.BookInUse, 0);
+  EXPECT_FALSE(searchFlags.BookInUse);
   Run(middleGame, 2);
   EXPECT_EQ(engineConfig.FixedTimePerMove, 1400);
 }
 
 TEST_F(Thinking, PonderingRepeatsTheLastDepthUntilTheHit) {
-  searchFlags.pondering = 1;
+  searchFlags.pondering = true;
   searchHooks.pollInput = [] {
-    if (++nPolls > 400) searchFlags.pondering = 0;
+    if (++nPolls > 400) searchFlags.pondering = false;
   };
   Run("8/8/8/3k4/8/8/3P4/3K4 w -", 2);
   EXPECT_GT(nPolls, 400);
-  // A repeated depth is reported only once while score and line stay.
+  // A repeated depth is reported again only if score or line have changed.
   EXPECT_LE(CountLines("info depth 2 seldepth"), 2);
 }
 
@@ -247,11 +248,11 @@ Board* heldBoard = nullptr;
 
 TEST_F(Thinking, ARepeatedDepthThatSaysSomethingNewIsReportedAgain) {
   heldBoard = &board;
-  searchFlags.pondering = 1;
+  searchFlags.pondering = true;
   searchHooks.pollInput = [] {
-    // After the first report the position is exchanged for another one.
+    // After the first report the position is replaced by another one.
     if (++nPolls == 10) test::SetPosition(*heldBoard, "8/8/8/3k4/8/8/3Q4/3K4 w -");
-    if (nPolls > 40) searchFlags.StopSearch = 1;
+    if (nPolls > 40) searchFlags.StopSearch = true;
   };
   Run("8/8/8/3k4/8/8/3P4/3K4 w -", 2);
   std::string last;
@@ -264,9 +265,9 @@ TEST_F(Thinking, ARepeatedDepthThatSaysSomethingNewIsReportedAgain) {
 }
 
 TEST_F(Thinking, PonderingOnAMateWaitsForTheHit) {
-  searchFlags.pondering = 1;
+  searchFlags.pondering = true;
   searchHooks.pollInput = [] {
-    if (++nPolls > 30) searchFlags.pondering = 0;
+    if (++nPolls > 30) searchFlags.pondering = false;
   };
   const SearchResult result = Run(mateInOne, 10);
   EXPECT_GT(nPolls, 30);
@@ -274,16 +275,16 @@ TEST_F(Thinking, PonderingOnAMateWaitsForTheHit) {
   EXPECT_EQ(CountLines("score cp 32768"), 1);
 }
 
-// Without polling the ponder wait can end by other means: here by the clock.
+// Without polling a ponder wait must end otherwise: here through the clock.
 TEST_F(Thinking, APonderWaitPollsNeitherWithoutAHookNorWithPollingOff) {
   SetTickSource([]() -> std::uint32_t {
-    if (++nTicks > 200) searchFlags.pondering = 0;
+    if (++nTicks > 200) searchFlags.pondering = false;
     return 1;
   });
   for (const bool hasHook : {false, true}) {
     nTicks = 0;
-    searchFlags.pondering = 1;
-    searchFlags.NoInputPolling = hasHook ? 1 : 0;
+    searchFlags.pondering = true;
+    searchFlags.NoInputPolling = hasHook;
     if (hasHook) searchHooks.pollInput = [] { ++nPolls; };
     Run("8/8/8/3k4/8/8/3P4/3K4 w -", 2);
     EXPECT_GT(nTicks, 200);
@@ -292,26 +293,65 @@ TEST_F(Thinking, APonderWaitPollsNeitherWithoutAHookNorWithPollingOff) {
   SetTickSource(nullptr);
 }
 
-TEST_F(Thinking, RunsWithoutInputReportForTheConsole) {
+TEST_F(Thinking, ASearchStartsFromTheLimitsOfTheSettings) {
   engineConfig.DepthSearch = 7;
-  EXPECT_EQ(PrepareSearch(board).limits.depth, 7);
-  EXPECT_EQ(PrepareSearch(board).limits.reportStyle, ReportStyle::protocol);
-  searchFlags.NoInputPolling = 1;
-  EXPECT_EQ(PrepareSearch(board).limits.reportStyle, ReportStyle::console);
+  engineConfig.FixedTimePerMove = 300;
+  engineConfig.InfiniteThinkingTime = 0;
+  const SearchLimits timed = PrepareSearch(board).limits;
+  EXPECT_EQ(timed.depth, 7);
+  EXPECT_EQ(timed.milliseconds, 300);
+  EXPECT_FALSE(timed.infinite);
+  EXPECT_FALSE(timed.ponder);
+  EXPECT_EQ(timed.deadline, noDeadline);
+  EXPECT_EQ(timed.reportStyle, ReportStyle::protocol);
+  engineConfig.InfiniteThinkingTime = 1;
+  EXPECT_TRUE(PrepareSearch(board).limits.infinite);
+}
+
+// A search keeps to its record: what the settings say meanwhile is for the next.
+TEST_F(Thinking, SettingsThatChangeDuringASearchDoNotSteerIt) {
+  searchHooks.pollInput = [] {
+    ++nPolls;
+    engineConfig.InfiniteThinkingTime = 0;
+    engineConfig.FixedTimePerMove = noFixedTime;
+    engineConfig.DepthSearch = 1;
+  };
+  Run(middleGame, 6);
+  EXPECT_GT(nPolls, 0);
+  EXPECT_EQ(CountLines("info depth 6 seldepth"), 1);
+}
+
+SearchLimits* runningLimits = nullptr;
+
+TEST_F(Thinking, LimitsThatAPollChangesHoldAtOnce) {
+  test::SetPosition(board, middleGame);
+  engineConfig.DepthSearch = 40;
+  SearchRecord record = PrepareSearch(board);
+  runningLimits = &record.limits;
+  searchHooks.pollInput = [] {
+    if (++nPolls < 30) return;
+    runningLimits->infinite = false;
+    runningLimits->milliseconds = noFixedTime;
+  };
+  testing::internal::CaptureStdout();
+  Think(record);
+  testing::internal::GetCapturedStdout();
+  runningLimits = nullptr;
+  EXPECT_EQ(record.state.stopCause, StopCause::time);
 }
 
 TEST_F(Thinking, AStopGivenBeforeTheSearchEndsItAtOnce) {
   searchHooks.pollInput = [] { ++nPolls; };
-  searchFlags.StopSearch = 1;
+  searchFlags.StopSearch = true;
   const SearchResult result = Run("startpos", 5);
   EXPECT_EQ(result.best, FirstLegalMove(board));
   EXPECT_EQ(nPolls, 0);
 }
 
 TEST_F(Thinking, PonderingWithoutAnyMoveStillPolls) {
-  searchFlags.pondering = 1;
+  searchFlags.pondering = true;
   searchHooks.pollInput = [] {
-    if (++nPolls > 3) searchFlags.StopSearch = 1;
+    if (++nPolls > 3) searchFlags.StopSearch = true;
   };
   const SearchResult result = Run("3R2k1/5ppp/8/8/8/8/8/4K3 b -", 5);
   EXPECT_EQ(result.best, noMove);
@@ -319,10 +359,10 @@ TEST_F(Thinking, PonderingWithoutAnyMoveStillPolls) {
 }
 
 TEST_F(Thinking, TheLineShowsThePonderedMoveInFront) {
-  searchFlags.pondering = 1;
+  searchFlags.pondering = true;
   searchFlags.ponderMove = BuildMove(52, 36, black, pawn);  // e7e5
   searchHooks.pollInput = [] {
-    if (++nPolls > 300) searchFlags.StopSearch = 1;
+    if (++nPolls > 300) searchFlags.StopSearch = true;
   };
   Run("startpos moves e2e4 e7e5", 3);
   EXPECT_GT(CountLines(" pv (e7e5) "), 0);
@@ -354,7 +394,7 @@ TEST_F(Thinking, ALineOfOneMoveTakesTheExpectedReplyOfThePreviousLine) {
   EXPECT_EQ(Run("startpos", 1).ponder, noMove);
 }
 
-// A line of another position may name the right squares and the wrong piece.
+// A line of another position may have the right squares but another piece.
 TEST_F(Thinking, AnExpectedReplyOfAnotherPieceIsNotTold) {
   previousPv.length = 2;
   previousPv.moves[1] = BuildMove(52, 36, black, queen);  // a queen from e7 to e5
@@ -364,7 +404,7 @@ TEST_F(Thinking, AnExpectedReplyOfAnotherPieceIsNotTold) {
 }
 
 TEST_F(Thinking, StoppedBeforeAnyLineThePreviousLineTellsTheReply) {
-  searchHooks.pollInput = [] { searchFlags.StopSearch = 1; };
+  searchHooks.pollInput = [] { searchFlags.StopSearch = true; };
   previousPv.length = 2;
   previousPv.moves[1] = BuildMove(52, 36, black, pawn);  // e7e5
   const SearchResult result = Run("startpos", 40);
@@ -397,17 +437,17 @@ TEST_F(Thinking, CountsReversibleMoves) {
   gameCounters.reversibleMoves = 99;
   Run("4k3/8/8/8/8/8/8/R3K3 w -", 1);  // no pawns, nothing to take
   EXPECT_EQ(gameCounters.reversibleMoves, 100);
-  EXPECT_EQ(gameCounters.hundredReached, 1);
+  EXPECT_TRUE(gameCounters.hundredReached);
   Run("4k3/8/8/3q4/8/8/8/3RK3 w -", 2);  // the queen is taken
   EXPECT_EQ(gameCounters.reversibleMoves, 0);
-  EXPECT_EQ(gameCounters.hundredReached, 1);
+  EXPECT_TRUE(gameCounters.hundredReached);
 }
 
 TEST(ReversibleMoves, OnlyExactlyAHundredSetsTheFlag) {
   GameCounters counters;
   counters.reversibleMoves = 100;
   CountReversibleMove(counters, true);
-  EXPECT_EQ(counters.hundredReached, 0);
+  EXPECT_FALSE(counters.hundredReached);
 }
 
 TEST_F(Thinking, AGameOf1200PliesCanBeSearched) {
@@ -424,12 +464,12 @@ TEST_F(Thinking, AGameOf1200PliesCanBeSearched) {
   EXPECT_LE(board.undoDepth, undoCapacity - searchPlyRoom);
 }
 
-// Exchanges among this many queens never end by themselves.
+// Exchanges among so many queens practically never end.
 constexpr char queenStorm[] = "qqqqqqqk/qqqqqqqq/8/8/8/8/QQQQQQQQ/KQQQQQQQ w -";
 
 TEST_F(Thinking, AStopReachesAnEndlessExchange) {
   searchHooks.pollInput = [] {
-    if (++nPolls == 30) searchFlags.StopSearch = 1;
+    if (++nPolls == 30) searchFlags.StopSearch = true;
   };
   const SearchResult result = Run(queenStorm, 40);
   EXPECT_TRUE(IsLegalMove(board, result.best));
@@ -439,7 +479,7 @@ TEST_F(Thinking, AStopReachesAnEndlessExchange) {
 std::uint32_t runningTicks = 0;
 
 TEST_F(Thinking, TheClockReachesAnEndlessExchange) {
-  // A clock that moves on by itself at every look.
+  // A clock that advances at every reading.
   SetTickSource([] { return runningTicks += 10; });
   engineConfig.InfiniteThinkingTime = 0;
   engineConfig.FixedTimePerMove = 200;
@@ -489,11 +529,11 @@ TEST_F(Thinking, TheExtensionLimitIsAPercentageOfTheDepthUpToABillion) {
 
 TEST_F(Thinking, StartDepthsOfAnySizeEnd) {
   searchHooks.pollInput = [] {
-    if (++nPolls == 60) searchFlags.StopSearch = 1;
+    if (++nPolls == 60) searchFlags.StopSearch = true;
   };
   for (const std::int32_t start : {smallest, 390, greatest}) {
     nPolls = 0;
-    searchFlags.StopSearch = 0;
+    searchFlags.StopSearch = false;
     engineConfig.StartIDDepth = start;
     EXPECT_TRUE(IsLegalMove(board, Run("8/8/4k3/8/8/4K3/4P3/8 w -", 100000).best)) << start;
   }

@@ -107,7 +107,7 @@ TEST_F(Picker, LosingCapturesComeBySmallestLoss) {
 }
 
 TEST_F(Picker, ALosingCaptureOfARookComesBehindAPawnForAPawn) {
-  // The queen would be the first to take, by victim, but the rook is defended.
+  // By victim the queen's capture would come first, but the rook is defended.
   const std::vector<Picked> all = PickAll("4k3/8/2p3p1/3r3P/8/8/8/3QK3 w -");
   EXPECT_EQ(all.front().text, "h5g6");
   EXPECT_EQ(all.front().score, 55);
@@ -232,7 +232,7 @@ TEST_F(Picker, NothingIsLostOfTheLongestMoveList) {
 }
 
 TEST_F(Picker, MoreThanAHundredCapturesAreAllHandedOut) {
-  // Queens among queens: every square attacked is occupied.
+  // Queens among queens: every attacked square is occupied.
   const std::vector<Picked> all =
       PickAll("QqQqQqQq/qQqQqQqQ/QqQqQqQq/qQqQqQqQ/QqQqQqQq/qQqQqQqQ/QqQqQqQq/KQqQqQqk w -");
   EXPECT_GT(all.size(), 100U);

@@ -1,6 +1,6 @@
-// What the main search prunes, reduces and extends, observed from outside: by
-// the depths that its children stored in the transposition table and by the
-// number of horizon nodes that it entered.
+// What the main search prunes, reduces and extends, observed from outside: by the
+// depths that children store in the transposition table and by the number of
+// nodes entered at the horizon.
 #include <gtest/gtest.h>
 
 #include "board/keys.h"
@@ -17,18 +17,14 @@ namespace mirvo {
 namespace {
 
 constexpr std::int32_t open = infiniteScore;
-// No position of these tests comes near it: every node fails low, and every
-// reply to a move refutes it at once.
+// No position of these tests comes near this score: every node fails low, and
+// every reply to a move refutes it at once.
 constexpr std::int32_t farAway = 5000;
 constexpr int notStored = -1;
 
 class Pruning : public testing::Test {
  protected:
-  Pruning() : infinite(engineConfig.InfiniteThinkingTime) {
-    test::ColdStart();
-    engineConfig.InfiniteThinkingTime = 1;
-  }
-  ~Pruning() override { engineConfig.InfiniteThinkingTime = infinite; }
+  Pruning() { test::ColdStart(); }
 
   void Set(const std::string& position) {
     test::SetPosition(board, position);
@@ -77,7 +73,6 @@ class Pruning : public testing::Test {
     return depths;
   }
 
-  std::int32_t infinite;
   Board board;
   SearchState state;
 };
@@ -177,14 +172,14 @@ TEST_F(Pruning, ACheckForbidsRazoring) {
 }
 
 TEST_F(Pruning, RazoringLooksThroughTheNegatedWindow) {
-  // The rook takes the queen for nothing. The window (700, 701) would see it;
-  // its negation lets the static score stand.
+  // The rook wins the queen. The window (700, 701) would show it; with the negated
+  // window the static score stands.
   const char* const position = "4k3/8/8/3q4/8/8/8/3RK3 w -";
   const std::int32_t score = RunCold(position, 700, 701, 2);
   EXPECT_EQ(state.nodeCount, 0U);
   EvalRecord record;
   EXPECT_EQ(score, Evaluate(record, board, white));
-  // A capture that reaches alpha rules it out: the node is searched further.
+  // A capture that reaches alpha prevents razoring: the node is searched normally.
   EXPECT_GT(RunCold(position, 0, 1, 2), 0);
   EXPECT_EQ(Slot().key, board.positionKey);
 }
@@ -245,7 +240,7 @@ TEST_P(FutileNode, SearchesNoMoreThanItMust) {
 
 // Knight a1 (b3, then c2), king h1 (three moves), pawn a2 (two).
 constexpr char knightAndPawn[] = "7k/8/8/8/8/8/P7/N6K w -";
-// The same knight may take a pawn that nobody guards.
+// The same knight can take an undefended pawn.
 constexpr char knightTakes[] = "7k/8/8/8/8/1p6/8/N6K w -";
 
 INSTANTIATE_TEST_SUITE_P(
@@ -260,7 +255,7 @@ INSTANTIATE_TEST_SUITE_P(
         FutilityCase{"check", "8/8/8/8/8/4k3/P7/N6K w -", nullptr, 8, 8},
         // The capture wins too little and does not count as the first move.
         FutilityCase{"capture", knightTakes, nullptr, 4, 5},
-        // As the table's move it is searched, but not the second time.
+        // As the hash move it is searched, but not a second time.
         FutilityCase{"tableCapture", knightTakes, "a1b3", 4, 6},
         // Two knights may step between, the king may step aside.
         FutilityCase{"inCheck", "k6r/8/8/8/8/8/5N2/5N1K w -", nullptr, 4, 4}),
@@ -334,7 +329,7 @@ TEST_F(Pruning, LateMovesAreReducedFromTheFourth) {
 }
 
 TEST_F(Pruning, OnThePrincipalVariationLateMovesAreReducedFromTheSixth) {
-  // The table's move counts twice: as the first and as the second.
+  // The hash move counts twice: as the first and as the second move.
   Set(twoKnights);
   SuggestMove("b1c3");
   Run(farAway, farAway + 1000, 4);
@@ -357,7 +352,7 @@ TEST_F(Pruning, ChecksAreNotReduced) {
 }
 
 TEST_F(Pruning, ExtendedMovesAreNotReduced) {
-  // The pawn's step to the seventh rank is the last of nine moves.
+  // The pawn's push to the seventh rank is the last of nine moves.
   RunCold("7k/8/P7/8/8/8/8/NN5K w -", farAway, farAway + 1, 4);
   EXPECT_EQ(DepthAfter("a6a7"), 4);
 }
@@ -370,11 +365,11 @@ TEST_F(Pruning, NothingIsReducedAtDepthTwo) {
 }
 
 TEST_F(Pruning, LosingCapturesAreReducedAndGoodOnesAreNot) {
-  // The knight loses itself for the guarded pawn b4, the sixth move.
+  // The sixth move loses the knight for the defended pawn on b4.
   RunCold("7k/8/8/2p5/1p6/8/N7/7K w -", farAway, farAway + 1, 4);
   EXPECT_EQ(DepthsAfter({"a2c3", "a2c1", "h1h2", "h1g2", "h1g1", "a2b4"}),
             (std::vector<int>{3, 3, 3, 2, 2, 2}));
-  // Four free pawns for two knights: the fourth capture is not reduced.
+  // Two knights can take four undefended pawns: the fourth capture is not reduced.
   RunCold("7k/8/8/1p1p1p1p/8/2N3N1/8/7K w -", farAway, farAway + 1, 4);
   EXPECT_EQ(DepthsAfter({"g3h5", "g3f5", "c3d5", "c3b5"}), (std::vector<int>{3, 3, 3, 3}));
 }

@@ -55,7 +55,7 @@ TEST_F(Quiescence, AQuietPositionKeepsItsStaticScore) {
 }
 
 TEST_F(Quiescence, AScoreAtOrAboveBetaStandsPat) {
-  // A free queen is not even looked at.
+  // Not even an undefended queen is captured.
   const std::string position = "4k3/8/8/3q4/8/8/8/3RK3 w -";
   const std::int32_t eval = StaticScore(position);
   EXPECT_EQ(Run(position, eval - 10, eval), eval);
@@ -78,8 +78,8 @@ TEST_F(Quiescence, BeingMatedCountsPliesFromTheHorizon) {
 }
 
 TEST_F(Quiescence, ACheckWithNothingGeneratedKeepsTheStaticScore) {
-  // The black king is hemmed in by its own blocked pawns and touched by the
-  // white king: not one move is generated.
+  // The black king is blocked by its own pawns and by the white king: the
+  // generator offers no move.
   const std::string position = "8/8/8/8/8/8/6pp/6Kk b -";
   EXPECT_EQ(Run(position, -open, open), StaticScore(position));
 }
@@ -115,7 +115,7 @@ TEST_F(Quiescence, LosingCapturesAreSearchedAtPvNodesOnly) {
 }
 
 TEST_F(Quiescence, CapturesThatCannotReachAlphaArePrunedAtNonPvNodes) {
-  // A pawn hangs; alpha lies beyond static score + pawn + margin.
+  // A pawn hangs; alpha is above static score + pawn + margin.
   const std::string position = "4k3/8/8/3p4/8/8/8/3RK3 w -";
   const std::int32_t eval = StaticScore(position);
   Run(position, eval + 201, eval + 202);
@@ -166,8 +166,8 @@ TEST_F(Quiescence, PrunedCapturesCountWhenTheyAreLegal) {
   EXPECT_EQ(Run("4k3/8/2p5/3p4/8/8/8/3RK3 w -", eval, eval + 1), eval);
 }
 
-// So far above the static score every capture is pruned: the result shows
-// whether one of them is legal.
+// With alpha far above the static score every capture is pruned, and the result
+// shows whether one of them is legal.
 TEST_F(Quiescence, OneLegalOneOfThePrunedCapturesKeepsTheStaticScore) {
   struct Case {
     const char* position;
@@ -179,7 +179,7 @@ TEST_F(Quiescence, OneLegalOneOfThePrunedCapturesKeepsTheStaticScore) {
            {"4k3/4P3/8/8/8/8/8/4R2K b -", false},
            {"7k/8/8/b7/8/1p6/3N4/4K3 w -", false},    // pinned on a diagonal
            {"7k/8/8/b7/1N6/3p4/8/4K3 w -", false},    // the same farther from the king
-           {"7k/p7/8/8/n7/8/1N6/4K3 w -", true},      // on no line with it
+           {"7k/p7/8/8/n7/8/1N6/4K3 w -", true},      // on no line with the king
            {"7k/8/8/8/1p6/3N4/8/3K4 w -", true},      // on a line without an attacker
            {"4r2k/8/8/8/8/8/4R3/4K3 w -", true},      // takes what pins it
            {"r3r2k/8/8/n7/8/1N6/4Q3/4K3 w -", true},  // two pieces can take, neither is pinned
@@ -197,7 +197,7 @@ TEST_F(Quiescence, EnPassantAloneCountsWhenItIsLegal) {
     const char* position;
     bool legal;
   };
-  // Each time e5xd6 is the only capture.
+  // In each position e5xd6 is the only capture.
   for (const Case& c : {
            Case{"7k/8/8/3pP3/8/8/8/4K3 w -", true},
            {"7k/8/8/K2pP2r/8/8/8/8 w -", false},   // both pawns leave the rank
@@ -239,8 +239,8 @@ TEST_F(Quiescence, APrunedCaptureCountsWhereTheOthersAreIllegal) {
 }
 
 TEST_F(Quiescence, WherePiecesShareASquareAPrunedCaptureIsMadeToKnowItsLegality) {
-  // A white knight and a black pawn on e4. When the other knight takes the pawn,
-  // the two knights cancel out and nothing blocks the rook any more.
+  // A white knight and a black pawn share e4. If the other knight takes the pawn,
+  // the two knights remove each other and nothing blocks the rook any more.
   const char* const position = "7k/4r3/5N2/8/4N2-p/8/8/4K3 w -";
   ASSERT_NE(StaticScore(position), 0);
   ASSERT_EQ(board.hasOverlaps, 1);
@@ -248,8 +248,8 @@ TEST_F(Quiescence, WherePiecesShareASquareAPrunedCaptureIsMadeToKnowItsLegality)
 }
 
 TEST_F(Quiescence, InCheckALosingCaptureComesAtItsLoss) {
-  // The queen may take the knight that gives check, but a pawn defends it. The
-  // king's step to d1 comes first and refutes.
+  // The queen can take the checking knight, which a pawn defends. The king's step
+  // to d1 comes first and refutes.
   HistoryTable[white][4][3] = 7;  // e1d1
   const char* const check = "6k1/8/8/8/6p1/5n2/8/4KQ2 w -";
   Run(check, -5001, -5000);
@@ -266,7 +266,7 @@ TEST_F(Quiescence, InCheckNoCaptureIsPruned) {
 }
 
 TEST_F(Quiescence, InCheckTheStaticScoreIsTheLeastThatIsReturned) {
-  // The knight's fork wins the queen whatever White does.
+  // The knight's fork wins the queen in any case.
   const char* const fork = "k7/8/8/8/8/5n2/3Q4/6K1 w -";
   EXPECT_EQ(Run(fork, -open, open), StaticScore(fork));
   EXPECT_GT(state.nodeCount, 4U);
@@ -317,7 +317,7 @@ TEST_F(Quiescence, LeavesTheBoardAsItWas) {
 }
 
 TEST_F(Quiescence, BoardsFullOfQueensEnd) {
-  // However long the line of captures, no array overflows.
+  // A line of captures of any length overflows no array.
   test::SetPosition(board, "qqqqqqqk/8/8/8/8/8/8/QQQQQQQK w -");
   state = SearchState{};
   Quiesce(state, board, -1, 0, 0);

@@ -14,7 +14,7 @@ TEST(Reductions, FollowTheirFormulaInDoublePrecision) {
       const double product = std::log(2.0 * row + 1.0) * std::log(column + 1.0);
       const double nonPv = product / 3.0 + 0.5;
       const double pv = product / 6.0 + 0.5;
-      // Single precision may fall on the other side only next to an integer.
+      // Single precision may round differently only next to an integer.
       if (std::abs(nonPv - std::round(nonPv)) > 1e-5) {
         EXPECT_EQ(NonPvReductions[row][column], static_cast<int>(std::floor(nonPv)));
       }
@@ -25,9 +25,9 @@ TEST(Reductions, FollowTheirFormulaInDoublePrecision) {
   }
 }
 
-// C libraries differ in the last bit of some logarithms: an error of some 1e-6
-// here. No entry is that near to a step, so the tables are equal everywhere.
-TEST(Reductions, NoEntryHangsOnTheLastBitOfALogarithm) {
+// C libraries differ in the last bit of some logarithms, an error of about 1e-6
+// here. No entry is that close to an integer, so the tables are equal everywhere.
+TEST(Reductions, NoEntryDependsOnTheLastBitOfALogarithm) {
   for (int row = 1; row < 64; ++row) {
     for (int column = 1; column < 64; ++column) {
       const double product = std::log(2.0 * row + 1.0) * std::log(column + 1.0);
@@ -47,8 +47,8 @@ TEST(Reductions, KnownEntries) {
   EXPECT_EQ(PvReductions[63][63], 3);     // half of it, 3.36
 }
 
-// A reduction of 0 stands for "not reduced": no late move may come by one, from
-// the first one on that the searches reduce.
+// A reduction of 0 means "not reduced", so no late move may have one, from the
+// first move on that the searches reduce.
 TEST(Reductions, EveryLateMoveIsReducedByAtLeastOnePly) {
   BuildReductionTables();
   for (int depth = 3; depth < 70; ++depth) {

@@ -1,5 +1,5 @@
-// Whole searches against the figures of an independent implementation: every
-// iteration's depth, score, nodes and line, cache usage and statistics.
+// Compares whole searches with the figures of an independent implementation:
+// depth, score, nodes and line of every iteration, cache usage and statistics.
 #include <gtest/gtest.h>
 
 #include "search/hash/hash_table.h"

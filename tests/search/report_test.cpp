@@ -21,7 +21,7 @@ class Reports : public testing::Test {
  protected:
   Reports() : quiet(engineConfig.Quiet) {
     test::ColdStart();
-    engineConfig.Quiet = 0;
+    engineConfig.Quiet = false;
     SetTickSource([] { return fakeTicks; });
     timeControl.startTime = 1000;
     fakeTicks = 3500;  // 2.5 s of search
@@ -53,7 +53,7 @@ class Reports : public testing::Test {
     return testing::internal::GetCapturedStdout();
   }
 
-  std::uint8_t quiet;
+  bool quiet;
   Board board;
   SearchRecord record{};
   PvLine pv{};
@@ -97,7 +97,7 @@ TEST_F(Reports, XBoardTakesCentisecondsAndAlgebraicMoves) {
 }
 
 TEST_F(Reports, QuietSilencesUciAndConsoleButNotXBoard) {
-  engineConfig.Quiet = 1;
+  engineConfig.Quiet = true;
   protocolMode.mode = uciProtocol;
   EXPECT_EQ(Report(1), "");
   record.limits.reportStyle = ReportStyle::console;
@@ -133,7 +133,7 @@ TEST_F(Reports, AnEvenScoreHasNoMinusForEitherSide) {
 
 TEST_F(Reports, WhilePonderingTheExpectedMoveStandsInFront) {
   protocolMode.mode = xboardProtocol;
-  searchFlags.pondering = 1;
+  searchFlags.pondering = true;
   EXPECT_EQ(Report(1), " 7      1    250    10000 e4 Nc6 \n");  // none known
   searchFlags.ponderMove = BuildMove(62, 45, black, knight);
   EXPECT_EQ(Report(1), " 7      1    250    10000 (Nf6) e4 Nc6 \n");
@@ -168,7 +168,7 @@ TEST_F(Reports, RootMovesAreForUciAndSuitesOnly) {
   protocolMode.mode = xboardProtocol;
   EXPECT_EQ(RootMove(0), "");
   protocolMode.mode = uciProtocol;
-  engineConfig.Quiet = 1;
+  engineConfig.Quiet = true;
   EXPECT_EQ(RootMove(0), "");
 }
 

@@ -21,14 +21,12 @@ int nPolls = 0;
 
 class Root : public testing::Test {
  protected:
-  Root() : infinite(engineConfig.InfiniteThinkingTime), quiet(engineConfig.Quiet) {
+  Root() : quiet(engineConfig.Quiet) {
     test::ColdStart();
     nPolls = 0;
-    engineConfig.InfiniteThinkingTime = 1;
-    engineConfig.Quiet = 1;
+    engineConfig.Quiet = true;
   }
   ~Root() override {
-    engineConfig.InfiniteThinkingTime = infinite;
     engineConfig.Quiet = quiet;
     searchHooks = SearchHooks{};
   }
@@ -65,8 +63,7 @@ class Root : public testing::Test {
     return depths;
   }
 
-  std::int32_t infinite;
-  std::uint8_t quiet;
+  bool quiet;
   Board board;
   SearchState state;
   PvLine pv{};
@@ -76,7 +73,7 @@ class Root : public testing::Test {
 constexpr char twoKnights[] = "7k/8/8/8/8/8/8/NN5K w -";
 
 TEST_F(Root, AReturnToAnEarlierPositionIsADraw) {
-  // Alone against a queen White has one move, and it leads back.
+  // Against the queen White has one move, which returns to an earlier position.
   Set("7k/8/8/8/8/8/q7/7K w -");
   for (const char* text : {"h1g1", "h8g8", "g1h1", "g8h8"}) MakeMove(board, MoveOf(text));
   EXPECT_EQ(Run(-open, open, 2), 0);
@@ -155,8 +152,8 @@ TEST_F(Root, BeingMatedIsTheSameAtEveryDepth) {
   }
 }
 
-// The moves handed out are counted by their polls. A shallower search ends
-// with an exact slot, which does not hand its move over: so no move comes twice.
+// Counts the picker's moves by their polls. A shallower search stores an exact
+// slot, whose move the probe does not return, so no move comes twice.
 TEST_F(Root, WithoutATableMoveShallowerSearchesGoFirst) {
   struct Case {
     int depth, searches;

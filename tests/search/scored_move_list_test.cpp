@@ -32,7 +32,7 @@ Taken TakeAll(ScoredMoveList& list, std::int32_t minimum) {
   return taken;
 }
 
-/// Indices by falling score, the earlier of equals first.
+/// Indices in order of descending score, the earlier of equal ones first.
 Taken Sorted(const Scores& scores) {
   std::vector<int> order(scores.size());
   std::iota(order.begin(), order.end(), 0);
@@ -51,7 +51,7 @@ Scores RandomScores(std::mt19937& random, int count) {
   return scores;
 }
 
-// Around the ends of blocks, and a list without room for one more.
+// Around the ends of blocks, and a full list.
 constexpr int lengths[] = {0, 1, 2, 3, 4, 5, 7, 8, 9, 15, 16, 17, 63, 64, 65, 248, 249, 255, 256};
 
 TEST(ScoredMoveList, GiveTheGreatestScoreFirst) {
@@ -115,7 +115,7 @@ TEST(ScoredMoveList, ListsOfEveryLengthAreSorted) {
   ScoredMoveList list;
   for (const int length : lengths) {
     for (int round = 0; round < 20; ++round) {
-      // Keys of the list before are still there past the end.
+      // Keys of the previous list are still there past the end.
       Fill(list, RandomScores(random, moveListCapacity));
       const Scores scores = RandomScores(random, length);
       Fill(list, scores);
@@ -181,9 +181,9 @@ TEST(ScoredMoveList, AReturnedMoveStandsAmongItsEqualsByIndex) {
   EXPECT_EQ(TakeAll(list, anyScore), (Taken{{0, 7}, {1, 7}, {2, 7}}));
 }
 
-// As the search uses it: whether a move loses is found out when its turn comes,
-// and moves that lose nothing are taken first.
-TEST(ScoredMoveList, LossesFoundOutLateGiveTheOrderOfLossesKnown) {
+// As the search uses it: the exchange value of a move is computed when its turn
+// comes, and moves that lose material come last.
+TEST(ScoredMoveList, LazyExchangeValuesGiveTheSameOrderAsEagerOnes) {
   std::mt19937 random(9);
   for (const int length : lengths) {
     for (int round = 0; round < 20; ++round) {

@@ -26,7 +26,6 @@ class MainSearch : public testing::Test {
  protected:
   MainSearch() {
     test::ColdStart();
-    engineConfig.InfiniteThinkingTime = 1;
     state.extensionLimit = 5;
     state.nextInputPoll = 8192;
     fakeTicks = 0;
@@ -141,7 +140,7 @@ TEST_F(MainSearch, TableCountersTellConflictsMissesAndHits) {
   test::SetPosition(board, middleGame);
   const std::uint64_t key = board.positionKey;
   HashStore(TranspositionTable, key, noMove, 50, lowerBound, 2);
-  searchFlags.NoInputPolling = 1;
+  searchFlags.NoInputPolling = true;
   Search(state, board, NodeInput{10, 11, 2}, nullptr);  // usable
   EXPECT_EQ(TranspositionTable.hits, 1U);
   Search(state, board, NodeInput{60, 61, 1}, nullptr);  // deep enough, not usable
@@ -174,7 +173,7 @@ TEST_F(MainSearch, APvIsBoundedAtItsCapacity) {
 }
 
 TEST_F(MainSearch, TheAbortFlagReturnsAQuickScoreAndStoresNothing) {
-  searchFlags.StopSearch = 1;
+  searchFlags.StopSearch = true;
   const std::int32_t score = Run(middleGame, -open, open, 6);
   SearchState other;
   EXPECT_EQ(score, Quiesce(other, board, -open, open, 0));
@@ -182,8 +181,8 @@ TEST_F(MainSearch, TheAbortFlagReturnsAQuickScoreAndStoresNothing) {
 }
 
 TEST_F(MainSearch, TheClockIsReadOnceIn1024Entries) {
-  engineConfig.InfiniteThinkingTime = 0;
-  engineConfig.FixedTimePerMove = 10;
+  const SearchLimits limits{.milliseconds = 10};
+  state.limits = &limits;
   timeControl.startTime = 0;
   fakeTicks = 1000;
   state.clockPolls = 1024;
@@ -195,7 +194,8 @@ TEST_F(MainSearch, TheClockIsReadOnceIn1024Entries) {
 }
 
 TEST_F(MainSearch, ThinkingWithoutLimitNeverLooksAtTheClock) {
-  engineConfig.FixedTimePerMove = 0;
+  const SearchLimits limits{.milliseconds = 0, .infinite = true};
+  state.limits = &limits;
   fakeTicks = 1000000;
   state.clockPolls = 5000;
   Run(middleGame, 0, 1, 3);
@@ -211,14 +211,14 @@ TEST_F(MainSearch, InputIsPolledEvery8192Moves) {
 
 TEST_F(MainSearch, NoPollingMeansNone) {
   searchHooks.pollInput = [] { ++nPolls; };
-  searchFlags.NoInputPolling = 1;
+  searchFlags.NoInputPolling = true;
   Run(middleGame, -open, open, 6);
   EXPECT_EQ(nPolls, 0);
 }
 
 TEST_F(MainSearch, AStopFromAPollUnwindsWithoutATrace) {
   searchHooks.pollInput = [] {
-    if (++nPolls == 2) searchFlags.StopSearch = 1;
+    if (++nPolls == 2) searchFlags.StopSearch = true;
   };
   PvLine pv{};
   Run(middleGame, -open, open, 30, &pv);
@@ -248,17 +248,17 @@ TEST_F(MainSearch, TheExtensionLimitIsNeverReached) {
   EXPECT_EQ(CountExtension(stats, state, rookMove), 0);
   state.extensions = 1;
   EXPECT_EQ(CountExtension(stats, state, pawnToSeventh), 0);
-  // Counted are the moves of the kind, granted or not.
+  // Counts all moves of the kind, extended or not.
   EXPECT_EQ(stats.nPromExt, 2);
   EXPECT_EQ(stats.nExt, 2);
 }
 
-// White is hopelessly behind: its one capture wins too little, its king steps
-// are searched whatever they bring.
-constexpr char hopelessSide[] = "7k/8/8/8/8/1p5q/P7/K7 w -";
+// White is far behind: its one capture wins too little; its king moves are
+// searched in any case.
+constexpr char farBehind[] = "7k/8/8/8/8/1p5q/P7/K7 w -";
 
-TEST_F(MainSearch, AHopelessNodeNextToTheHorizonFailsLow) {
-  Run(hopelessSide, 5000, 5001, 1);
+TEST_F(MainSearch, ANodeFarBehindNextToTheHorizonFailsLow) {
+  Run(farBehind, 5000, 5001, 1);
   EXPECT_GT(state.nodeCount, 0U);
   const HashEntry& slot = HashSlot(TranspositionTable, board.positionKey);
   EXPECT_EQ(slot.bound, upperBound);
@@ -290,7 +290,7 @@ TEST_F(MainSearch, ASideWithPawnsAloneDoesNotPass) {
 
 TEST_F(MainSearch, ExtremeDepthsStayWithinTheirTables) {
   state.nextInputPoll = 20000;
-  searchHooks.pollInput = [] { searchFlags.StopSearch = 1; };
+  searchHooks.pollInput = [] { searchFlags.StopSearch = true; };
   Run("8/8/8/3k4/8/8/3P4/3K4 w -", -open, open, 300);
   EXPECT_EQ(board.undoDepth, 0);
 }

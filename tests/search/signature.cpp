@@ -42,11 +42,11 @@ std::uint32_t CountSignatureNodes(const SignaturePosition& position) {
   SetPosition(*board, position.fen);
   const std::int32_t depth = engineConfig.DepthSearch;
   const std::int32_t infinite = engineConfig.InfiniteThinkingTime;
-  const std::uint8_t quiet = engineConfig.Quiet;
+  const bool quiet = engineConfig.Quiet;
   engineConfig.DepthSearch = signatureDepth;
   engineConfig.InfiniteThinkingTime = 1;
-  engineConfig.Quiet = 1;
-  searchFlags.NoInputPolling = 1;
+  engineConfig.Quiet = true;
+  searchFlags.NoInputPolling = true;
   SearchRecord record = PrepareSearch(*board);
   Think(record);
   engineConfig.DepthSearch = depth;

@@ -26,7 +26,7 @@ struct Signature {
 /// with "#" are comments. An unreadable file has no positions.
 Signature ReadSignature(const std::string& fileName);
 
-/// Where the stored signature lives in the source tree.
+/// Path of the stored signature in the source tree.
 std::string SignatureFile();
 
 /// Nodes of one search to signatureDepth with cold tables of the default size,

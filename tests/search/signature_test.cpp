@@ -28,8 +28,8 @@ TEST(SignatureFile, TotalIsTheSumOfItsCounts) {
 
 class StoredSignature : public testing::TestWithParam<SignaturePosition> {};
 
-// A wanted change of the search moves the counts: run mirvo_signature, put its
-// output into the file, and name the old and the new total in the commit.
+// After an intended change of the search, run mirvo_signature, store its output in
+// the file, and give the old and the new total in the commit message.
 TEST_P(StoredSignature, SearchTakesTheStoredNumberOfNodes) {
   EXPECT_EQ(CountSignatureNodes(GetParam()), GetParam().nodes);
 }

@@ -79,7 +79,7 @@ TEST(StaticExchange, ABishopBehindACapturingPawnJoinsIn) {
 }
 
 TEST(StaticExchange, TheSideThatWouldLoseStops) {
-  // Queen takes a pawn that a pawn defends: black takes back, nothing more.
+  // The queen takes a pawn defended by a pawn: Black recaptures.
   EXPECT_EQ(Exchange("4k3/8/2p5/3p4/8/8/3Q4/4K3 w -", "d2d5"), 100 - 1100);
 }
 
@@ -134,7 +134,7 @@ TEST(CaptureVictim, IsTheFirstKindThatStandsThere) {
     test::SetPosition(board, position);
     EXPECT_EQ(CaptureVictim(board, FindMove(board, "d1d5")), victim) << position;
   }
-  // Text input can put two pieces on a square: the bishop is seen before the rook.
+  // Text input can put two pieces on a square: the bishop is found before the rook.
   test::SetPosition(board, "4k3/8/8/3r4/8/8/8/3QK3 w -");
   const Move move = FindMove(board, "d1d5");
   board.pieces[PieceIndex(black, bishop)] |= Bit(ToSquare(move));
@@ -182,7 +182,7 @@ TEST(CaptureScore, IsByVictimThenAttacker) {
 TEST(ExchangeLoss, IsNoneForACheaperOrEqualAttacker) {
   test::PrepareEngine();
   Board board;
-  // A knight takes a defended bishop: no exchange is looked at.
+  // A knight takes a defended bishop: no exchange is computed.
   test::SetPosition(board, "4k3/8/2p5/3b4/8/4N3/8/4K3 w -");
   EXPECT_EQ(ExchangeLoss(board, WithCaptured(FindMove(board, "e3d5"), bishop)), 0);
 }

@@ -24,12 +24,13 @@ struct AllocationCase {
 
 class Allocation : public testing::TestWithParam<AllocationCase> {};
 
-TEST_P(Allocation, StoresAndPrintsTheTime) {
+TEST_P(Allocation, AllotsAndPrintsTheTime) {
   const AllocationCase& c = GetParam();
+  SearchLimits limits;
   testing::internal::CaptureStdout();
-  AllocateTime(engineConfig, c.movesToGo, c.timeLeft, c.increment);
+  AllocateTime(limits, c.movesToGo, c.timeLeft, c.increment);
   const std::string printed = testing::internal::GetCapturedStdout();
-  EXPECT_EQ(engineConfig.FixedTimePerMove, c.expected);
+  EXPECT_EQ(limits.milliseconds, c.expected);
   std::ostringstream line;
   line << "Allowing " << c.expected << " ms for move (" << c.movesToGo << ", " << c.timeLeft << ", "
        << c.increment << ")\n";
@@ -58,12 +59,12 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& named) { return named.param.name; });
 
 TEST(Allotment, DoublingSaturates) {
-  engineConfig.FixedTimePerMove = 1500;
-  DoubleAllottedTime(engineConfig);
-  EXPECT_EQ(engineConfig.FixedTimePerMove, 3000);
-  engineConfig.FixedTimePerMove = highest - 1;
-  DoubleAllottedTime(engineConfig);
-  EXPECT_EQ(engineConfig.FixedTimePerMove, highest);
+  SearchLimits limits{.milliseconds = 1500};
+  DoubleAllottedTime(limits);
+  EXPECT_EQ(limits.milliseconds, 3000);
+  limits.milliseconds = highest - 1;
+  DoubleAllottedTime(limits);
+  EXPECT_EQ(limits.milliseconds, highest);
 }
 
 std::uint32_t fakeTicks = 0;
@@ -74,38 +75,40 @@ class Clock : public testing::Test {
     SetTickSource([] { return fakeTicks; });
   }
   ~Clock() override { SetTickSource(nullptr); }
+
+  SearchLimits limits;
 };
 
 TEST_F(Clock, TheTimeIsUpWhenMoreThanTheAllotmentHasPassed) {
   timeControl.startTime = 5000;
-  engineConfig.FixedTimePerMove = 100;
+  limits.milliseconds = 100;
   fakeTicks = 5100;
-  EXPECT_FALSE(TimeIsUp(engineConfig));
+  EXPECT_FALSE(TimeIsUp(limits));
   fakeTicks = 5101;
-  EXPECT_TRUE(TimeIsUp(engineConfig));
+  EXPECT_TRUE(TimeIsUp(limits));
 }
 
 TEST_F(Clock, TheDefaultAllotmentIsUpAtOnce) {
   timeControl.startTime = 5000;
   fakeTicks = 5000;
-  engineConfig.FixedTimePerMove = noFixedTime;
-  EXPECT_TRUE(TimeIsUp(engineConfig));
+  limits.milliseconds = noFixedTime;
+  EXPECT_TRUE(TimeIsUp(limits));
 }
 
 TEST_F(Clock, TimesAreRightAcrossTheWrapOfTheClock) {
   timeControl.startTime = 0xFFFFFFF0U;
-  engineConfig.FixedTimePerMove = 100;
+  limits.milliseconds = 100;
   fakeTicks = 0x10U;  // 32 ms later
-  EXPECT_FALSE(TimeIsUp(engineConfig));
+  EXPECT_FALSE(TimeIsUp(limits));
   fakeTicks = 0x55U;  // 101 ms later
-  EXPECT_TRUE(TimeIsUp(engineConfig));
+  EXPECT_TRUE(TimeIsUp(limits));
 }
 
 TEST_F(Clock, AClockStepBackwardsDoesNotEndTheSearch) {
   timeControl.startTime = 5000;
-  engineConfig.FixedTimePerMove = 100;
+  limits.milliseconds = 100;
   fakeTicks = 4000;
-  EXPECT_FALSE(TimeIsUp(engineConfig));
+  EXPECT_FALSE(TimeIsUp(limits));
 }
 
 struct DeadlineCase {
@@ -118,12 +121,9 @@ struct DeadlineCase {
 class Deadline : public testing::TestWithParam<DeadlineCase> {};
 
 TEST_P(Deadline, IsTheOwnClockLessTheOverhead) {
-  engineConfig.MoveOverhead = GetParam().overhead;
-  timeControl.deadline = 4711;
-  SetDeadline(engineConfig, GetParam().clock);
-  EXPECT_EQ(timeControl.deadline, GetParam().deadline);
-  engineConfig.MoveOverhead = 0;
-  timeControl.deadline = noDeadline;
+  SearchLimits limits{.deadline = 4711};
+  SetDeadline(limits, GetParam().overhead, GetParam().clock);
+  EXPECT_EQ(limits.deadline, GetParam().deadline);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -143,47 +143,62 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& named) { return named.param.name; });
 
 TEST_F(Clock, TheTimeIsUpWhenTheDeadlineIsReached) {
-  timeControl = {5000, 100};
-  engineConfig.FixedTimePerMove = 2000;
+  timeControl.startTime = 5000;
+  limits.deadline = 100;
+  limits.milliseconds = 2000;
   fakeTicks = 5099;
-  EXPECT_FALSE(TimeIsUp(engineConfig));
+  EXPECT_FALSE(TimeIsUp(limits));
   fakeTicks = 5100;
-  EXPECT_TRUE(TimeIsUp(engineConfig));
-  // The allotted time ends the search before it as ever.
-  engineConfig.FixedTimePerMove = 50;
+  EXPECT_TRUE(TimeIsUp(limits));
+  // The allotted time still ends the search before the deadline.
+  limits.milliseconds = 50;
   fakeTicks = 5051;
-  EXPECT_TRUE(TimeIsUp(engineConfig));
-  timeControl = TimeControl{};
+  EXPECT_TRUE(TimeIsUp(limits));
 }
 
-// The deadline is a whole clock: what a first move may take twice is not.
+// The deadline comes from the clock: doubling the allotted time does not move it.
 TEST_F(Clock, DoublingTheAllotmentLeavesTheDeadline) {
-  timeControl = {5000, 100};
-  engineConfig.FixedTimePerMove = 80;
-  DoubleAllottedTime(engineConfig);
-  EXPECT_EQ(timeControl.deadline, 100);
+  timeControl.startTime = 5000;
+  limits.deadline = 100;
+  limits.milliseconds = 80;
+  DoubleAllottedTime(limits);
+  EXPECT_EQ(limits.deadline, 100);
   fakeTicks = 5100;
-  EXPECT_TRUE(TimeIsUp(engineConfig));
-  timeControl = TimeControl{};
+  EXPECT_TRUE(TimeIsUp(limits));
 }
 
 TEST_F(Clock, APonderHitTurnsTheSearchIntoATimedOne) {
   fakeTicks = 7777;
-  searchFlags.pondering = 1;
-  engineConfig.InfiniteThinkingTime = 1;
+  searchFlags.pondering = true;
+  limits.infinite = true;
   ponderStats = PonderStats{2, 1};
   testing::internal::CaptureStdout();
-  PonderHit(engineConfig, 0, 60000, 0);
+  PonderHit(limits, 0, 60000, 0);
   EXPECT_EQ(testing::internal::GetCapturedStdout(),
             "PONDER HIT. CONTINUING\n"
             "Allowing 2400 ms for move (0, 60000, 0)\n"
             "Ponder hits = 3, misses = 1, percenthits = 75.0%\n");
-  EXPECT_EQ(engineConfig.InfiniteThinkingTime, 0);
-  EXPECT_EQ(searchFlags.pondering, 0);
+  EXPECT_FALSE(limits.infinite);
+  EXPECT_FALSE(searchFlags.pondering);
   EXPECT_EQ(timeControl.startTime, 7777U);
-  EXPECT_EQ(engineConfig.FixedTimePerMove, 2400);
+  EXPECT_EQ(limits.milliseconds, 2400);
   searchFlags = SearchFlags{};
   ponderStats = PonderStats{};
+}
+
+TEST(TimeLimits, AreStoredInTheSettingsAndReadFromThem) {
+  EngineConfig config;
+  StoreTimeLimits(config, {.depth = 3, .milliseconds = 700, .infinite = true});
+  EXPECT_EQ(config.FixedTimePerMove, 700);
+  EXPECT_EQ(config.InfiniteThinkingTime, 1);
+  EXPECT_EQ(config.DepthSearch, 40);
+  const SearchLimits limits = LimitsOf(config);
+  EXPECT_EQ(limits.depth, 40);
+  EXPECT_EQ(limits.milliseconds, 700);
+  EXPECT_TRUE(limits.infinite);
+  StoreTimeLimits(config, {});
+  EXPECT_EQ(config.FixedTimePerMove, noFixedTime);
+  EXPECT_EQ(config.InfiniteThinkingTime, 0);
 }
 
 TEST(PonderStatistics, NothingCountedReadsAsZero) {

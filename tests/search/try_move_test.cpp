@@ -8,7 +8,7 @@
 namespace mirvo {
 namespace {
 
-// The answer equals that of making the move, whether CheckInfo knew it or not.
+// The result equals that of making the move, whether CheckInfo knows it or not.
 TEST(TryMove, TellsLegalityAndCheckInRandomGames) {
   int nUnknown = 0;
   test::PlayRandomGames(16, 24, 120, [&nUnknown](Board& board) {

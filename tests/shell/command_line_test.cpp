@@ -24,8 +24,8 @@ using testing::internal::GetCapturedStdout;
 
 using Words = std::initializer_list<const char*>;
 
-/// The settings after a command line of the program's name and `words`. The
-/// vector has no terminator: reading past the count is caught by sanitizers.
+/// The settings after a command line of the program's name and `words`. The vector
+/// has no terminator, so sanitizers catch a read past the end.
 std::unique_ptr<EngineConfig> Parse(Words words) {
   auto config = std::make_unique<EngineConfig>();
   std::vector<const char*> arguments{"mirvo"};
@@ -89,14 +89,14 @@ TEST(CommandLine, TakesAMissingTextForAnEmptyWord) {
   const char* const words[] = {"mirvo", nullptr, "-usebook", nullptr, "-quiet"};
   ParseCommandLine(*config, 5, words);
   EXPECT_STREQ(config->CmdLineBookName, "");
-  EXPECT_EQ(config->Quiet, 1);
+  EXPECT_TRUE(config->Quiet);
 }
 
 TEST(CommandLine, ExaminesTheProgramsNameToo) {
   auto config = std::make_unique<EngineConfig>();
   const char* const words[] = {"-quiet"};
   ParseCommandLine(*config, 1, words);
-  EXPECT_EQ(config->Quiet, 1);
+  EXPECT_TRUE(config->Quiet);
 }
 
 TEST(CommandLine, SkipsUnknownWords) {
@@ -137,13 +137,13 @@ TEST(CommandLine, PerftTakesThreeWordsAsPosition) {
   EXPECT_EQ(config->PerftDepth, 2);
   ExpectTestPosition(config->CommandLineBoard, black);
   EXPECT_TRUE(HasNoCastlingRight(config->CommandLineBoard));
-  EXPECT_EQ(config->Quiet, 1);
+  EXPECT_TRUE(config->Quiet);
 }
 
 TEST(CommandLine, PerftTakesAnotherOptionForThePosition) {
   const auto config = Parse({"-perft", "2", "-quiet"});
   EXPECT_EQ(config->PerftDepth, 2);
-  EXPECT_EQ(config->Quiet, 0);
+  EXPECT_FALSE(config->Quiet);
   EXPECT_FALSE(IsInitialPosition(config->CommandLineBoard));
 }
 
@@ -186,14 +186,14 @@ TEST(CommandLine, TestLoadsAPosition) {
   const auto config = Parse({"-test", placement, "b", "-", "-quiet"});
   EXPECT_EQ(config->RunMode, RunModeCode::test);
   ExpectTestPosition(config->CommandLineBoard, black);
-  EXPECT_EQ(config->Quiet, 1);
+  EXPECT_TRUE(config->Quiet);
 }
 
 TEST(CommandLine, TestAsLastWordKeepsTheBoard) {
   const auto config = Parse({"-quiet", "-test"});
   EXPECT_EQ(config->RunMode, RunModeCode::test);
   EXPECT_TRUE(IsInitialPosition(config->CommandLineBoard));
-  EXPECT_EQ(config->Quiet, 1);
+  EXPECT_TRUE(config->Quiet);
 }
 
 TEST(CommandLine, AnalyzeTakesTheWholeFile) {
@@ -210,7 +210,7 @@ TEST(CommandLine, AnalyzeTakesFirstAndCount) {
   const auto config = Parse({"-analyze", "suite.epd", "3", "7", "-quiet"});
   EXPECT_EQ(config->AnalyzeFirst, 3);
   EXPECT_EQ(config->AnalyzeCount, 7);
-  EXPECT_EQ(config->Quiet, 1);
+  EXPECT_TRUE(config->Quiet);
 }
 
 TEST(CommandLine, AnalyzeForgetsAnEarlierRange) {
@@ -225,7 +225,7 @@ TEST(CommandLine, AnalyzeTakesWhateverFollowsTheFile) {
   EXPECT_EQ(config->AnalyzeFirst, 0);
   EXPECT_EQ(config->AnalyzeCount, 6);
   EXPECT_EQ(config->DepthSearch, 40);
-  EXPECT_EQ(config->Quiet, 1);
+  EXPECT_TRUE(config->Quiet);
 }
 
 TEST(CommandLine, AnalyzeWithoutCountAnalysesNothing) {
@@ -246,7 +246,7 @@ TEST(CommandLine, FileNamesAreCutAtTheirWidth) {
     const auto config = Parse({"-usebook", name.c_str(), "-quiet", "-analyze", name.c_str()});
     EXPECT_EQ(config->AnalyzeFile, name.substr(0, 127)) << length;
     EXPECT_EQ(config->CmdLineBookName, name.substr(0, 63)) << length;
-    EXPECT_EQ(config->Quiet, 1) << length;
+    EXPECT_TRUE(config->Quiet) << length;
   }
 }
 
@@ -260,7 +260,7 @@ TEST(CommandLine, EvalLoadsAPosition) {
   const auto config = Parse({"-eval", placement, "w", "-", "-quiet"});
   EXPECT_EQ(config->RunMode, RunModeCode::eval);
   ExpectTestPosition(config->CommandLineBoard, white);
-  EXPECT_EQ(config->Quiet, 1);
+  EXPECT_TRUE(config->Quiet);
 }
 
 TEST(CommandLine, UseBookIsOnlyRemembered) {
@@ -270,7 +270,7 @@ TEST(CommandLine, UseBookIsOnlyRemembered) {
   EXPECT_STREQ(config->BookName, "book.bk");
   EXPECT_EQ(config->UseOpeningBook, 1);
   EXPECT_EQ(config->RunMode, RunModeCode::engine);
-  EXPECT_EQ(config->ToolRunOnly, 0);
+  EXPECT_FALSE(config->ToolRunOnly);
 }
 
 TEST(CommandLine, TimeOfZeroIsInfinite) {
@@ -327,7 +327,6 @@ class BookTools : public testing::Test {
     CreateOpeningBook(openingBook);
   }
   static void TearDownTestSuite() { DestroyOpeningBook(openingBook); }
-  ~BookTools() override { engineConfig.UseOpeningBook = 1; }
 
   std::string Run(Words words) {
     CaptureStdout();
@@ -347,9 +346,9 @@ TEST_F(BookTools, CreateBookBuildsAndWrites) {
   const std::string text = Run({"-createbook", "games.pgn", "20", "1", "new.bk", "-quiet"});
   EXPECT_NE(text.find("done. (Number games: 1)\n"), std::string::npos) << text;
   EXPECT_NE(text.find("done. (Valid lines 2)\n"), std::string::npos) << text;
-  EXPECT_EQ(config->ToolRunOnly, 1);
+  EXPECT_TRUE(config->ToolRunOnly);
   EXPECT_EQ(config->RunMode, RunModeCode::createBook);
-  EXPECT_EQ(config->Quiet, 1);
+  EXPECT_TRUE(config->Quiet);
   EXPECT_EQ(openingBook.maxPlies, 20);
   EXPECT_EQ(openingBook.minHits, 1);
   EXPECT_EQ(std::filesystem::file_size("new.bk"), 32U);
@@ -367,13 +366,13 @@ TEST_F(BookTools, StatisticsAndMovesOfABook) {
   WriteFile("games.pgn", drawnGame);
   Run({"-createbook", "games.pgn", "20", "1", "new.bk"});
   EXPECT_EQ(Run({"-bookstats", "new.bk"}), "\nNumber positions: 2\nNumber moves: 2\n");
-  EXPECT_EQ(config->ToolRunOnly, 1);
+  EXPECT_TRUE(config->ToolRunOnly);
   EXPECT_EQ(config->RunMode, RunModeCode::engine);
   EXPECT_EQ(Run({"-listmoves", "new.bk", "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR", "w", "KQkq",
                  "-quiet"}),
             "\n e2e4 100.00% (65535)\n");
-  EXPECT_EQ(config->ToolRunOnly, 1);
-  EXPECT_EQ(config->Quiet, 1);
+  EXPECT_TRUE(config->ToolRunOnly);
+  EXPECT_TRUE(config->Quiet);
 }
 
 TEST_F(BookTools, MergeBooksJoinsTwoFiles) {
@@ -381,8 +380,8 @@ TEST_F(BookTools, MergeBooksJoinsTwoFiles) {
   Run({"-createbook", "games.pgn", "20", "1", "new.bk"});
   const std::string text = Run({"-mergebooks", "new.bk", "new.bk", "joined.bk", "-quiet"});
   EXPECT_NE(text.find("* Saving.............done. (Valid lines 2)\n"), std::string::npos) << text;
-  EXPECT_EQ(config->ToolRunOnly, 1);
-  EXPECT_EQ(config->Quiet, 1);
+  EXPECT_TRUE(config->ToolRunOnly);
+  EXPECT_TRUE(config->Quiet);
   EXPECT_TRUE(std::filesystem::exists("joined.bk"));
 }
 
@@ -394,7 +393,7 @@ TEST_F(BookTools, SurviveMissingWords) {
         Words{"-listmoves", "a", placement}, Words{"-listmoves", "a", placement, "w"},
         Words{"-bookstats"}}) {
     Run(words);
-    EXPECT_EQ(config->ToolRunOnly, 1);
+    EXPECT_TRUE(config->ToolRunOnly);
   }
 }
 

@@ -39,8 +39,8 @@ class RunModes : public testing::Test {
     }
   }
   // The evaluation reads the mode from the global settings.
-  RunModes() : config(engineConfig) { config = EngineConfig(); }
-  ~RunModes() override { config = EngineConfig(); }
+  RunModes() : config(engineConfig) { std::construct_at(&config); }
+  ~RunModes() override { std::construct_at(&config); }
 
   /// Runs the mode; returns what was printed. Every mode but the engine's
   /// ends with status 0.
@@ -64,7 +64,7 @@ class EngineBook : public RunModes {
  protected:
   EngineBook() {
     CreateOpeningBook(openingBook);
-    searchFlags.BookInUse = 1;
+    searchFlags.BookInUse = true;
     std::FILE* const file = std::fopen("small.bk", "wb");
     std::fwrite(smallBook, 1, sizeof smallBook, file);
     std::fclose(file);
@@ -85,14 +85,15 @@ class EngineBook : public RunModes {
 TEST_F(EngineBook, IsLoadedByItsName) {
   Load("small.bk");
   EXPECT_EQ(openingBook.count, 1);
-  EXPECT_EQ(searchFlags.BookInUse, 1);
+  EXPECT_TRUE(searchFlags.BookInUse);
   EXPECT_EQ(config.UseOpeningBook, 1);
 }
 
-// Leaving the book doubles a move's time, so a game without one never is in it.
+// Leaving the book doubles a move's time, so a game without a book must not start
+// in it.
 TEST_F(EngineBook, IsSwitchedOffSilentlyWhenItsFileIsMissing) {
   EXPECT_EQ(Load("missing.bk"), "");
-  EXPECT_EQ(searchFlags.BookInUse, 0);
+  EXPECT_FALSE(searchFlags.BookInUse);
   EXPECT_EQ(config.UseOpeningBook, 0);
 }
 
@@ -110,7 +111,7 @@ TEST_F(EngineBook, IsLoadedForAnySettingButZero) {
 }
 
 TEST_F(RunModes, NothingRunsAfterATool) {
-  config.ToolRunOnly = 1;
+  config.ToolRunOnly = true;
   for (const RunModeCode mode :
        {RunModeCode::engine, RunModeCode::analyze, RunModeCode::perft, RunModeCode::eval}) {
     config.RunMode = mode;
@@ -127,22 +128,22 @@ TEST_F(RunModes, TestAndUnknownModesDoNothing) {
 
 TEST_F(RunModes, AMissingBookIsNotInUse) {
   std::snprintf(config.BookName, sizeof(config.BookName), "missing.bk");
-  searchFlags.BookInUse = 1;
+  searchFlags.BookInUse = true;
   CaptureStdout();
   LoadEngineBook(config);
   GetCapturedStdout();
-  EXPECT_EQ(searchFlags.BookInUse, 0);
+  EXPECT_FALSE(searchFlags.BookInUse);
 }
 
 TEST_F(RunModes, ABookThatIsThereStaysInUse) {
   WriteFile("own.bk", std::string("\x46\x3B\x96\x18\x16\x91\xFC\x9C\x03\x1C\x00\x01\0\0\0\0", 16));
   std::snprintf(config.BookName, sizeof(config.BookName), "own.bk");
   ASSERT_TRUE(CreateOpeningBook(openingBook));
-  searchFlags.BookInUse = 1;
+  searchFlags.BookInUse = true;
   CaptureStdout();
   LoadEngineBook(config);
   GetCapturedStdout();
-  EXPECT_EQ(searchFlags.BookInUse, 1);
+  EXPECT_TRUE(searchFlags.BookInUse);
   EXPECT_EQ(openingBook.count, 1);
   DestroyOpeningBook(openingBook);
 }
@@ -150,7 +151,7 @@ TEST_F(RunModes, ABookThatIsThereStaysInUse) {
 TEST_F(RunModes, NoBookIsReadWhenTheSettingsWantNone) {
   config.UseOpeningBook = 0;
   std::snprintf(config.BookName, sizeof(config.BookName), "missing.bk");
-  searchFlags.BookInUse = 0;
+  searchFlags.BookInUse = false;
   CaptureStdout();
   LoadEngineBook(config);
   EXPECT_EQ(GetCapturedStdout(), "");
@@ -205,7 +206,7 @@ TEST_F(RunModes, PerftOfAMatedSideCountsNothing) {
 TEST_F(RunModes, QuietPerftPrintsNoBoard) {
   config.RunMode = RunModeCode::perft;
   config.PerftDepth = 1;
-  config.Quiet = 1;
+  config.Quiet = true;
   const std::string text = RunMode();
   const std::string header = "Performing -perft 1\nTime = ";
   EXPECT_EQ(text.substr(0, header.size()), header);
@@ -225,7 +226,7 @@ TEST_F(RunModes, EvalTakesTheViewOfTheSideToMove) {
   // A rook up is good for White and as bad for Black.
   for (const char* const side : {"w", "b"}) {
     config.RunMode = RunModeCode::eval;
-    config.Quiet = 1;
+    config.Quiet = true;
     BeginFromFen("4k3/pppp4/8/8/8/8/PPPP4/R3K3", side, "-", config.CommandLineBoard);
     const std::string text = RunMode();
     const std::string label = "Full eval: ";

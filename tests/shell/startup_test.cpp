@@ -33,13 +33,13 @@ std::uint32_t fakeTicks = 0;
 
 std::uint32_t FakeTickCount() { return fakeTicks; }
 
-/// Start-up works on the globals; each test begins with fresh settings.
+/// Start-up writes the globals; each test begins with default settings.
 class StartUpTest : public testing::Test {
  protected:
   StartUpTest() {
     fakeTicks = 0;
     SetTickSource(FakeTickCount);
-    engineConfig = EngineConfig();
+    std::construct_at(&engineConfig);
   }
   ~StartUpTest() override {
     SetTickSource(nullptr);

@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <initializer_list>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -31,7 +32,7 @@ std::string ReadWaiting(int pipeEnd) {
   return text;
 }
 
-/// Gives back the memory that start-up takes.
+/// Releases the memory that start-up allocates.
 void ReleaseStarted() {
   DestroyOpeningBook(openingBook);
   for (HashTable* const table : {&EvalHashTable, &PawnHashTable, &TranspositionTable}) {
@@ -48,7 +49,7 @@ TEST(StartUpStreams, LetNoTextWaitInABuffer) {
   dup2(ends[1], STDOUT_FILENO);
   const char* const words[] = {"mirvo", "-test"};
   StartUp(2, words);
-  // Written past the print routine and not flushed.
+  // Written without the print routine and not flushed.
   std::fputs("at once", stdout);
   const std::string text = ReadWaiting(ends[0]);
   dup2(before, STDOUT_FILENO);
@@ -59,7 +60,7 @@ TEST(StartUpStreams, LetNoTextWaitInABuffer) {
   ReleaseStarted();
 }
 
-// What the start with these words leaves a closed pipe to do.
+// The action of SIGPIPE after a start with these options.
 void (*ActionAfterStart(std::initializer_list<const char*> options))(int) {
   const TemporaryFolder folder;
   void (*const before)(int) = signal(SIGPIPE, SIG_DFL);
@@ -69,7 +70,7 @@ void (*ActionAfterStart(std::initializer_list<const char*> options))(int) {
   StartUp(static_cast<int>(words.size()), words.data());
   testing::internal::GetCapturedStdout();
   ReleaseStarted();
-  engineConfig = EngineConfig();
+  std::construct_at(&engineConfig);
   return signal(SIGPIPE, before);
 }
 
@@ -85,7 +86,7 @@ TEST(StartUpStreams, AClosedPipeEndsATask) {
   }
 }
 
-// Each in a process of its own, which loses its streams.
+// Each in a separate process, which loses its streams.
 TEST(StandardStreams, MissingOnesAreOccupied) {
   for (const int missing : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     EXPECT_EXIT(

@@ -1,4 +1,4 @@
-// A fresh folder that is the working directory while the object lives.
+// A new folder that is the working directory during the object's lifetime.
 #pragma once
 
 #include <cstdio>

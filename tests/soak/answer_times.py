@@ -9,9 +9,9 @@ promise; the status is 1 when one of them does not hold.
 
     answer_times.py build/release/shell/mirvo
 
-"wall" is the time that an interface sees. "own" leaves out the time in which
-the engine was ready to run and the system gave the processors to others, as the
-system counts it. With --judge own a busy machine cannot break a promise.
+"wall" is the time that an interface sees. "own" leaves out the time in which the
+engine was ready to run but waited for a processor, as counted by the system. With
+--judge own a busy machine cannot break a promise.
 """
 
 import argparse
@@ -31,7 +31,7 @@ from uci_engine import EngineFault, UciEngine
 
 LIMIT = 20  # seconds after which an answer is missing
 
-# Positions whose search no mate and no last depth ends.
+# Positions whose search ends neither with a mate nor at the last depth.
 SEARCHED = POSITIONS[:7] + [fen for fen in POSITIONS if fen.startswith(("2r3k1", "R6R"))]
 
 # What the engine is told before its input ends, and the answer to wait for.
@@ -49,7 +49,7 @@ class Measuring:
         self.random = random.Random(options.seed)
         self.engine = TimedEngine("engine", options.engine)
         self.engine.start([])
-        # The first search of a game has twice its time: have it done.
+        # The first search of a game gets twice its time, so do it before.
         self.search("go wtime 10 btime 10 movestogo 1")
         self.answer("bestmove", Turn(self.engine))
 
@@ -66,7 +66,7 @@ class Measuring:
         return turn
 
     def ask(self, line, word):
-        """Sends a line after a moment of searching: the times of its answer."""
+        """Sends a line after a moment of searching; returns the times of its answer."""
         time.sleep(self.random.uniform(0, 0.04))
         turn = Turn(self.engine, rests=line == "stop")
         self.engine.send(line)
@@ -121,19 +121,19 @@ class Measuring:
 
 
 def processor_share(options, lines, answer):
-    """Per cent of a processor that an engine takes whose input has ended."""
+    """Per cent of a processor that an engine uses after the end of its input."""
     engine = UciEngine("idle engine", options.engine)
     try:
         for line in lines:
             engine.send(line)
         if answer:
             engine.wait_for(answer, LIMIT)
-        engine.process.stdin.close()
+        engine.close_input()
         time.sleep(1)  # for what it was doing to end
-        pid, start = engine.process.pid, time.monotonic()
+        pid, start = engine.pid, time.monotonic()
         before = processor_time(pid)
         time.sleep(options.idle_time)
-        if engine.process.poll() is not None:
+        if engine.poll() is not None:
             raise EngineFault("the process ends when its input does")
         return (processor_time(pid) - before) / (10 * (time.monotonic() - start))
     finally:

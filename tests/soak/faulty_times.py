@@ -1,4 +1,4 @@
-"""A UCI engine that breaks one of its promises about time: what the measuring
+"""A UCI engine that breaks one of its promises about time, which answer_times.py
 must notice.
 
 Usage: faulty_times.py FAULT   ("stop", "ready", "clock", "hit", "idle", "end",

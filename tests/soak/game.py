@@ -9,7 +9,7 @@ from time_control import Clock, go_words
 
 @dataclasses.dataclass(frozen=True)
 class TurnClocks:
-    """Both clocks as the side to move is told them, in milliseconds."""
+    """Both clocks as sent to the side to move, in milliseconds."""
 
     own: float
     other: float

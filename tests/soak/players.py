@@ -1,8 +1,8 @@
-"""The two kinds of players of a soak: an engine under UCI and one under XBoard,
-told the same things in their protocol's words.
+"""The two kinds of players in a soak: an engine under UCI and one under XBoard, with
+the same interface.
 
-A player notices what its own engine does wrong and raises `Fault` with the kind
-of fault. It is kept for many games; `begin` starts one, `finish` ends it.
+A player notices the faults of its engine and raises `Fault` with the kind of fault.
+It plays many games; `begin` starts one, `finish` ends it.
 """
 
 import re
@@ -29,7 +29,7 @@ class Fault(Exception):
 
 
 class Unjudged(Exception):
-    """The engine went on with another promotion piece than was played."""
+    """The engine continued with another promotion piece than was played."""
 
 
 class Player:
@@ -44,7 +44,7 @@ class Player:
         raise Fault(kind, f"{self.engine.name}: {text}")
 
     def guard(self, action, *arguments):
-        """Runs a step of the engine's pipe and names what went wrong there."""
+        """Does one read or write of the engine's pipe and names what went wrong."""
         try:
             return action(*arguments)
         except EngineFault as fault:
@@ -63,7 +63,7 @@ class Player:
         return got
 
     def read_waiting(self):
-        """Lines that came before anything was asked."""
+        """Handles lines that came before anything was asked."""
         while True:
             got = self.guard(self.engine.read, time.monotonic())
             if got is None:
@@ -93,7 +93,7 @@ class Player:
         return move
 
     def quit(self):
-        """Ends the engine, which must have nothing left to say."""
+        """Ends the engine, which must print nothing more."""
         self.settle()
         self.guard(self.engine.quit)
 
@@ -117,8 +117,8 @@ class UciPlayer(Player):
         self.position = None
 
     def skipped(self, line):
-        """A reported variation must be playable. While pondering it begins with
-        the expected reply in brackets, which the position has already."""
+        """A reported variation must be playable. While pondering it begins with the
+        expected reply in brackets, which is already on the board."""
         words = line.split()
         if words[:1] != ["info"] or "pv" not in words or self.position is None:
             return
@@ -162,7 +162,7 @@ class UciPlayer(Player):
         return words[1], turn
 
     def after(self, game, clocks):
-        """Its move is on the board of the game, which goes on."""
+        """Called when its move is on the board and the game continues."""
         if self.wanted:
             self.expected = self.wanted
             self.send(self.lines(game, [self.expected]))
@@ -185,7 +185,7 @@ class UciPlayer(Player):
 
 
 class XBoardPlayer(Player):
-    """Ponders by itself once it was told "hard"."""
+    """Ponders by itself after "hard"."""
 
     PROTOCOL = "XBoard"
     REPLY = "move "
@@ -197,7 +197,7 @@ class XBoardPlayer(Player):
         self.guard(self.engine.wait_for, "feature", LONG)
 
     def settle(self):
-        """Reads up to a sign that everything older is past."""
+        """Reads up to a line that shows that older output is past."""
         self.after_own = None
         for line in ("force", "new", "force", "a2a3"):
             self.send(line)

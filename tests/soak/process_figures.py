@@ -1,5 +1,5 @@
-"""What the system knows of a process: memory, open files, and how long it was
-kept waiting for a processor."""
+"""Figures of a process from the system: memory, open files, and how long it waited
+for a processor."""
 
 import os
 

@@ -1,22 +1,22 @@
 """Plays many quick games between two Mirvo processes and counts every fault.
 
 Four pairs of processes take turns: UCI and XBoard, with and without a book. Each
-pair is kept for all its games, so that memory or files lost in a game add up.
+pair plays all its games, so that leaked memory or files add up.
 Pondering, clocks, openings and positions change from game to game, the same way
 for the same --seed. The last line is the summary; the status is 0 when every
 count in it is 0.
 
     soak.py build/release/shell/mirvo --book build/release/data/book.bk --games 500
 
-The clock of a player runs while its engine runs or sleeps, and stands while the
-engine is ready to run but the system gives the processors to others (as the
-system itself counts it). An engine that is past its clock by more than --margin
-forfeits. "late" counts moves past their clock and margin by the wall's clock
-alone: the machine's delays, not the engine's; they are no fault.
+The clock of a player runs while its engine runs or sleeps, and stops while the
+engine is ready to run but waits for a processor (as counted by the system). An
+engine that exceeds its clock by more than --margin forfeits. "late" counts moves
+that exceed clock and margin only in real time: delays of the machine, not of the
+engine, and no fault.
 
-The engines' settings have MoveOverhead=50, as everyone's should in a match. Without
-it (--overhead 0) they overdraw their clocks by choice: the last move before a time
-control may take all that is left, and a short clock with an increment even more.
+The engines' settings have MoveOverhead=50, as every match should. Without it
+(--overhead 0) they exceed their clocks by their own rules: the last move before a
+time control may use all the time left, and a short clock with an increment more.
 """
 
 import argparse
@@ -42,14 +42,14 @@ CLOCKS = "1000+10,1000+0,500+5,300+0,200+2,100+1,50+5,10/500+0,20/1000+50,300+30
 PONDERS = {"turns": [False, True], "on": [True], "off": [False]}  # of four games each
 KINDS = {"uci": [UciPlayer], "xboard": [XBoardPlayer], "both": [UciPlayer, XBoardPlayer]}
 
-# Small tables are full after a few games; what grows then is lost memory.
+# Small tables are full after a few games; later growth is a leak.
 SETTINGS = "TTHashSize=2 PawnHashSize=1 EvalHashSize=2 LoggingMode=1"
 
 FAULTS = ["illegal", "forfeits", "crashes", "hangs", "stray", "memory", "exits"]
 
 
 class Pair:
-    """Two processes of one kind, and how their memory stood after warming up."""
+    """Two processes of one kind, and their memory after warming up."""
 
     def __init__(self, kind, command, settings):
         self.kind, self.command, self.settings = kind, command, settings
@@ -63,7 +63,7 @@ class Pair:
                 self.players.append(self.kind(name, self.command, self.settings))
 
     def sizes(self):
-        pids = [player.engine.process.pid for player in self.players]
+        pids = [player.engine.pid for player in self.players]
         return [(status_kilobytes(pid), open_files(pid)) for pid in pids]
 
     def growth(self):

@@ -29,8 +29,8 @@ def command(name, *arguments):
 
 
 def run(engine, *arguments):
-    """A short soak; its status and text. Only the fault may be found, be the
-    machine as busy as it likes: hence the margin."""
+    """A short soak; its status and text. The margin is wide, so that only the fault
+    is found even on a busy machine."""
     text = io.StringIO()
     with contextlib.redirect_stdout(text):
         status = soak.main([engine, "--plies", "14", "--games", "2", "--warm-up", "1",

@@ -1,8 +1,7 @@
-"""An engine whose answers are timed, and how much of a time was the machine's.
+"""An engine whose answers are timed, with the machine's share of each time.
 
-A process that is ready to run may have to wait while others have the
-processors. The system counts that time for every thread, so that it can be told
-from the engine's own time.
+A process that is ready to run may have to wait for a processor. The system counts
+that time for every thread, so that it can be separated from the engine's own time.
 """
 
 import re
@@ -18,34 +17,27 @@ ANSWER = ("bestmove", "readyok", "move ")
 
 
 class TimedEngine(UciEngine):
-    """Notes with every answer how long the engine and the thread that reads
-    the answer had been kept waiting until then."""
+    """Notes with every answer how long the engine and the thread that reads the
+    answer have waited for a processor."""
 
     def __init__(self, name, command, settings=None):
         self.waits = {}  # arrival of an answer -> what `waits_now` was
-        self.reading = None  # the reader's thread
         super().__init__(name, command, settings)
 
-    def _read(self):
-        self.reading = threading.get_native_id()
-        for line in self.process.stdout:
-            arrival = time.monotonic()
-            if line.startswith(ANSWER):
-                self.waits[arrival] = self.waits_now()
-            self.lines.put((arrival, line.rstrip("\r\n")))
-        self.lines.put((time.monotonic(), None))
+    def arrived(self, line):
+        if line.text.startswith(ANSWER):
+            self.waits[line.arrival] = self.waits_now(threading.get_native_id())
 
-    def waits_now(self):
+    def waits_now(self, reader=None):
         """Milliseconds that the engine and the reader have waited so far."""
-        return waited(self.process.pid), waited("self", self.reading)
+        return waited(self.pid), waited("self", reader or self.reader.native_id)
 
 
 class Turn:
-    """Times of one answer, in milliseconds. `wall` is what an interface sees;
-    `own` leaves out the waiting of the engine and then of the reader. An engine
-    that does not rest after its answer may wait at the same time as the reader:
-    then only the longer of both counts, never more than both waited together. A
-    wait that is under way when the turn begins counts whole, for want of better."""
+    """Times of one answer, in milliseconds. `wall` is what an interface sees; `own`
+    leaves out the waiting of the engine and then of the reader. An engine that does
+    not rest after its answer may wait at the same time as the reader; then only the
+    longer wait is left out. A wait already begun when the turn starts counts whole."""
 
     def __init__(self, engine, rests=True):
         self.engine, self.rests = engine, rests

@@ -3,15 +3,15 @@ and compares them with the stored figures.
 
 Usage: check_instructions.py WORKLOAD STORED_FILE --compiler VERSION [--store]
 
-Exit status 1 when a figure has grown by more than 3 %, 77 (skipped) when there
-is nothing to compare: no valgrind, or another compiler than the stored one.
---store writes this build's figures instead; do so in the commit that means to
-change them. A figure that has fallen by more than 3 % is no failure, but the
-guard then asks for it to be stored, since growth counts from what is stored.
+Exit status 1 if a figure has grown by more than 3 %, 77 (skipped) if there is
+nothing to compare: no valgrind, or another compiler than the stored one. --store
+writes this build's figures instead; use it in the commit that changes them on
+purpose. A figure that has fallen by more than 3 % is no failure, but the script
+asks for it to be stored, since growth counts from the stored figure.
 
-Only RunPerft and Think are counted, not the start of the program. The counts
-are the same on every processor but for copies of memory, whose code the system
-library chooses: about one instruction in 700 of a search.
+Only RunPerft and Think are counted, not the start of the program. The counts are
+the same on every processor, except for memory copies, whose code the C library
+chooses: about one instruction in 700 of a search.
 """
 
 import argparse

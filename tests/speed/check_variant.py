@@ -1,5 +1,5 @@
-"""Checks that another build of the program says exactly what this one says:
-searches of the signature positions (moves, scores, nodes, use of the caches),
+"""Checks that another build of the program prints exactly the same as this one:
+searches of the signature positions (moves, scores, nodes, usage of the caches),
 their evaluation reports, perft. Times and speeds are left out.
 
 Usage: check_variant.py SIGNATURE_FILE PROGRAM OTHER_PROGRAM
@@ -13,8 +13,8 @@ import tempfile
 
 PERFT_POSITION = ["r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R", "w", "KQkq"]
 
-# What differs from run to run: elapsed time, thousands of nodes a second,
-# progress that is shown from time to time.
+# What differs between runs: elapsed time, thousands of nodes per second, progress
+# lines.
 VARYING = [
     (re.compile(r"^Pondering:.*\n", re.MULTILINE), ""),
     (re.compile(r"^( ?\d+) [\d:.]+ ", re.MULTILINE), r"\1 # "),

@@ -1,5 +1,5 @@
-"""Tests of the measuring scripts with made-up figures: what they read from the
-engines' lines, and their statistics. Nothing is timed.
+"""Tests of the measuring scripts with made-up figures: how they read the engines'
+lines, and their statistics. Nothing is timed.
 
 Usage: test_bench_scripts.py BENCH_FOLDER   (unittest; run by CTest)
 """
@@ -27,7 +27,7 @@ def printed(function, *arguments):
 
 
 class FakeEngine:
-    """Answers a search with the lines it is made of; each takes a second."""
+    """Answers a search with the lines it is given; each takes a second."""
 
     def __init__(self, lines):
         self.text, self.sent, self.clock = lines, [], 0.0

@@ -1,5 +1,5 @@
-// A fixed piece of work for the instruction counter: perft of the initial
-// position, or the searches of some signature positions. Prints the nodes.
+// A fixed workload for counting instructions: perft of the initial position, or
+// searches of some signature positions. Prints the nodes.
 //   mirvo_workload perft DEPTH        (1 to 10)
 //   mirvo_workload search NAME...     (names of tests/data/signature.txt)
 #include <charconv>
@@ -18,8 +18,8 @@
 namespace mirvo::test {
 namespace {
 
-/// Every legal move counts, at the leaves and above them; 0 when the text is no
-/// depth of perft's.
+/// Counts every legal move, at the leaves and above them; 0 if the text is not a
+/// valid depth.
 std::uint64_t CountPerftNodes(const char* depthText) {
   int depth = 0;
   const char* const end = depthText + std::strlen(depthText);
@@ -33,8 +33,8 @@ std::uint64_t CountPerftNodes(const char* depthText) {
   return std::accumulate(PerftCounts, PerftCounts + PerftTargetDepth, std::uint64_t{0});
 }
 
-/// Nodes of the named positions' searches; 0 when a name is unknown or a
-/// search takes other nodes than the stored ones, for then nothing compares.
+/// Nodes of the searches of the named positions; 0 if a name is unknown or a search
+/// takes other nodes than the stored ones, because counts would not compare.
 std::uint64_t CountSearchNodes(int nNames, char** names) {
   const Signature signature = ReadSignature(SignatureFile());
   std::uint64_t total = 0;

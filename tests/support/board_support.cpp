@@ -25,8 +25,8 @@ std::vector<Move> ListOf(const BBMoveGenerator2& generator) {
   return {generator.moves, generator.moves + generator.count};
 }
 
-// Index of a square when the board is read line by line: `line` numbers the
-// lines, `place` orders the squares of one. Counts how many squares come first.
+// Index of a square in an ordering by line: `line` numbers the lines, `place`
+// orders the squares of a line. Counts the squares that come before.
 template <typename LineOf, typename PlaceOf>
 int ReadingIndex(int square, LineOf line, PlaceOf place) {
   int index = 0;
@@ -100,7 +100,7 @@ int HighestKing(const Board& board, int side) {
   return -1;
 }
 
-// Spreads successive states over all 64 bits.
+// Added to the state for each number.
 constexpr std::uint64_t randomStep = 0x9E3779B97F4A7C15ULL;
 
 const std::vector<std::string>& GameStarts() {

@@ -1,5 +1,5 @@
-// What tests of the board layer share: positions from text, move lists as text,
-// the invariants every board keeps, and copies of a board for comparison.
+// Helpers for tests of the board layer: positions from text, move lists as text,
+// the invariants of every board, and copies of a board for comparison.
 #pragma once
 
 #include <cstdint>
@@ -19,8 +19,8 @@ inline constexpr char kiwipeteFen[] =
 void PrepareTables();
 
 /// Sets `board` up from the first three FEN fields. A fourth field that names
-/// a square is put into the en-passant fields, for the side not to move. Also
-/// takes "startpos" and "startpos moves e2e4 ...".
+/// a square sets the en-passant fields, for the side not to move. Also accepts
+/// "startpos" and "startpos moves e2e4 ...".
 void SetPosition(Board& board, const std::string& fen);
 Board BoardFrom(const std::string& fen);
 
@@ -38,7 +38,7 @@ std::vector<Move> AllMoves(Board& board);
 std::vector<Move> Captures(Board& board);
 std::vector<Move> NonCaptures(Board& board);
 
-/// Those of AllMoves that do not leave the own king attacked.
+/// The moves of AllMoves that do not leave the mover's king attacked.
 std::vector<Move> LegalMoves(Board& board);
 
 /// Coordinate texts in list order, blank-separated.
@@ -64,8 +64,8 @@ std::string PlacementOf(const Board& board);
 /// Whether two boards agree in every field, unused undo records aside.
 bool SameFields(const Board& a, const Board& b);
 
-/// Bytes of a board and of the key history up to its index, to compare the
-/// same board with later (padding bytes of another board may differ).
+/// The bytes of a board and its key history, to compare the same board with later
+/// (padding bytes of another board may differ).
 class Snapshot {
  public:
   explicit Snapshot(const Board& board);

@@ -41,10 +41,10 @@ class Mailbox {
 
   std::string squares;  // 64 letters, a1 first; '.' is empty
   char side;
-  /// Rights that remain. One goes when its king or rook moves; a captured rook
-  /// leaves its right behind, which asks for a rook on the corner to be used.
+  /// Castling rights left. One is lost when its king or rook moves. A captured rook
+  /// keeps its right, which can be used only with a rook on the corner.
   std::string rights;
-  int epFile;  // -1 when the last move was no double step
+  int epFile;  // -1 unless the last move was a double step
   int epRank;
 };
 

@@ -1,4 +1,4 @@
-// What Linux says of this process's memory.
+// This process's memory as Linux reports it.
 #pragma once
 
 #include <sys/mman.h>
@@ -12,10 +12,10 @@
 
 namespace mirvo::test {
 
-/// Whether the system knows large pages that a program can ask for.
+/// Whether the system supports large pages on request.
 inline bool KnowsLargePages() { return access("/sys/kernel/mm/transparent_hugepage", F_OK) == 0; }
 
-/// Whether large pages were asked for where `address` lies.
+/// Whether large pages were requested for the memory at `address`.
 inline bool AsksForLargePages(const void* address) {
   const auto wanted = reinterpret_cast<std::uintptr_t>(address);
   std::ifstream map("/proc/self/smaps");
@@ -39,8 +39,8 @@ inline bool AsksForLargePages(const void* address) {
   return false;
 }
 
-/// How many small pages the system has not provided yet, of those that lie
-/// wholly within the bytes.
+/// How many small pages that lie wholly within the bytes the system has not
+/// provided yet.
 inline std::size_t MissingPages(const void* start, std::size_t bytes) {
   const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
   const auto address = reinterpret_cast<std::uintptr_t>(start);

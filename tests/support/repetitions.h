@@ -1,17 +1,18 @@
-// How often a test repeats what chance or sheer number may show, by the kind of
-// build. Under the sanitizers every step is looked at, and takes ten times as
-// long; more of the same steps shows nothing more there.
+// How often a test with many repetitions repeats, by the kind of build. The
+// sanitizers check every step, an emulator translates it for another processor, and
+// either takes ten times as long; repeating the same steps more often shows nothing
+// more there.
 #pragma once
 
 namespace mirvo::test {
 
-#ifdef __SANITIZE_ADDRESS__
-inline constexpr bool isInstrumented = true;
+#if defined(__SANITIZE_ADDRESS__) || defined(MIRVO_EMULATED)
+inline constexpr bool isSlow = true;
 #else
-inline constexpr bool isInstrumented = false;
+inline constexpr bool isSlow = false;
 #endif
 
-/// `all`, or `few` of them under the sanitizers.
-constexpr int Repetitions(int all, int few) { return isInstrumented ? few : all; }
+/// `all`, or `few` of them where each is slow.
+constexpr int Repetitions(int all, int few) { return isSlow ? few : all; }
 
 }  // namespace mirvo::test

@@ -48,7 +48,7 @@ void ColdStart() {
   AllocateTable(EvalHashTable, engineConfig.EvalHashSize);
   AllocateTable(PawnHashTable, engineConfig.PawnHashSize);
   AllocateTable(TranspositionTable, engineConfig.TTHashSize);
-  // While memory is missing a search looks at clock and input more often.
+  // Without this a search would check clock and input more often.
   while (HashPrefaultSlice()) {
   }
   ResetHashCounters();

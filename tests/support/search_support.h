@@ -1,5 +1,5 @@
-// What tests of the search share: tables built once, cold caches, searches of
-// a position with their printed lines.
+// Helpers for tests of the search: tables built once, cold caches, searches of a
+// position with the lines that they print.
 #pragma once
 
 #include <string>
@@ -13,8 +13,8 @@ namespace mirvo::test {
 /// Builds every start-up table and allocates the three hash tables once.
 void PrepareEngine();
 
-/// Empties tables, killers, history, previous line, statistics and flags, as
-/// in a fresh process.
+/// Clears tables, killers, history, previous line, statistics and flags, as in a
+/// fresh process.
 void ColdStart();
 
 /// Sets `board` up from "startpos [moves ...]" or the first three FEN fields.

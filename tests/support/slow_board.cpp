@@ -40,7 +40,7 @@ SlowBoard::SlowBoard(const Board& board)
   if (undoDepth > 0) record.word = board.undoStack[undoDepth - 1].move;
 }
 
-// The published numbering: black pawn 0, white pawn 1, black knight 2, ...
+// Uses the published numbering: black pawn 0, white pawn 1, black knight 2, ...
 std::uint64_t SlowBoard::KeyOf(const State& state) {
   std::uint64_t key = state.side == white ? Random64[780] : 0;
   for (int side = 0; side < nSides; ++side) {
@@ -69,8 +69,8 @@ int SlowBoard::KindOn(int square, int side, const int* order, int nOrder) const 
   return noPiece;
 }
 
-// The square is on the board and empty, the pawn stands behind it and has just
-// come there, or nothing was played yet.
+// Whether the en-passant square is on the board and empty, with a pawn behind it
+// that has just made its double step; after set-up any pawn will do.
 bool SlowBoard::EnPassantIsOpen() const {
   if (state.epFile > 7 || state.epRank > 7 || state.epColour > black) return false;
   const int rank = state.epRank + (state.epColour == white ? 1 : -1);
@@ -90,17 +90,17 @@ void SlowBoard::TakeOn(int square, int kind) {
   record.capturedKind = kind;
 }
 
-// A piece joins what already stands on its target, and becomes one with a piece
-// of its own kind. Where it takes another piece there (three share a square),
-// the two of its kind leave the board, so that the move can be taken back.
+// A piece joins others on its target square and merges with one of its own side
+// and kind. If it captures there as well (three pieces share the square), both of
+// its kind leave the board, so that the move can be unmade.
 void SlowBoard::Land(int from, int to, int kind, int landed) {
   auto& own = state.stands[state.side];
   own[kind][from] = false;
   own[landed][to] = !(own[landed][to] && record.captured);
 }
 
-// The rook stays where it is when it would land on another, and none appears
-// where none stood.
+// The rook does not move if it would land on another rook, and no rook appears if
+// the corner has none.
 void SlowBoard::Castle(int from, int to) {
   const bool isLong = File(from) > File(to);
   const int corner = Rank(from) * 8 + (isLong ? 0 : 7);
@@ -150,7 +150,7 @@ void SlowBoard::Play(Move word) {
   record = Record{};
   record.before = before;
 
-  // 1. What is taken. Castling takes nothing, and nobody takes a king.
+  // 1. The capture. Castling captures nothing, and kings are not captured.
   const int victim = KindOn(to, side ^ 1, lookUpOrder, nVictimKinds);
   if (passes) {
     TakeOn(to + (side == white ? -8 : 8), pawn);
@@ -161,7 +161,7 @@ void SlowBoard::Play(Move word) {
     hasOverlaps = true;
   }
 
-  // 2. The piece, the rook of castling, the rights.
+  // 2. The piece, the castling rook, the rights.
   Land(from, to, kind, landed);
   if (castles) Castle(from, to);
   if (kind == king) state.castling.kingMoved[side] = 1;

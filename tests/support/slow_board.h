@@ -1,6 +1,6 @@
-// A second way of playing move words: one flag per side, kind and square, every
-// field set by its rule and every key computed from scratch. Plays whatever a
-// word says, legal or not, and shares with the engine only the published keys.
+// A second implementation of making move words: one flag per side, kind and
+// square, every field set by its rule and every key computed from scratch. Plays
+// any word, legal or not, and shares only the published keys with the engine.
 #pragma once
 
 #include <cstdint>
@@ -12,8 +12,8 @@ namespace mirvo::test {
 
 class SlowBoard {
  public:
-  /// The position, counters and key history of a board; its records but the
-  /// newest are left out.
+  /// Copies the position, counters and key history of a board, and its newest undo
+  /// record.
   explicit SlowBoard(const Board& board);
 
   /// Plays a word of kind pawn to king or of unknown kind.
@@ -34,7 +34,7 @@ class SlowBoard {
     int side = white;
   };
 
-  /// What the record of the newest move must say.
+  /// The expected undo record of the newest move.
   struct Record {
     Move word = noMove;
     bool captured = false;

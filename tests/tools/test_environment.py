@@ -1,5 +1,5 @@
-"""Tests that nothing a person or a machine has set carries a test: what
-tools/environment.sh lets through, and tests that run where everything is odd.
+"""Tests that settings of a user or a machine do not influence tests: what
+tools/environment.sh lets through, and some tests in an odd environment.
 
 Usage: test_environment.py SOURCE_ROOT PROGRAM   (unittest; run by CTest)
 """
@@ -15,7 +15,7 @@ import unittest
 ROOT, PROGRAM = (pathlib.Path(word).resolve() for word in sys.argv[1:3])
 del sys.argv[1:3]
 
-# A "python3" and a compiler that come first on PATH and are of no use.
+# A "python3" and a compiler that come first on PATH and do not work.
 USELESS = "#!/bin/sh\necho 'the wrong program' >&2\nexit 99\n"
 
 ODD_VARIABLES = {
@@ -32,7 +32,7 @@ ODD_VARIABLES = {
 
 
 class Odd(unittest.TestCase):
-    """A folder for each test, and surroundings that suit nobody."""
+    """A folder for each test, and an odd environment."""
 
     def setUp(self):
         folder = tempfile.TemporaryDirectory(prefix="mirvo odd \u00e4 ")
@@ -59,7 +59,7 @@ class Odd(unittest.TestCase):
 
 
 def make_surroundings_odd():
-    """Odd file rights, and signals ignored as a careless parent leaves them."""
+    """An odd umask, and ignored signals as a careless parent leaves them."""
     os.umask(0o077)
     for number in (signal.SIGINT, signal.SIGHUP, signal.SIGUSR1):
         signal.signal(number, signal.SIG_IGN)
@@ -113,7 +113,7 @@ class ContinuousIntegration(Odd):
 
 
 class OddEnvironment(Odd):
-    """Tests started by hand, where nothing was cleaned."""
+    """Tests started by hand, in an environment that was not cleaned."""
 
     def passes(self, *command):
         done = self.run_here([sys.executable, *command])

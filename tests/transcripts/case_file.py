@@ -1,5 +1,5 @@
-"""Case files: what a transcript sets up, says, and expects. README.md has the
-format; `read_case` turns a file into a `Case`."""
+"""Case files: what a transcript sets up, sends, and expects. README.md describes the
+format; `read_case` reads a file into a `Case`."""
 
 import dataclasses
 import re
@@ -80,7 +80,7 @@ CHECKS = {"expect-file": "block", "expect-bytes": "text", "no-file": "text"}
 
 
 def literal(line):
-    """A literal line; one backslash at its end only shows where it ends."""
+    """A literal line; one backslash at its end only marks the end."""
     return line[:-1] if line.endswith("\\") else line
 
 
@@ -94,7 +94,7 @@ def is_block_line(line):
 
 
 def read_block(lines, index):
-    """The block lines from `index` on, and the index behind them."""
+    """The block lines from `index` on, and the index after them."""
     block = Block(entries=[], first_line=index)
     while index < len(lines) and is_block_line(lines[index]):
         line = lines[index]
@@ -157,7 +157,7 @@ def apply_directive(case, word, argument, block, line, where):
 
 
 def read_case(path):
-    # Bytes that are no UTF-8 survive the way into the expectation and back.
+    # Bytes that are not UTF-8 are kept when reading and writing.
     lines = path.read_text(encoding="utf-8", errors="surrogateescape").split("\n")
     case = Case(path, [Run(0)])
     index = 0
@@ -175,7 +175,7 @@ def read_case(path):
         if index < len(lines) and is_block_line(lines[index]):
             block, index = read_block(lines, index)
         apply_directive(case, match[1], match[2] or "", block, start, where)
-    # A file that begins with "run" has no run in front of it.
+    # A file that begins with "run" has no run before it.
     first = case.runs[0]
     if len(case.runs) > 1 and first.output is None and not first.script and not first.arguments:
         case.runs[1].setup[:0] = first.setup

@@ -1,5 +1,5 @@
-"""What differs from run to run is replaced by "#" before comparing: times,
-speeds, and line ends. Counts, scores and moves stay."""
+"""Replaces what differs between runs (times and speeds) by "#" before comparing, and
+unifies line ends. Counts, scores and moves stay."""
 
 import re
 

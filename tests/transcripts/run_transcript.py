@@ -1,5 +1,5 @@
-"""Runs one transcript: starts the program in a fresh folder as a case file says
-and compares what it prints and logs with what the file expects.
+"""Runs one transcript: starts the program in a new folder as a case file says and
+compares what it prints and logs with what the file expects.
 
 Usage: run_transcript.py [options] PROGRAM CASE...
 Exit status: 0 passed, 1 failed, 77 skipped, 2 wrong usage or case file.
@@ -69,7 +69,7 @@ def play(session, steps):
 
 
 def difference(title, block, actual):
-    """Where `actual` departs from `block`, or an empty text."""
+    """Where `actual` differs from `block`, or an empty text."""
     if re.fullmatch(block.pattern(), actual):
         return ""
     expected = [{"|": "", "~": "~"}.get(kind, "...") + line for kind, line in block.entries]
@@ -83,7 +83,7 @@ def difference(title, block, actual):
 
 
 def check_log(folder, run, output):
-    """The log against its expectation; and what it holds."""
+    """Compares the log with its expectation; returns faults and contents."""
     path = folder / LOG_NAME
     if run.log == "any":
         return "", ""
@@ -136,7 +136,7 @@ def run_once(options, folder, run, time_limit):
     log_fault, log = check_log(folder, run, output)
     faults.append(log_fault)
     faults.extend(check_files(folder, run))
-    # A prefix command may talk on standard error; the program itself never does.
+    # A prefix command may print on standard error; the program itself never does.
     errors = as_text(session.errors)
     if errors and (not options.prefix or any(faults)):
         faults.append(f"standard error:\n{errors}")
@@ -144,7 +144,7 @@ def run_once(options, folder, run, time_limit):
 
 
 def rewrite(case, results):
-    """Puts what was printed into the case file in place of what differed."""
+    """Replaces the expectations that differ in the case file by the actual output."""
     lines = case.path.read_text(encoding="utf-8", errors="surrogateescape").split("\n")
     replaced = []
     for run, (_, output, log) in zip(case.runs, results):

@@ -1,5 +1,5 @@
-"""Checks that a Windows program needs nothing but the system, and that its
-stack is large enough.
+"""Checks that a Windows program needs only system libraries, and that its stack is
+large enough.
 
     check_program.py OBJDUMP PROGRAM
 """

@@ -11,7 +11,7 @@ from terminal import Terminal, plain
 
 
 def main(command):
-    # What to type, and what must then be shown.
+    # What to type, and what the console must show then.
     session = [("uci\r", "uciok"), ("isready\r", "readyok"), ("position startpos\r", "startpos"),
                ("go infinite\r", "info depth 4"), ("stop\r", "bestmove")]
     with tempfile.TemporaryDirectory() as folder:

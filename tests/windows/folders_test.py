@@ -11,8 +11,10 @@ import shutil
 import subprocess
 import sys
 import tempfile
-import threading
 import unittest
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."))
+from kit.engine_process import EngineProcess  # noqa: E402
 
 PROGRAM = ""
 LOADER = []
@@ -43,7 +45,7 @@ class Folders(unittest.TestCase):
         return folder
 
     def test_names_with_blanks_and_foreign_letters_do_no_harm(self):
-        # The last two cannot be told in one byte a letter.
+        # Two names have letters outside the system's code page.
         for name in ("two words", "Zürich", "šach", "チェス ♞", "a&b (c) 100%"):
             with self.subTest(name):
                 folder = self.make(name)
@@ -72,7 +74,7 @@ class Folders(unittest.TestCase):
         self.assertIn(b"readyok\r\n", done.stdout)
 
     def test_a_search_meets_the_rest_of_a_file(self):
-        # The peek that works on pipes only fails here, which counts as input.
+        # Peeking works only on pipes; its failure here counts as input.
         folder = self.make("search")
         (folder / "config.txt").write_bytes(b"UseOpeningBook=0\n")
         (folder / "commands.txt").write_bytes(b"uci\nposition startpos\ngo infinite\nisready\nquit\n")
@@ -87,17 +89,10 @@ class Folders(unittest.TestCase):
         (folder / "config.txt").write_bytes(b"UseOpeningBook=0\n")
         (folder / "commands.txt").write_bytes(b"uci\nposition startpos\ngo infinite\n")
         with open(folder / "commands.txt", "rb") as commands:
-            engine = subprocess.Popen([*LOADER, PROGRAM], cwd=folder, stdin=commands,
-                                      stdout=subprocess.PIPE)
-        killer = threading.Timer(60, engine.kill)
-        killer.start()
-        answered = any(line.startswith(b"bestmove ") for line in engine.stdout)
-        # It then waits for the end that its interface has in mind for it.
-        killer.cancel()
-        engine.kill()
-        engine.wait()
-        engine.stdout.close()
-        self.assertTrue(answered)
+            engine = EngineProcess([*LOADER, PROGRAM], folder, input=commands)
+        # Closed, since it then waits for the end that its interface has in mind for it.
+        self.addCleanup(engine.close)
+        engine.wait_for_line("bestmove ", 60)
 
     def test_tools_need_no_input_at_all(self):
         folder = self.make("none")
@@ -167,7 +162,7 @@ class Folders(unittest.TestCase):
         entries = [data[at:at + 16].hex() for at in range(0, len(data), 16)]
         self.assertEqual([entry[:20] for entry in entries if entry.startswith("463b")],
                          [FIRST_ENTRY])
-        # A book whose bytes include those that end lines and files of text.
+        # A book whose bytes include line ends and the end-of-file character.
         ends = bytes.fromhex("463b96181691fc9c 031c 0d0a 1a0d0a1a".replace(" ", ""))
         (folder / "ends.bk").write_bytes(ends)
         self.assertIn(b"e2e4", self.run_in(folder, "-listmoves", "ends.bk", *START))

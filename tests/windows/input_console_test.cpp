@@ -1,6 +1,5 @@
-// The input test in a console: only keys count as input. The program puts
-// events into the queue of the console that it is started in; started without
-// one it makes its own.
+// Input from a console: only keys count. The program puts events into the queue of
+// the console that it is started in, or creates a console.
 #include <gtest/gtest.h>
 #include <windows.h>
 
@@ -39,7 +38,8 @@ INPUT_RECORD Other(WORD type) {
   return event;
 }
 
-/// One console for all tests: the engine looks at its input's kind once.
+/// One console for all tests, because the engine determines the kind of its input
+/// once.
 class ConsoleInput : public testing::Test {
  protected:
   static void SetUpTestSuite() {
@@ -55,7 +55,7 @@ class ConsoleInput : public testing::Test {
     made = GetConsoleMode(console, &mode) != 0;
     if (!made) return;
     SetConsoleMode(console, mode | ignoredEvents);
-    // What was typed before the first look is thrown away by it.
+    // The first poll discards what was typed before.
     Queue({Key('x'), Mouse(1)});
     waitingAtFirst = SystemInput().waiting();
   }

@@ -1,4 +1,4 @@
-// The input test on a Windows pipe, up to the moment it is closed.
+// Input from a Windows pipe, up to the moment it is closed.
 #include <gtest/gtest.h>
 #include <windows.h>
 
@@ -9,7 +9,7 @@
 namespace mirvo {
 namespace {
 
-// One test: the engine looks at its input's kind once in a process.
+// One test, because the engine determines the kind of its input once per process.
 TEST(PipeInput, IsSeenReadAndEnds) {
   HANDLE reading = nullptr;
   HANDLE writing = nullptr;
@@ -26,7 +26,7 @@ TEST(PipeInput, IsSeenReadAndEnds) {
   ASSERT_NE(WriteFile(writing, text.data(), static_cast<DWORD>(text.size()), &nWritten, nullptr),
             0);
   EXPECT_EQ(input.waiting(), text.size());
-  // A part of it: the rest still counts as waiting.
+  // Read a part; the rest still counts as waiting.
   EXPECT_EQ(input.read(buffer, 5, false), 5);
   EXPECT_EQ(std::string(buffer, 5), "stop\n");
   EXPECT_EQ(input.waiting(), text.size() - 5);

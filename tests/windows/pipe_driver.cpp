@@ -1,8 +1,8 @@
 // Runs a program over real Windows pipes: pipe_driver PROGRAM [ARGUMENT...]
 // Relays its own standard input to the program, and the program's output to
 // its own standard output, byte for byte. Needed under Wine, which cannot tell
-// whether input waits in a pipe that comes from outside. The exit status is the
-// program's; a driver that is killed takes the program with it.
+// whether input waits in a Linux pipe. The exit status is the program's; if the
+// driver is killed, the program ends with it.
 #include <windows.h>
 
 #include <cstdio>
@@ -12,7 +12,7 @@ namespace {
 constexpr int cannotStart = 126;
 constexpr int cannotEnd = 125;
 
-/// How long the last output of a program that has ended may take to be read.
+/// Time for reading the last output after the program has ended.
 constexpr DWORD lastOutputLimit = 60000;  // ms
 
 struct Pipe {
@@ -34,8 +34,7 @@ struct Relay {
   HANDLE to;
 };
 
-/// Copies until either side ends, then closes both, so that each side's end is
-/// passed on to the other.
+/// Copies until either side ends, then closes both, which passes the end on.
 DWORD WINAPI RunRelay(void* parameter) {
   const Relay relay = *static_cast<const Relay*>(parameter);
   char bytes[4096];
@@ -49,8 +48,8 @@ DWORD WINAPI RunRelay(void* parameter) {
   return 0;
 }
 
-/// What stands behind the first word of this program's own command line: the
-/// program to run and its arguments, quoted as they were.
+/// The rest of this program's command line after its first word: the program to run
+/// and its arguments, with their quotes.
 wchar_t* RestOfCommandLine() {
   wchar_t* text = GetCommandLineW();
   bool quoted = false;
@@ -62,9 +61,9 @@ wchar_t* RestOfCommandLine() {
   return text;
 }
 
-/// Starts the program suspended. Under Wine a new process may find its memory
-/// taken before it begins (wine.sh tells when), which is reported like this
-/// and says nothing about the program: one more attempt.
+/// Starts the program suspended. Under Wine a new process may find memory that it
+/// needs taken (see wine.sh); that is no fault of the program, so this tries once
+/// more.
 bool StartProgram(STARTUPINFOW& start, PROCESS_INFORMATION& process) {
   for (int attempt = 1;; ++attempt) {
     if (CreateProcessW(nullptr, RestOfCommandLine(), nullptr, nullptr, TRUE, CREATE_SUSPENDED,
@@ -106,8 +105,8 @@ int main() {
   CloseHandle(input.reading);
   CloseHandle(output.writing);
 
-  // The input relay may wait for ever on our own input; only the end of the
-  // program and of its output count.
+  // The input relay may wait for ever on our own input, so wait only for the program
+  // and its output.
   Relay toProgram{GetStdHandle(STD_INPUT_HANDLE), input.writing};
   Relay fromProgram{output.reading, GetStdHandle(STD_OUTPUT_HANDLE)};
   CreateThread(nullptr, 0, RunRelay, &toProgram, 0, nullptr);

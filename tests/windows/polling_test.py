@@ -1,5 +1,5 @@
-"""Commands that arrive while the Windows program searches, through a Windows
-pipe, and the end of that pipe. The sessions are those of the other systems.
+"""Commands that arrive through a Windows pipe while the Windows program searches,
+and the end of that pipe. The sessions are the same as on other systems.
 
     polling_test.py "COMMAND OF THE ENGINE"
 """
@@ -14,7 +14,7 @@ sys.path.insert(0, os.path.join(TESTS, "protocol"))
 import uci_process_test  # noqa: E402
 import xboard_process_test  # noqa: E402
 
-# Tests that look at processes from outside or send signals have no counterpart.
+# Without the tests that inspect processes from outside or send signals.
 SESSIONS = unittest.defaultTestLoader.loadTestsFromTestCase(uci_process_test.UciProcess)
 ENDINGS = [uci_process_test.EndOfInput("test_a_search_that_ends_by_itself_answers"),
            uci_process_test.EndOfInput("test_an_endless_search_is_stopped_and_answers"),
@@ -24,8 +24,8 @@ ENDINGS = [uci_process_test.EndOfInput("test_a_search_that_ends_by_itself_answer
 
 
 def engine_process(folder):
-    """The number of the engine itself, whose working directory is known; the
-    process that the test started is the one that gives it pipes."""
+    """The process number of the engine, found by its working directory; the process
+    that the test started is the driver."""
     for name in os.listdir("/proc"):
         try:
             with open(f"/proc/{name}/cmdline", encoding="utf-8", errors="replace") as file:
@@ -39,19 +39,19 @@ def engine_process(folder):
 
 class Idle(unittest.TestCase):
 
-    def test_after_the_end_of_input_the_engine_waits_and_goes_with_its_starter(self):
+    def test_after_the_end_of_input_the_engine_waits_and_ends_with_its_parent(self):
         engine = uci_process_test.UciEngine("mirvo", uci_process_test.MIRVO)
         self.addCleanup(engine.close)
         engine.start([])
-        engine.process.stdin.close()
+        engine.close_input()
         number = engine_process(engine.folder.name)
         self.assertIsNotNone(number)
         ticks = uci_process_test.processor_ticks(number)
         time.sleep(1.0)
-        self.assertIsNone(engine.process.poll())
+        self.assertIsNone(engine.poll())
         used = (uci_process_test.processor_ticks(number) - ticks) / os.sysconf("SC_CLK_TCK")
         self.assertLess(used, 0.1)
-        engine.process.kill()
+        engine.kill()
         deadline = time.monotonic() + 10
         while uci_process_test.is_alive(number) and time.monotonic() < deadline:
             time.sleep(0.05)
@@ -79,7 +79,7 @@ class XBoard(unittest.TestCase):
 
 def main():
     uci_process_test.MIRVO = xboard_process_test.MIRVO = sys.argv[1]
-    # A machine that also runs Wine's server may hold one answer up for longer.
+    # With Wine's server running as well, answers may take longer.
     uci_process_test.MEDIAN_LIMIT = 0.2
     uci_process_test.WORST_LIMIT = 2.0
     xboard_process_test.PATIENCE = 4

@@ -1,4 +1,4 @@
-"""A terminal with one Windows program in it: Wine turns it into the program's
+"""A terminal with one Windows program in it. Wine turns it into the program's
 console.
 
     terminal.py COMMAND...
@@ -15,7 +15,7 @@ import sys
 import termios
 import time
 
-# Moves of the cursor to the right stand for blanks.
+# Cursor movements to the right replace blanks.
 BLANKS = re.compile(r"\x1b\[(\d*)C")
 CONTROLS = re.compile(r"\x1b\[[?\d;]*[A-Za-z]|\r")
 
@@ -37,8 +37,8 @@ class Terminal:
         self.status = None
 
     def wait_for_keys(self, limit=30):
-        """Whether the program gets single keys, as a console does, within so
-        many seconds. Until then the terminal makes lines of them itself."""
+        """Whether the program gets single keys within so many seconds, as from a
+        console. Until then the terminal collects lines itself."""
         deadline = time.monotonic() + limit
         while termios.tcgetattr(self.terminal)[3] & termios.ICANON:
             if time.monotonic() > deadline:
@@ -50,13 +50,13 @@ class Terminal:
         os.write(self.terminal, text.encode())
 
     def _more(self, deadline):
-        """Takes what is shown next; false when the program or the time ends."""
+        """Reads what is shown next; false when the program or the time ends."""
         left = deadline - time.monotonic()
         if left <= 0 or not select.select([self.terminal], [], [], left)[0]:
             return False
         try:
             data = os.read(self.terminal, 65536)
-        except OSError:  # how a terminal without a program ends
+        except OSError:  # the program of the terminal has ended
             data = b""
         self.shown += data
         return bool(data)

@@ -1,12 +1,11 @@
-# Sourced with the prefix, the folder with Wine's own files, as first argument:
-# which Wine there is, and how one session of it is started and ended. All
-# programs of a session share one server, which is started before them. A
-# server that a program starts for itself ends with that program, and the next
-# one waits for the end and the new start.
+# Sourced with the prefix (the folder with Wine's own files) as first argument:
+# finds Wine and starts and ends a session of it. All programs of a session share
+# one server, which is started first. A server that a program starts itself ends
+# with that program, and the next program waits for that end and a new start.
 
 WINEPREFIX=$1
 export WINEPREFIX
-# Neither messages of Wine's own nor a screen, browser or .NET.
+# No messages from Wine, no screen, browser or .NET.
 export WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe="
 unset DISPLAY WAYLAND_DISPLAY
 
@@ -19,24 +18,24 @@ if [ -z "$wine" ]; then
   exit 127
 fi
 
-# Without a loader that keeps it free, one start in a few thousand finds the
-# page at 0x7ffe0000 taken by its own randomly placed heap, and ends at once
-# with status 1; where that hits one of Wine's services, everybody waits minutes
-# for it. So nothing is placed at random, if the system allows to ask for that.
+# With address space randomisation one start in a few thousand finds the page at
+# 0x7ffe0000 taken by its own heap and ends at once with status 1. If that happens
+# to one of Wine's services, everybody waits for minutes. So randomisation is
+# switched off where the system allows it.
 if setarch -R true 2>/dev/null; then
   fixed_places="setarch -R"
 else
   fixed_places=
 fi
 
-# The server stays for so many seconds after its last program.
+# Seconds that the server stays after its last program.
 server_stays=600
-# A start that has to make the prefix takes some ten seconds, on a busy machine
-# a few times as many.
+# Seconds for a start. One that has to create the prefix takes about ten, and a few
+# times as long on a busy machine.
 start_limit=120
 stop_limit=30
 
-# Runs one small program; fails when that does not end in time as it should.
+# Runs a small program; fails if it does not succeed in time.
 try_program() {
   timeout -k 5 "$start_limit" $fixed_places "$wine" cmd /c 'exit 7' \
     >/dev/null 2>&1 </dev/null 9>&-
@@ -52,20 +51,20 @@ stop_session() {
   }
 }
 
-# Removes a prefix that was left half made.
+# Removes an incomplete prefix.
 clear_prefix() {
   rm -rf "$WINEPREFIX/ready" "$WINEPREFIX/drive_c" "$WINEPREFIX/dosdevices" \
     "$WINEPREFIX"/*.reg "$WINEPREFIX/.update-timestamp"
 }
 
-# A server that runs already turns a second one away with this status.
+# Status of a second server where one is already running.
 already_there=2
 start_server() {
   "$server" -p"$server_stays" >/dev/null 2>&1 </dev/null 9>&-
 }
 
-# Starts a server where none runs, and waits until Wine's services are there
-# too. The second attempt begins with an empty prefix.
+# Starts a server if none is running, and waits for Wine's services too. The second
+# attempt begins with an empty prefix.
 start_session() {
   start_server || return $(($? != already_there))
   for attempt in first second; do
@@ -82,7 +81,7 @@ start_session() {
   return 1
 }
 
-# Runs one of the functions above while no other process does.
+# Runs one of the functions above under a lock.
 one_at_a_time() {
   mkdir -p "$WINEPREFIX"
   (

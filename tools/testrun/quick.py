@@ -31,7 +31,7 @@ ALSO = {"board": ["tests/shell/startup_tables_test"], "eval": ["tests/shell/star
 # Tests by name for files that no layer owns; the first match counts.
 BY_FILE = [
     (r"(README|CONTRIBUTING|CHANGELOG)\.md$|docs/", r"^docs\.(names|samples)"),
-    (r"run\.sh$|tools/packages\.sh$|tests/docs/", r"^docs\."),
+    (r"(run|play)\.sh$|tools/(packages|build_engine)\.sh$|packaging/|tests/docs/", r"^docs\."),
     (r"tools/|test\.sh$|\.ci/|tests/tools/", r"^(tools\.|docs\.names)"),
     (r"tests/transcripts/[^/]*\.py$", r"^transcript\.runner$"),
     (r"tests/layers/", r"^layers\."),

@@ -16,6 +16,9 @@ from testrun.progress import Tests, minutes
 from testrun.report import counts, total_line
 from testrun.results import FAILED, Outcome, Result, exactly, read_outcome, read_tests
 
+# Tests at a time beyond one for each processor: many wait for clocks and pipes.
+WAITING_TESTS = 1
+
 # A test with this label uses the real clock. On a machine that stops processes
 # it may fail for that alone, so it is tried once more when nothing else runs.
 CLOCK_LABEL = "clock"
@@ -95,7 +98,8 @@ class StageTests:
         self.clear()
         self.progress = Tests(self.tests, costs.known(build, self.tests), setting.jobs)
         self.log = open(setting.log(stage, "tests"), "wb")
-        self.command = Command([*command, "--parallel", str(setting.jobs), *self.output_words()],
+        slots = setting.jobs + WAITING_TESTS
+        self.command = Command([*command, "--parallel", str(slots), *self.output_words()],
                                setting.root, self.log, events)
 
     def output_words(self):

@@ -17,14 +17,14 @@
 namespace mirvo {
 namespace {
 
-/// Replies are tried behind so many moves of a position.
+/// Replies are tried after so many moves of a position.
 constexpr std::size_t nMovesAnswered = 3;
 
 /// From, to, colour, kind and promotion: what coordinates state.
 constexpr Move statedByCoordinates =
     fromToMask | sameMoveMask | promotionFlag | (Move{7} << movePromotionShift);
 
-/// Bytes of a board as far as they mean anything: up to its newest undo record.
+/// Bytes of a board in use: up to its newest undo record.
 std::size_t BytesInUse(const Board& board) {
   const auto* const end = reinterpret_cast<const char*>(board.undoStack + board.undoDepth);
   return static_cast<std::size_t>(end - reinterpret_cast<const char*>(&board));
@@ -42,12 +42,12 @@ BrokenPromise CheckMakeAndUnmake(Board& board, const std::vector<Move>& moves) {
     if (const BrokenPromise broken = CheckDerivedFields(board)) return broken;
     MoverLeftInCheck(board);
     UnmakeMove(board);
-    if (!SameBytes(before, board)) return "a move taken back left a trace";
+    if (!SameBytes(before, board)) return "unmaking a move left a trace";
   }
   return nullptr;
 }
 
-/// Behind a few moves, every reply. Which ones differs from position to position.
+/// Tries every reply to a few moves, chosen differently in each position.
 BrokenPromise CheckReplies(Board& board, const std::vector<Move>& moves) {
   static Board before;
   CopyInUse(before, board);
@@ -60,13 +60,13 @@ BrokenPromise CheckReplies(Board& board, const std::vector<Move>& moves) {
     const BrokenPromise broken = CheckMakeAndUnmake(board, ListOf(replies));
     UnmakeMove(board);
     if (broken != nullptr) return broken;
-    if (!SameBytes(before, board)) return "two moves taken back left a trace";
+    if (!SameBytes(before, board)) return "unmaking two moves left a trace";
   }
   return nullptr;
 }
 
-/// Texts of generated moves lead back to them. Squares that hold two pieces
-/// cannot promise that.
+/// The text of a generated move reads as that move, except where two pieces share a
+/// square.
 BrokenPromise CheckTexts(const Board& board, const std::vector<Move>& moves) {
   if (board.hasOverlaps) return nullptr;
   for (const Move move : moves) {

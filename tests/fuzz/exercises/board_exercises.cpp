@@ -26,11 +26,11 @@
 namespace mirvo {
 namespace {
 
-/// As much of a line as the engine reads at a time.
+/// Longest line that the engine reads as one.
 constexpr std::size_t longestLine = 4000;
 
-/// Positions that moves are played in: castling, promotions, en passant,
-/// checks, a side without a king, squares that hold two pieces.
+/// Positions to play moves in: castling, promotions, en passant, checks, a side
+/// without a king, squares with two pieces.
 constexpr const char* positions[] = {
     "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq",
     "r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq",
@@ -66,7 +66,7 @@ std::vector<std::string> WordsOf(const std::string& line) {
   }
 }
 
-/// "-test" with as many of the first three fields as there are.
+/// "-test" with those of the first three fields that exist.
 void SetUpByCommandLine(const std::vector<std::string>& fields) {
   std::vector<const char*> words = {"mirvo", "-test"};
   for (std::size_t i = 0; i < fields.size() && i < 3; ++i) words.push_back(fields[i].c_str());
@@ -79,12 +79,12 @@ void HandleXBoard(const std::string& line) {
   HandleXBoardLine(state, line.c_str());
 }
 
-/// The tokens played by XBoard in force mode, which has to end where the move
-/// list of UCI ended.
+/// Plays the tokens under XBoard in force mode, which must lead to the same
+/// position as the UCI move list.
 BrokenPromise PlayUnderXBoard(const char* position, const std::vector<std::string>& tokens,
                               const Board& expected) {
   for (const std::string& token : tokens) {
-    // Other words are commands to one front end and pass the turn in the other.
+    // Other words are commands under XBoard and pass the turn under UCI.
     if (!IsCoordinateMove(token.c_str())) return nullptr;
   }
   HandleXBoard("new");

@@ -36,8 +36,8 @@
 namespace mirvo {
 namespace {
 
-/// Every look at the clock is a millisecond. Between two inputs an hour goes by:
-/// what the engine does at most once a second is due again.
+/// The clock advances by 1 ms per reading, and by an hour between two inputs, so
+/// that what the engine does at most once a second is due again.
 constexpr std::uint32_t hour = 3600000;
 std::uint32_t ticks = 0;
 std::uint32_t firstTick = 0;
@@ -59,15 +59,15 @@ struct Folder {
   std::string path;
 };
 
-/// A hash table of a few slots: it is emptied in no time, and positions soon
-/// compete for a slot.
+/// A hash table of a few slots: fast to clear, and positions soon compete for a
+/// slot.
 struct SmallTable {
   static constexpr std::uint32_t nSlots = 256;
   HashEntry slots[nSlots];
   std::uint8_t tags[nSlots];
 
-  /// Puts the slots, empty, in the place of the table's own: results may not
-  /// depend on what earlier inputs left behind.
+  /// Replaces the table's slots by these, emptied, so that results do not depend on
+  /// earlier inputs.
   void LendTo(HashTable& table) {
     if (table.block != nullptr) HashRelease(table);
     std::memset(static_cast<void*>(slots), 0, sizeof slots);
@@ -80,10 +80,10 @@ struct SmallTable {
   }
 };
 
-/// Entries that the books of one input may have used.
+/// Most entries that the books of one input use.
 constexpr std::size_t nBookEntries = 128;
 
-/// The book as it was created.
+/// Restores the book as it was created.
 void EmptyBook() {
   if (openingBook.entries == nullptr) return;
   const OpeningBook fresh;
@@ -152,9 +152,9 @@ std::string PrintedBytes() {
 void FreshEngine() {
   PrepareOnce();
   static const auto defaults = std::make_unique<EngineConfig>();
-  const bool ranBookTool = engineConfig.ToolRunOnly != 0;
-  engineConfig = *defaults;
-  engineConfig.Quiet = 1;
+  const bool ranBookTool = engineConfig.ToolRunOnly;
+  std::construct_at(&engineConfig, *defaults);
+  engineConfig.Quiet = true;
   engineConfig.TTHashSize = engineConfig.PawnHashSize = engineConfig.EvalHashSize = 1;
   std::snprintf(bookFileOptionText, bookNameCapacity, "unique2.bin");
   if (ranBookTool) EmptyBook();

@@ -1,4 +1,4 @@
-// What the exercises share: an engine made ready once, files of a scratch
+// Helpers for the exercises: an engine that is initialised once, files in a scratch
 // folder, and a record of everything that the engine prints.
 #pragma once
 
@@ -12,24 +12,23 @@
 
 namespace mirvo {
 
-/// Builds the start-up tables and an empty book once; then, on every call,
-/// settings, flags, game and hash tables are those of a fresh process with the
-/// smallest hash tables, and nothing is printed on the console.
+/// Builds the start-up tables and an empty book once. Every call resets settings,
+/// flags, game and hash tables to those of a new process with the smallest tables
+/// and silences the console.
 void FreshEngine();
 
-/// What can be seen of the engine since it was made fresh: what it printed into
-/// a PrintedText, the positions it stands at, what its searches counted and how
-/// often it looked at the clock. The same input always leaves the same.
+/// What the engine did since FreshEngine: its output into a PrintedText, its
+/// positions, the counts of its searches and the number of clock readings. The same
+/// input always gives the same trace.
 std::string EngineTrace();
 
-/// A folder of this process that is removed when it ends.
+/// A folder for this process, removed at its end.
 const std::string& ScratchFolder();
 
 /// Writes a file of exactly these bytes into the folder; returns its path.
 std::string WriteScratchFile(const char* name, std::string_view bytes);
 
-/// Drops what `Output` prints from its construction on; afterwards console and
-/// log are used as before.
+/// Suppresses what `Output` prints during the object's lifetime.
 class Silence {
  public:
   Silence();
@@ -51,9 +50,9 @@ class PrintedText : Silence {
   std::string Text() const;
 };
 
-/// Searches of test suites go one ply deep and end at their first look at the
-/// clock. Boards full of queens take their time all the same, so to a fuzzer
-/// most inputs are not searched: their answers are the first legal moves.
+/// Limits searches of test suites to one ply and the first reading of the clock.
+/// Boards full of queens still take long, so under a fuzzer most inputs are not
+/// searched: their answers are the first legal moves.
 void LimitSearches(EngineConfig& config, std::string_view input);
 
 /// Lines of `text` that begin with `prefix`.

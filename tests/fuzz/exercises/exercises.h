@@ -1,19 +1,19 @@
-// What the fuzzers do with an input: one function for each reader of outside
-// text. The fuzzers run them on invented inputs, the tests on stored ones.
+// What the fuzzers do with an input: one function for each reader of text from
+// outside. The fuzzers run them on generated inputs, the tests on stored ones.
 #pragma once
 
 #include <string_view>
 
 namespace mirvo {
 
-/// Null when every promise of the engine was kept, otherwise a short text that
-/// names the broken one.
+/// Null when every property holds, otherwise a short text that names the one that
+/// does not.
 using BrokenPromise = const char*;
 
 using ExerciseFunction = BrokenPromise (*)(std::string_view input);
 
-/// Whether every input gets every check. The fuzzers, to whom a great number of
-/// inputs says more, have the slowest ones done in part or for a part of them.
+/// Whether every input gets every check. The fuzzers do the slowest checks only in
+/// part or for some inputs, because more inputs find more.
 extern bool thorough;
 
 /// One line with the fields of a FEN record, through "position fen",
@@ -29,22 +29,22 @@ BrokenPromise ExerciseAlgebraicMoves(std::string_view input);
 /// The contents of config.txt.
 BrokenPromise ExerciseConfigFile(std::string_view input);
 
-/// The words of a command line, one a line. Files that they name are replaced
-/// by ones of a scratch folder.
+/// The words of a command line, one per line. Files that they name are replaced by
+/// ones in a scratch folder.
 BrokenPromise ExerciseCommandLine(std::string_view input);
 
 /// The contents of an EPD suite.
 BrokenPromise ExerciseSuite(std::string_view input);
 
-/// Lines that a UCI interface sends: one at each look of a search at its
-/// input, and whenever nothing runs.
+/// Lines that a UCI interface sends: one at each poll of a search, and whenever the
+/// engine is idle.
 BrokenPromise ExerciseUciLines(std::string_view input);
 
-/// The same of an XBoard interface.
+/// The same from an XBoard interface.
 BrokenPromise ExerciseXBoardLines(std::string_view input);
 
-/// Bytes that are decoded into the acts of an interface: which protocol it
-/// speaks, what it says, and at which poll.
+/// Bytes that are decoded into the actions of an interface: which protocol it
+/// speaks, what it sends, and at which poll.
 BrokenPromise ExerciseProcess(std::string_view input);
 
 struct NamedExercise {

@@ -1,4 +1,4 @@
-// Lines of one protocol, as they come.
+// Sessions in one protocol, sent line by line.
 #include <string>
 
 #include "shell/base/protocol_mode.h"
@@ -9,13 +9,13 @@
 namespace mirvo {
 namespace {
 
-/// Longer lines are split by the engine, and then a command may begin anywhere.
+/// The engine splits longer lines, and then a command may begin anywhere.
 constexpr std::size_t longestCountedLine = 4000;
 
 /// A UTF-8 byte-order mark hides the first command of an input.
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
-/// Sends the input line by line and counts what has to be answered.
+/// Sends the input line by line and counts the commands that need an answer.
 class LineSender : public ScriptedInterface {
  public:
   /// `foreignWord` would switch to the other protocol.

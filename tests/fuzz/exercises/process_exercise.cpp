@@ -1,5 +1,5 @@
-// A whole process and its interface: bytes decide what the interface does next,
-// so that every input is a conversation, most of them sensible ones.
+// A whole process and its interface: bytes decide what the interface does next, so
+// that every input is a session, mostly a sensible one.
 #include <iterator>
 #include <memory>
 #include <string>
@@ -28,7 +28,7 @@ constexpr const char* fens[] = {
     "8/8/8/8/8/5k2/4p3/4K3 w -",
 };
 
-/// Bytes of the input, one decision each; zeros behind its end.
+/// The bytes of the input, one per decision; zeros after its end.
 class Decisions {
  public:
   explicit Decisions(std::string_view input) : bytes(input) {}
@@ -54,7 +54,7 @@ std::string TextOf(Move move) {
   return text;
 }
 
-// ---- A UCI interface that keeps to the rules ----
+// ---- A UCI interface that follows the rules ----
 
 constexpr const char* goTexts[] = {"go depth 1",
                                    "go depth 2",
@@ -76,7 +76,7 @@ constexpr const char* settings[] = {"setoption name Ponder value true",
                                     "eval",
                                     "isready"};
 
-/// Never speaks out of turn, and follows the game on a board of its own.
+/// Sends commands only when they are allowed, and keeps the game on its own board.
 class PoliteUci : public ScriptedInterface {
  public:
   /// `board` is the interface's own; it begins with a new game.
@@ -87,7 +87,7 @@ class PoliteUci : public ScriptedInterface {
   bool SayWhileIdle(std::string& text) override {
     const bool answered = SearchesBegun() == nGo;
     if (!answered) {
-      // A "go ponder" that was declined: the answer comes with its release.
+      // The "go ponder" was declined: its answer comes with "stop" or "ponderhit".
       text = Release();
       return true;
     }
@@ -111,7 +111,7 @@ class PoliteUci : public ScriptedInterface {
   bool SayDuringSearch(std::string& text) override {
     const std::size_t act = decisions.Done() ? releaseAct : decisions.Below(16);
     if (act == releaseAct) {
-      // Without patience left nothing is withheld for ever.
+      // Without patience left no best move is delayed for ever.
       text = Release();
     } else if (act < 4) {
       ++nReadyAsked;
@@ -250,11 +250,11 @@ constexpr const char* vocabulary[] = {
 
 constexpr const char* switches[] = {"uci", "xboard"};
 
-/// The board as it stands without the move that is pondered.
+/// The game board without the pondered move.
 const Board& RealPosition() {
   static Board board;
   CopyInUse(board, gameBoard);
-  if (searchFlags.pondering != 0 && board.undoDepth > 0) UnmakeMove(board);
+  if (searchFlags.pondering && board.undoDepth > 0) UnmakeMove(board);
   return board;
 }
 
@@ -291,11 +291,11 @@ class AnyInterface : public ScriptedInterface {
     return Fragment();
   }
 
-  /// A legal move mostly, the expected one while pondering, or two squares.
+  /// Mostly a legal move, the expected one while pondering, or two squares.
   std::string MoveText() {
     static Board board;
     const std::size_t kind = decisions.Below(8);
-    if (kind < 3 && searchFlags.pondering != 0 && protocolMode.mode == xboardProtocol) {
+    if (kind < 3 && searchFlags.pondering && protocolMode.mode == xboardProtocol) {
       return TextOf(xboardPonder.expectedMove);
     }
     CopyInUse(board, RealPosition());
@@ -306,7 +306,7 @@ class AnyInterface : public ScriptedInterface {
     return TextOf(legal[decisions.Below(legal.size())]);
   }
 
-  /// Part of a line, perhaps without its end.
+  /// Part of a line, possibly without its end.
   std::string Fragment() {
     std::string line = vocabulary[decisions.Below(std::size(vocabulary))];
     line.resize(line.empty() ? 0 : decisions.Below(line.size()));

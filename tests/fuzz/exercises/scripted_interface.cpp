@@ -22,9 +22,8 @@
 namespace mirvo {
 namespace {
 
-/// How far a search goes: deep enough for a line with an expected reply. An
-/// interface without patience stops one that has counted so many moves, or
-/// asked so often for input.
+/// How far a search goes: deep enough for a line with an expected reply. The
+/// interface stops a search that has counted so many moves or polled so often.
 struct Effort {
   std::int32_t depth;
   std::uint32_t nodes;
@@ -32,23 +31,23 @@ struct Effort {
 };
 constexpr Effort fullEffort{2, 150, 200};
 
-/// A session has many searches. Once they have counted so many moves together,
-/// the later ones do no more than they must to have polls and an answer.
+/// Once the searches of a session have counted so many moves, later ones do only
+/// what they need for a few polls and an answer.
 constexpr std::uint32_t nodesOfFullEffort = 300;
 constexpr Effort leastEffort{1, 12, 200};
 
-/// Counted moves between two polls inside the tree, where the engine itself has
-/// some thousands: it is asked to poll so often that it can be stopped anywhere.
+/// Counted moves between two polls inside the tree. The engine's own interval is
+/// thousands; with this one it can be stopped anywhere.
 constexpr std::uint32_t pollInterval = 16;
 
-/// Turns without a line after which a session is called hung. Own lines of the
-/// front end and withheld answers end long before.
+/// Turns without a line after which a session counts as hung. The front end's own
+/// lines and delayed best moves end long before.
 constexpr int turnLimit = 100000;
 
 struct Session {
   ScriptedInterface* interface = nullptr;
   std::string bytes;    // sent and not read
-  bool ended = false;   // the interface has gone
+  bool ended = false;   // the interface has closed the input
   bool ranDry = false;  // the idle engine has met the end of its input
   int nPolls = 0;       // of the running search
   int nTurns = 0;
@@ -91,9 +90,9 @@ int Read(char* buffer, std::size_t size, bool wait) {
   return session.ended ? inputEnded : nothingToRead;
 }
 
-bool StarterGone() { return false; }
+bool ParentExited() { return false; }
 
-bool ReaderGone() { return false; }
+bool OutputClosed() { return false; }
 
 void Pause(std::uint32_t) {
   if (++session.nTurns > turnLimit) Break("the engine waits for ever");
@@ -101,7 +100,7 @@ void Pause(std::uint32_t) {
   Receive(&ScriptedInterface::SayDuringSearch);
 }
 
-constexpr InputSource source{Waiting, Read, StarterGone, ReaderGone, Pause};
+constexpr InputSource source{Waiting, Read, ParentExited, OutputClosed, Pause};
 
 const Effort& EffortNow() { return session.nNodes < nodesOfFullEffort ? fullEffort : leastEffort; }
 
@@ -112,12 +111,11 @@ void Poll() {
   const Effort& effort = EffortNow();
   SearchState& state = session.search->state;
   const bool impatient = ++session.nPolls > effort.nPolls || state.nodeCount > effort.nodes;
-  if (impatient) searchFlags.StopSearch = 1;
+  if (impatient) searchFlags.StopSearch = true;
   state.nextInputPoll = state.nodeCount + pollInterval;
-  // Every other poll, and the first one of a stopped search, comes from the
-  // quiescence search, which otherwise waits for so many moves more.
-  if (searchFlags.StopSearch != 0 || session.nPolls % 2 == 0)
-    state.nextInputPoll -= quiescencePatience;
+  // Every other poll, and the first one of a stopped search, is made overdue, so
+  // that the quiescence search polls.
+  if (searchFlags.StopSearch || session.nPolls % 2 == 0) state.nextInputPoll -= quiescencePatience;
 }
 
 // ---- Searches ----
@@ -155,8 +153,8 @@ SearchResult ShortThink(SearchRecord& record) {
 // ---- Between two lines ----
 
 void CheckIdleState() {
-  if (searchFlags.searching != 0 || searchFlags.pondering != 0) Break("a search is left over");
-  if (xboardPonder.searchAbandoned != 0) Break("an abandoned search is left over");
+  if (searchFlags.searching || searchFlags.pondering) Break("a search is left over");
+  if (xboardPonder.searchAbandoned) Break("an abandoned search is left over");
   if (xboardPonder.ponderMiss != xboardPonder.PendingMove) Break("a missed move was forgotten");
   if (const BrokenPromise broken = CheckDerivedFields(gameBoard)) Break(broken);
 }

@@ -1,6 +1,6 @@
-// An interface at the other end of the engine's input: lines that arrive while
-// nothing runs, at polls of a search and while an answer is withheld, and what
-// the engine does in return. Searches are real but short.
+// An interface that talks to the engine: lines that arrive while the engine is
+// idle, at polls of a search and while a best move is delayed. Searches are real
+// but short.
 #pragma once
 
 #include <string>
@@ -10,18 +10,17 @@
 
 namespace mirvo {
 
-/// What an interface says, step by step.
+/// What an interface sends, step by step.
 class ScriptedInterface {
  public:
   virtual ~ScriptedInterface() = default;
-  /// Text (mostly one line with its end) for an engine that waits for it. False
-  /// when the interface has nothing more to say.
+  /// Text (mostly one line with its end) for an idle engine. False when the
+  /// interface has nothing more to send.
   virtual bool SayWhileIdle(std::string& text) = 0;
-  /// The same at a poll of a search, or while a finished search waits; an empty
-  /// text says nothing at this one.
+  /// The same at a poll of a search, or while its best move is delayed; an empty text
+  /// sends nothing this time.
   virtual bool SayDuringSearch(std::string& text) = 0;
-  /// A search of the position begins. Null when it is the one that the
-  /// interface believes in.
+  /// A search of the position begins. Null when the interface has the same position.
   virtual BrokenPromise JudgePosition(const Board&) { return nullptr; }
 };
 
@@ -32,16 +31,15 @@ struct SessionCounts {
   int nMoves = 0;     // lines "move"
 };
 
-/// Runs a session from its first line to the end of input. The protocol is
-/// known from the start unless it is noProtocol.
+/// Runs a session from its first line to the end of input, under a protocol or, with
+/// noProtocol, before one is known.
 BrokenPromise RunSession(ScriptedInterface& interface, std::uint32_t protocol,
                          SessionCounts& counts);
 
 /// Searches begun by the session that runs.
 int SearchesBegun();
 
-/// A line that would end the process, take much memory or search for ever is
-/// changed into a harmless one.
+/// Replaces a line that would end the process, use much memory or search for ever.
 std::string HarmlessLine(std::string line);
 
 }  // namespace mirvo

@@ -1,6 +1,7 @@
 // Settings from config.txt and from the command line.
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -22,10 +23,10 @@ namespace {
 /// The heading and ten settings.
 constexpr int reportLines = 11;
 
-/// More words say nothing new, and each tool run reads files.
+/// Most words: more show nothing new, and each run of a tool reads files.
 constexpr std::size_t maxWords = 24;
 
-/// A book of one position with two moves, and a game that is cut short.
+/// A book of one position with two moves, and a truncated game.
 constexpr char smallBook[] =
     "\x46\x3B\x96\x18\x16\x91\xFC\x9C\x03\x1C\x00\x0A\x00\x00\x00\x00"
     "\x46\x3B\x96\x18\x16\x91\xFC\x9C\x02\xDB\x00\x05\x00\x00\x00\x00";
@@ -76,8 +77,8 @@ std::vector<std::string> LinesOf(std::string_view input) {
   return lines;
 }
 
-/// A file of the scratch folder in the place of one that the input names. The
-/// input's text still chooses: a good file, a bad one, none, or a folder.
+/// Replaces a file that the input names by one in the scratch folder. The name
+/// still decides: a good file, a bad one, none, or a folder.
 std::string Harmless(const std::string& name) {
   switch (name.empty() ? 0 : static_cast<unsigned char>(name.back()) % 6) {
     case 0:
@@ -95,14 +96,14 @@ std::string Harmless(const std::string& name) {
   }
 }
 
-/// Words that an option of the program takes for the name of a file.
+/// Positions of an option's arguments that are names of files.
 struct FileWords {
   const char* option;
   std::vector<std::size_t> places;  // behind the option
 };
 
-/// Replaces every word that may come to be read as the name of a file. A word
-/// too many does no harm, the words of a replaced option are words as well.
+/// Replaces every word that may be read as the name of a file. Replacing one too
+/// many does no harm.
 void ReplaceFiles(std::vector<std::string>& words) {
   static const std::vector<FileWords> fileWords = {
       {"-createbook", {1, 4}}, {"-mergebooks", {1, 2, 3}}, {"-listmoves", {1}},
@@ -117,15 +118,15 @@ void ReplaceFiles(std::vector<std::string>& words) {
   }
 }
 
-/// The chosen mode is run where it ends soon.
+/// Runs the chosen mode if it ends soon.
 BrokenPromise RunChosenMode(std::string_view input) {
   EngineConfig& config = engineConfig;
   if (config.PerftDepth > maxPerftDepth) return "perft is asked for too many depths";
   config.PerftDepth = std::min(config.PerftDepth, 1);
   config.AnalyzeCount = std::min(config.AnalyzeCount, 2);
   LimitSearches(config, input);
-  config.Quiet = 1;
-  if (config.RunMode == RunModeCode::engine && config.ToolRunOnly == 0) return nullptr;
+  config.Quiet = true;
+  if (config.RunMode == RunModeCode::engine && !config.ToolRunOnly) return nullptr;
   return Run(config) == 0 ? nullptr : "a run mode failed";
 }
 
@@ -136,14 +137,14 @@ BrokenPromise ExerciseConfigFile(std::string_view input) {
   const PrintedText printed;
   static EngineConfig before;
   static EngineConfig once;
-  before = engineConfig;
+  std::construct_at(&before, engineConfig);
   const std::string path = WriteScratchFile("config.txt", input);
   ReadConfigFile(engineConfig, path.c_str());
   if (!TextsEnd(engineConfig)) return "a text of the settings has no end";
   if (!OthersUntouched(engineConfig, before)) return "config.txt changed what is not its own";
   PrintConfig(engineConfig);
   if (CountLines(printed.Text(), "") != reportLines) return "the report is not eleven lines";
-  once = engineConfig;
+  std::construct_at(&once, engineConfig);
   ReadConfigFile(engineConfig, path.c_str());
   if (!SameSettings(once, engineConfig)) return "reading config.txt again changes it";
   ApplyConfigToken(engineConfig, std::string(input).c_str());

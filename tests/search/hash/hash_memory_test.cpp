@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t limitPages = prefaultLimit / largePageSize;
 
-// Nodes after which use certainly earns memory, whatever is earned by how many.
+// So many nodes earn memory at any rate.
 constexpr std::uint32_t manyNodes = 1U << 20;
 
 void Allocate(HashTable& table, std::int32_t megabytes) {
@@ -22,7 +22,7 @@ void Allocate(HashTable& table, std::int32_t megabytes) {
   HashAllocate(table);
 }
 
-/// Slices until nothing is left to do.
+/// Prefaults until nothing is left to do; returns the number of slices.
 std::size_t CountSlices() {
   std::size_t nSlices = 0;
   while (HashPrefaultSlice()) ++nSlices;
@@ -97,7 +97,7 @@ TEST_F(HashMemoryTest, AShortTimeIsEnoughForOneSlice) {
 TEST_F(HashMemoryTest, TagsOfAllTablesComeFirst) {
   Allocate(EvalHashTable, 1000);
   Allocate(TranspositionTable, 500);
-  // The last page of each with slots has tags as well.
+  // The last page with slots of each table has tags as well.
   const std::size_t nTagPages = 8 + 4;
   for (std::size_t i = 0; i < nTagPages; ++i) HashPrefaultSlice();
   for (const HashTable* table : {&EvalHashTable, &TranspositionTable}) {
@@ -186,7 +186,7 @@ TEST_F(HashMemoryTest, TheSystemHasProvidedAllSlicesAndNothingElse) {
   HashClear(TranspositionTable);
   HashResetSearch(TranspositionTable);
   HashStore(TranspositionTable, 99, 7, 1, exactBound, 3);
-  // Where tags were only read, the system shows one page of zeros.
+  // Reading untouched tags maps the system's shared zero page.
   constexpr std::size_t nTagPages = 33;
   EXPECT_GE(MissingPages(TranspositionTable), nSmallPages - nTagPages - 1);
   CountSlices();

@@ -331,7 +331,7 @@ TEST_F(HashTableTest, WhateverAnEmptySlotHoldsCountsForNothing) {
   EXPECT_TRUE(Probe(key, -100, 60, 1));
 }
 
-// Top bytes of keys, the smallest and those that differ in the last bit included.
+// All kinds of top bytes, including 0 and pairs that differ only in the last bit.
 TEST_F(HashTableTest, EveryKeyMarksItsSlotAsUsed) {
   for (std::uint64_t top = 0; top < 256; ++top) {
     HashStore(table, (top << 56) + 77, 11, 50, exactBound, 5);

@@ -14,8 +14,8 @@ namespace {
 using testing::internal::CaptureStdout;
 using testing::internal::GetCapturedStdout;
 
-/// A print record of its own in a fresh folder, so that no test sees the log of
-/// another.
+/// A print record in a new folder for each test, so that no test sees another's
+/// log.
 class OutputTest : public testing::Test {
  protected:
   ~OutputTest() override {
@@ -39,8 +39,8 @@ TEST_F(OutputTest, StartsWithConsoleBufferAndLog) {
 TEST_F(OutputTest, WritesOneMessageToConsoleAndLog) {
   CaptureStdout();
   const std::uint32_t length = Output(record, "info depth %d score cp %d\n", 7, -31);
-  // The log is still open, and taking what was captured flushes every stream:
-  // what is in the file before that was flushed by the message itself.
+  // Fetching the captured output flushes every stream, so the log file is read
+  // before: what it contains was flushed by the message itself.
   EXPECT_EQ(ReadFile(logFileName), "info depth 7 score cp -31\n");
   EXPECT_EQ(GetCapturedStdout(), "info depth 7 score cp -31\n");
   EXPECT_EQ(length, 26U);
@@ -148,7 +148,7 @@ TEST(OutputRecordTest, StartsTheLogAfresh) {
 
 TEST(OutputRecordTest, HasNoLogWhenItCannotBeOpened) {
   const TemporaryFolder folder;
-  // A folder of that name keeps even an administrator from opening the file.
+  // A folder with that name prevents even root from opening the file.
   std::filesystem::create_directory(logFileName);
   OutputRecord record;
   EXPECT_EQ(record.log, nullptr);

@@ -23,7 +23,7 @@ TEST(PrepareProcess, MakesAClosedPipeAnOrdinaryWriteError) {
   signal(SIGPIPE, before);
 }
 
-// In processes of their own, which the signal and its timer are left to.
+// In separate processes, which keep the signal action and the timer.
 TEST(EndWithClosedPipe, LetsAWriteEndTheProcess) {
   EXPECT_EXIT(
       {
@@ -46,7 +46,7 @@ TEST(EndWithClosedPipe, EndsAProcessThatPrintsNothing) {
         dup2(ends[1], STDOUT_FILENO);
         EndWithClosedPipe();
         close(ends[0]);
-        alarm(0);  // the first look is forced below, not waited for
+        alarm(0);  // the check is triggered below instead of waited for
         raise(SIGALRM);
         _exit(0);
       },
@@ -83,7 +83,7 @@ TEST(UndoEndWithClosedPipe, GivesTheAlarmAndItsTimerBack) {
       ::testing::ExitedWithCode(4), "");
 }
 
-// In a process of its own, which the limit is left to.
+// In a separate process, which keeps the limit.
 TEST(PrepareProcess, MakesAFileAtItsLargestSizeAnOrdinaryWriteError) {
   EXPECT_EXIT(
       {

@@ -142,8 +142,8 @@ TEST_F(ConfigFileTest, DoesNotKnowTheFieldsOfTheCommandLine) {
   Read("RunMode=3 PerftDepth=4 Quiet=1 ToolRunOnly=1 BookName=x.bk CmdLineBook=1\n");
   EXPECT_EQ(config->RunMode, RunModeCode::engine);
   EXPECT_EQ(config->PerftDepth, 0);
-  EXPECT_EQ(config->Quiet, 0);
-  EXPECT_EQ(config->ToolRunOnly, 0);
+  EXPECT_FALSE(config->Quiet);
+  EXPECT_FALSE(config->ToolRunOnly);
   EXPECT_STREQ(config->BookName, "book.bk");
   EXPECT_EQ(config->CmdLineBook, 0);
 }
@@ -186,7 +186,7 @@ TEST_F(ConfigFileTest, ReadsANumberBehindAnyCountOfZeros) {
     EXPECT_EQ(config->Ponder, 8) << count;
     EXPECT_EQ(config->LoggingMode, 2147483647) << count;
     EXPECT_EQ(config->StartIDDepth, 0) << count;
-    *config = EngineConfig{};
+    config = std::make_unique<EngineConfig>();
   }
 }
 
@@ -206,7 +206,7 @@ TEST_F(ConfigFileTest, KeepsTheZerosOfABookNameAndOfNoNumber) {
     EXPECT_EQ(config->BookName, name.substr(0, 63)) << count;
     EXPECT_EQ(config->DepthSearch, 0) << count;
     EXPECT_EQ(config->Ponder, 0) << count;
-    *config = EngineConfig{};
+    config = std::make_unique<EngineConfig>();
   }
 }
 
@@ -241,7 +241,7 @@ TEST_F(ConfigFileTest, CutsBookNamesAtTheirWidth) {
 }
 
 TEST_F(ConfigFileTest, TakesAWordOfAnyLengthAsOneToken) {
-  // Were it cut in two, the second half would be a setting of its own.
+  // If it were split, its second half would be a setting.
   for (const std::size_t length : {140U, 149U, 150U, 1022U, 1023U, 1024U, 4095U, 100000U}) {
     Read(std::string(length, 'x') + "DepthSearch=10\nPonder=0\n");
     EXPECT_EQ(config->DepthSearch, 40) << length;
@@ -292,7 +292,7 @@ TEST_F(ConfigFileTest, PrintsTheReport) {
   CopyText(config->BookName, sizeof config->BookName, "my%sbook.bk");
   config->MaxNumExtPerDepth = 8;
   config->Ponder = 9;
-  config->MoveOverhead = 10;  // not told
+  config->MoveOverhead = 10;  // not part of the report
   CaptureStdout();
   PrintConfig(*config);
   EXPECT_EQ(GetCapturedStdout(),

@@ -14,7 +14,7 @@ TEST(EngineConfig, StartsWithItsDefaults) {
   EXPECT_STREQ(config->AnalyzeFile, "");
   EXPECT_EQ(config->AnalyzeFirst, 0);
   EXPECT_EQ(config->AnalyzeCount, 0);
-  EXPECT_EQ(config->Quiet, 0);
+  EXPECT_FALSE(config->Quiet);
   EXPECT_EQ(config->DepthSearch, 40);
   EXPECT_EQ(config->UseOpeningBook, 1);
   EXPECT_EQ(config->InfiniteThinkingTime, 0);
@@ -33,7 +33,7 @@ TEST(EngineConfig, StartsWithItsDefaults) {
   EXPECT_STREQ(config->CmdLineBookName, "");
   EXPECT_EQ(config->MaxNumExtPerDepth, 100);
   EXPECT_EQ(config->Ponder, 1);
-  EXPECT_EQ(config->ToolRunOnly, 0);
+  EXPECT_FALSE(config->ToolRunOnly);
   EXPECT_EQ(config->MoveOverhead, 0);
 }
 
