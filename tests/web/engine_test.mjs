@@ -171,6 +171,20 @@ test("junk and lines of any length do no harm", async () => {
   }
 });
 
+test("the deepest search has stack enough", async () => {
+  const config = "StartIDDepth=400\nMaxNumExtPerDepth=1000\n";
+  const { engine, lines } = await start({ files: { ...withoutBook, "config.txt": config } });
+  await lines.ask("uci", /^uciok$/);
+  for (const fen of ["4k3/1p1p1p1p/1P1P1P1P/p1p1p1p1/P1P1P1P1/8/8/4K3 w - - 0 1",
+    "q3k2q/8/8/8/8/8/8/Q3K2Q w - - 0 1"]) {
+    engine.send(`position fen ${fen}`);
+    await lines.ask("go depth 400", /^info currmove/);
+    await new Promise((resolve) => setTimeout(resolve, 300));
+    await lines.ask("stop", /^bestmove/);
+  }
+  assert.equal(await engine.quit(), 0);
+});
+
 test("tables that no memory could hold are made smaller", async () => {
   const { engine, lines } = await start({
     files: { ...withoutBook, "config.txt": "TTHashSize=4095\nEvalHashSize=1\nPawnHashSize=1\n" },
