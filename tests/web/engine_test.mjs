@@ -54,6 +54,7 @@ test("a game's commands, from the first line of output to the last", async () =>
   assert.equal(engine.interruptible, true);
   await lines.ask("uci", /^uciok$/);
   assert.match(lines.all[0], /^Welcome to Mirvo/);
+  assert.match(lines.all[1], /^Setup\.+Done\.$/);
   assert.ok(lines.all.includes("    TTHashSize=16"));
   await lines.ask("isready", /^readyok$/);
   engine.send("setoption name Use Opening Book value false");
@@ -116,6 +117,8 @@ test("without shared memory lines wait for the end of the search", async () => {
   // A search that is over and would wait for "stop" gives its move.
   engine.send("position fen 7k/5Q2/6K1/8/8/8/8/8 w - - 0 1");
   await lines.ask("go infinite depth 2", /^bestmove/);
+  // However often the program is left and entered anew, nothing of it piles up.
+  for (let i = 0; i < 3000; ++i) engine.send("eval");
   await lines.ask("isready", /^readyok$/);
   assert.equal(await engine.quit(), 0);
 });
