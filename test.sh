@@ -63,12 +63,5 @@ fi
 if wanted web && ! { need_page_packages && need_page_test_packages; }; then
   options+=(--left-out web)
 fi
-# The page to play on: npm for its libraries, a browser to test it in. Without them
-# its tests are skipped, and fail under CI.
-if wanted web; then
-  . web/packages.sh
-  need_page_test_packages ||
-    echo "npm or Chromium could not be installed; the page to play on is not tested." >&2
-fi
 
 in_clean_environment /usr/bin/python3 tools/run_tests.py "${options[@]}" "${stages[@]}"
