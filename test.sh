@@ -1,11 +1,12 @@
 #!/bin/bash
 # Installs what the tests need, builds everything and runs every test: the
 # release build, the same tests under the sanitizers, those of the program for
-# Windows under Wine and for 64-bit ARM under qemu. The last line printed is
-# "N passed, N failed" (and skipped ones, if any).
+# Windows under Wine, for 64-bit ARM under qemu, and of the WebAssembly package
+# under Node. The last line printed is "N passed, N failed" (and skipped ones, if
+# any).
 #
 #   ./test.sh quick           after a change: what can notice it, in a minute
-#   ./test.sh                 release, sanitize, windows and arm64
+#   ./test.sh                 release, sanitize, windows, arm64 and web
 #   ./test.sh release         one stage only
 #   ./test.sh s390x           another byte order (docs/testing.md)
 #   ./test.sh --only PATTERN release    of its tests only those named like that
@@ -15,6 +16,7 @@ root=$(cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")" && pwd)
 cd "$root" || exit 1
 . tools/packages.sh
 . tools/environment.sh
+. web/packages.sh
 
 options=()
 if [ "${1:-}" = --only ]; then
@@ -22,7 +24,7 @@ if [ "${1:-}" = --only ]; then
   shift 2
 fi
 stages=("$@")
-[ ${#stages[@]} -gt 0 ] || stages=(release sanitize windows arm64)
+[ ${#stages[@]} -gt 0 ] || stages=(release sanitize windows arm64 web)
 
 wanted() {
   [[ " ${stages[*]} " == *" $1 "* ]]
@@ -55,6 +57,11 @@ if wanted arm64 && ! need_packages g++-aarch64-linux-gnu googletest qemu-user; t
 fi
 if wanted s390x && ! need_packages g++-s390x-linux-gnu googletest qemu-user; then
   options+=(--left-out s390x)
+fi
+
+# WebAssembly: emscripten, Node, and a browser for the page, in the same way.
+if wanted web && ! { need_page_packages && need_page_test_packages; }; then
+  options+=(--left-out web)
 fi
 
 in_clean_environment /usr/bin/python3 tools/run_tests.py "${options[@]}" "${stages[@]}"

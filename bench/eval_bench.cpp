@@ -54,9 +54,7 @@ void EvaluateWarm(benchmark::State& state) {
   Board board;
   LoadPosition(static_cast<int>(state.range(0)), board);
   EvalRecord record;
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(Evaluate(record, board, board.sideToMove));
-  }
+  for (auto _ : state) benchmark::DoNotOptimize(Evaluate(record, board, board.sideToMove));
   state.SetLabel(benchPositions[state.range(0)].name);
 }
 BENCHMARK(EvaluateWarm)->DenseRange(0, nBenchPositions - 1);

@@ -64,8 +64,9 @@ bool WriteText(const BBMoveGenerator2& generator, Move move, char* text) {
 // Chooses an index in the list: in the opening nearly always one of the first few
 // after a shuffle that depends only on the position.
 std::int32_t DrawPlace(const Board& board, std::int32_t count, int ply) {
-  if (ply >= openingPlies)
+  if (ply >= openingPlies) {
     return static_cast<std::int32_t>(Random() % static_cast<std::uint32_t>(count));
+  }
   std::uint32_t choice = 0;
   while (choice < 6 && Random() % 3 == 0) ++choice;
   const std::uint64_t mixed = (board.positionKey + choice) * 0xBF58476D1CE4E5B9ULL;

@@ -27,9 +27,7 @@ inline bool SquareAttacked(const Board& board, int attacker, int rank, int file)
 /// Whether the king of `side` is attacked. For the side to move the answer is
 /// kept in inCheckCache until the next move.
 inline bool InCheck(Board& board, int side) {
-  if (side != board.sideToMove) {
-    return SquareAttacked(board, side ^ 1, KingSquare(board, side));
-  }
+  if (side != board.sideToMove) return SquareAttacked(board, side ^ 1, KingSquare(board, side));
   if (board.inCheckCache < 0) {
     board.inCheckCache = SquareAttacked(board, side ^ 1, KingSquare(board, side)) ? 1 : 0;
   }

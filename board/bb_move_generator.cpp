@@ -34,9 +34,7 @@ void BBMoveGenerator2::FinishPass() {
 
 inline void BBMoveGenerator2::AddTargets(int from, Bitboard targets, Move common) {
   const Move origin = common | static_cast<Move>(from);
-  while (targets != 0) {
-    *next++ = origin | (static_cast<Move>(PopHighest(targets)) << moveToShift);
-  }
+  while (targets != 0) *next++ = origin | (static_cast<Move>(PopHighest(targets)) << moveToShift);
 }
 
 // Knights, bishops, rooks, queens and the king, in that order, each kind from

@@ -142,18 +142,21 @@ template <int side, int kind, MakeFunction general>
   const int from = FromSquare(move);
   const int to = ToSquare(move);
   if constexpr (kind == pawn) {
-    if (IsPromotion(move)) [[unlikely]]
+    if (IsPromotion(move)) [[unlikely]] {
       return general(board, move);
+    }
   }
   if constexpr (kind == king) {
-    if (std::abs(FileOf(from) - FileOf(to)) > 1) [[unlikely]]
+    if (std::abs(FileOf(from) - FileOf(to)) > 1) [[unlikely]] {
       return general(board, move);
+    }
   }
   if ((board.occupied & RotatedOf(to).plain) != 0) {
     return MakeCapture<side, kind, general>(board, move);
   }
-  if ((kind == pawn && HasEnPassant(board)) || board.hasOverlaps) [[unlikely]]
+  if ((kind == pawn && HasEnPassant(board)) || board.hasOverlaps) [[unlikely]] {
     return general(board, move);
+  }
   MakeQuietMove<side, kind>(board, move);
 }
 

@@ -40,9 +40,7 @@ std::int32_t EvaluateWithReport(EvalRecord& record, Board& board, int side) {
   const std::uint64_t key = board.positionKey;
   const bool isCached = HashHolds(EvalHashTable, HashIndex(EvalHashTable, key), key);
   const std::int32_t score = Evaluate(record, board, side);
-  if (!isCached && !InsufficientMaterial(board)) {
-    PrintEvalReport(record, score, PhaseOf(record));
-  }
+  if (!isCached && !InsufficientMaterial(board)) PrintEvalReport(record, score, PhaseOf(record));
   return score;
 }
 

@@ -242,8 +242,9 @@ template <int side>
 std::int32_t SeventhRankAmount(const Board& board) {
   std::int32_t amount = 0;
   if (RelativeRank(side, board.kingRank[side ^ 1]) == rank8) amount += rookSeventhKing;
-  if ((PiecesOf(board, side ^ 1)[pawn] & RelativeRankSet(side, rank7)) != 0)
+  if ((PiecesOf(board, side ^ 1)[pawn] & RelativeRankSet(side, rank7)) != 0) {
     amount += rookSeventhPawns;
+  }
   return amount;
 }
 

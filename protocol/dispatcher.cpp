@@ -20,16 +20,16 @@
 namespace mirvo {
 namespace {
 
-/// Sleep of one idle turn after the end of input, and between two looks at
-/// the input while a best move is delayed.
+/// Sleep of an idle turn after the end of input, and between two polls of the input
+/// while a best move is delayed.
 constexpr std::uint32_t endedPause = 10;   // ms
 constexpr std::uint32_t delayedPause = 5;  // ms
 
-/// Most lines that one poll reads, so that a flood of them cannot keep the
-/// search from its clock.
+/// Most lines that one poll reads, so that a flood of lines cannot keep the search
+/// from reading the clock.
 constexpr int maxLinesPerPoll = 1024;
 
-/// Everything that has been read and not been handled.
+/// Everything that has been read and not yet handled.
 struct PendingInput {
   LineReader reader;
   DeferredCommands deferred;
@@ -45,7 +45,7 @@ LineReader& Reader() {
 bool IsUciWord(const char* line) { return StartsWith(line, "uci"); }
 bool IsXBoardWord(const char* line) { return StartsWith(line, "xboard"); }
 
-/// One look at the input, after a short sleep, while a best move is delayed.
+/// Polls the input once, after a short sleep, while a best move is delayed.
 void WaitForInput() {
   Reader().source->pause(delayedPause);
   PollInput();
@@ -69,7 +69,7 @@ void SwitchToXBoard(ProtocolMode& mode) {
          engineVersion);
 }
 
-/// Either word counts on every line, not only on the first.
+/// Either word switches the protocol on any line, not only on the first.
 void DetectProtocol(ProtocolMode& mode, const char* line) {
   if (IsUciWord(line)) {
     SwitchToUci(mode);
@@ -78,7 +78,7 @@ void DetectProtocol(ProtocolMode& mode, const char* line) {
   }
 }
 
-/// Before a protocol is known every line is dropped.
+/// Ignores lines before a protocol is known.
 void Route(ProtocolMode& mode, const char* line) {
   if (mode.mode == xboardProtocol) HandleXBoardLine(mode.xboardState, line);
   if (mode.mode == uciProtocol) {
@@ -93,20 +93,21 @@ void HandleReadLine(ProtocolMode& mode, const char* line) {
   Route(mode, line);
 }
 
-/// A request to terminate is followed once every waiting line was handled.
+/// Ends the process on a request to terminate, once every waiting line is handled.
 void EndIfRequested() {
-  if (TerminationRequested() && pending.deferred.lines.empty() && !InputWaits(Reader()))
+  if (TerminationRequested() && pending.deferred.lines.empty() && !InputWaits(Reader())) {
     std::exit(0);
+  }
 }
 
 // ---- Inside a search ----
 
-/// Whether input has ended and nobody reads the output: the interface was killed.
+/// Whether input has ended and the output is closed: the interface was killed.
 bool IsCutOff(LineStatus status) {
   return status == LineStatus::ended && Reader().source->outputClosed();
 }
 
-/// No more commands will come for the running search.
+/// Tells the front end that no more commands will come for the running search.
 void EndCommands(const ProtocolMode& mode) {
   if (mode.mode == xboardProtocol) XBoardInputEnded();
   if (mode.mode == uciProtocol) UciInputEnded();
@@ -116,32 +117,33 @@ bool SwitchesProtocol(const ProtocolMode& mode, const char* line) {
   return mode.mode == uciProtocol ? IsXBoardWord(line) : IsUciWord(line);
 }
 
-/// Whether a line that arrived during a search has to wait for its end. Asked
-/// once for each line and search, in order: the answer may end the search.
-bool MustWait(const ProtocolMode& mode, DeferredCommands& deferred, const char* line) {
+/// Classifies a line that arrived during a search. Called once for each line and
+/// search, in order, because it may end the search.
+LineTiming ClassifyLine(const ProtocolMode& mode, DeferredCommands& deferred, const char* line) {
   if (SwitchesProtocol(mode, line)) {
     deferred.hasSwitch = true;
-    // Whoever speaks the other protocol has no command to end this search.
+    // The other protocol has no command that could end this search.
     EndCommands(mode);
-    return true;
+    return LineTiming::afterSearch;
   }
   if (mode.mode == uciProtocol) {
-    if (UciLineMustWait(line, deferred.hasGo)) return true;
-    return deferred.hasSwitch && !UciLineIsUrgent(line);
+    const LineTiming timing = ClassifyUciLine(line, deferred.hasGo);
+    const bool behindSwitch = deferred.hasSwitch && !UciLineIsUrgent(line);
+    return behindSwitch ? LineTiming::afterSearch : timing;
   }
-  // Behind a switch to the other protocol the lines are no longer XBoard's.
-  if (deferred.hasSwitch) return !StartsWith(line, "quit");
-  return XBoardLineMustWait(line);
+  // After a switch to the other protocol the lines are no longer XBoard's.
+  if (!deferred.hasSwitch) return ClassifyXBoardLine(line);
+  return StartsWith(line, "quit") ? LineTiming::atOnce : LineTiming::afterSearch;
 }
 
-/// Handles a line that acts at once; false when it has to wait.
+/// Handles a line if it acts at once; false when it has to wait.
 bool HandleDuringSearch(ProtocolMode& mode, const char* line) {
-  if (MustWait(mode, pending.deferred, line)) return false;
+  if (ClassifyLine(mode, pending.deferred, line) == LineTiming::afterSearch) return false;
   HandleReadLine(mode, line);
   return true;
 }
 
-/// Classifies the commands that an earlier search left behind.
+/// Classifies the commands left by an earlier search.
 void ClassifyDeferredCommands(ProtocolMode& mode) {
   DeferredCommands& deferred = pending.deferred;
   while (deferred.nClassified < deferred.lines.size() && !XBoardHasOwnLine()) {
@@ -157,14 +159,14 @@ void ClassifyDeferredCommands(ProtocolMode& mode) {
   }
 }
 
-/// Reads what waits. While the front end itself has the next line, the rest
-/// keeps its place behind that one.
+/// Reads the waiting lines. While the front end itself has the next line, the others
+/// stay unread, so that they follow it.
 void ReadDuringSearch(ProtocolMode& mode) {
   DeferredCommands& deferred = pending.deferred;
   char line[lineCapacity];
   for (int i = 0; i < maxLinesPerPoll && !XBoardHasOwnLine(); ++i) {
-    // With no room left nothing is read any more: to this search that is the
-    // end of its input.
+    // With a full queue nothing is read, which for this search is the end of
+    // input.
     LineStatus status = LineStatus::ended;
     if (deferred.lines.size() < maxDeferredCommands) {
       status = ReadLine(Reader(), false, line);
@@ -189,8 +191,8 @@ void DispatchDuringSearch(ProtocolMode& mode) {
 
 // ---- Idle ----
 
-/// An interface that crashed leaves no engine behind; otherwise the process
-/// stays, without using the processor.
+/// Ends the process if the interface has crashed; otherwise it stays, without using
+/// the processor.
 void PassIdleTurnAfterEnd() {
   const InputSource& source = *Reader().source;
   if (source.parentExited() || source.outputClosed()) std::exit(0);
@@ -210,13 +212,13 @@ LineStatus TakeLine(const ProtocolMode& mode, char* line) {
   return LineStatus::line;
 }
 
-/// Whether TakeLine need not wait.
+/// Whether TakeLine would return a line without waiting.
 bool LineWaits(const ProtocolMode& mode) {
   const bool ownLine = mode.mode == xboardProtocol && XBoardHasOwnLine();
   return ownLine || !pending.deferred.lines.empty() || InputWaits(Reader());
 }
 
-/// Uses the time until the next line for the memory of searches to come.
+/// Prefaults memory of the hash tables until the next line arrives.
 void PrefaultWhileIdle(const ProtocolMode& mode) {
   if (!mode.detected) return;
   while (!LineWaits(mode) && HashPrefaultSlice()) EndIfRequested();

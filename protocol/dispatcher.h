@@ -1,5 +1,5 @@
-// Reads lines from standard input, recognises the protocol and routes each
-// line to its front end; from the idle loop and from inside the search.
+// Reads lines from standard input, detects the protocol and routes each line to its
+// front end, from the idle loop and from inside the search.
 #pragma once
 
 #include "protocol/input.h"
@@ -7,20 +7,20 @@
 
 namespace mirvo {
 
-/// Handles the next line (idle), or the complete lines already waiting (poll).
-/// Idle, it waits for input a while and may return without a line. A poll
-/// never waits; commands that need the board are deferred until the search is over
-/// and are the next ones that idle calls handle.
+/// Without `poll`, handles the next line; waits for input for a while and may return
+/// without a line. With `poll`, handles the complete lines already waiting and never
+/// blocks; commands that need the board are deferred until the search is over, and
+/// then handled first.
 void Dispatch(ProtocolMode& mode, bool poll);
 
 /// For the search's hook: Dispatch with poll set.
 void PollInput();
 
-/// Handles lines for ever; the process ends through "quit".
+/// Handles lines until the process ends.
 [[noreturn]] void RunIdleLoop(ProtocolMode& mode);
 
-/// Takes lines from `source` from now on (tests), null for standard input
-/// again. Forgets everything that was read or deferred before.
+/// Reads from `source` from now on (tests); null means standard input. Drops
+/// everything that was read or deferred before.
 void SetInputSource(const InputSource* source);
 
 }  // namespace mirvo

@@ -1,12 +1,12 @@
-// The one game board that both protocol front ends play on.
+// The game board of both protocol front ends.
 #pragma once
 
 #include "board/board.h"
 
 namespace mirvo {
 
-/// The game as the interface knows it. Owner: game_board.cpp. Writers: the
-/// front ends. At the initial position before the first command.
+/// The game as the interface knows it, at the initial position before the first
+/// command. Owner: game_board.cpp. Writers: the front ends.
 extern Board gameBoard;
 
 }  // namespace mirvo

@@ -1,5 +1,5 @@
-// The record of one game under XBoard and its PGN file: eleven tag texts that
-// the front end fills in, saved when the result arrives.
+// The record of a game under XBoard and its PGN file: eleven tag texts that the front
+// end fills in, saved when the result arrives.
 #pragma once
 
 #include <cstddef>
@@ -43,24 +43,24 @@ inline constexpr std::size_t headerCapacity = 2048;
 inline constexpr int maxGameFiles = 100000;
 inline constexpr std::size_t gamePathCapacity = 64;
 
-/// Begins a record on `tags`, which must outlive it. The move text of the
-/// game before is released.
+/// Begins a record of `tags`, which must outlive it. Releases the previous game's
+/// move text.
 void StartRecord(FinishedGame& record, const GameTags& tags);
 
 /// Writes the first free name of "base000000.extension", "base000001..." into
-/// `path` (gamePathCapacity bytes). A name is free when no such file exists;
-/// when all are taken it is the last one, and the answer is false.
+/// `path` (gamePathCapacity bytes). A name is free if no such file exists. When all
+/// names are taken, writes the last one and returns false.
 bool ChooseGameFile(const char* base, const char* extension, char* path);
 
 /// Writes the eleven tag lines into `text` (headerCapacity bytes).
 void BuildHeader(const GameTags& tags, char* text);
 
-/// Writes the game to `path`. A new file that cannot be written whole is removed
-/// again: left empty on a full disk, it would use up a number.
+/// Writes the game to `path`. Removes a new file that cannot be written completely,
+/// as on a full disk, because it would use up a number.
 void WriteGameFile(FinishedGame& record, const char* path, bool isNew);
 
-/// Saves the game in the working directory: nothing unless `loggingMode` is
-/// non-zero, and nothing when the file cannot be written.
+/// Saves the game in the working directory if `loggingMode` is not 0. Does not report
+/// errors.
 void SaveGame(FinishedGame& record, std::int32_t loggingMode);
 
 /// Releases the move text (tests; the engine keeps its last record to the end).

@@ -1,5 +1,5 @@
-// Where input comes from: bytes of standard input, with a test whether any
-// are waiting. One implementation a platform; tests install their own.
+// The source of input: reads bytes of standard input and tests whether any are
+// waiting. One implementation per platform; tests install their own.
 #pragma once
 
 #include <cstddef>
@@ -7,27 +7,26 @@
 
 namespace mirvo {
 
-/// What a read gives instead of a number of bytes.
-inline constexpr int inputEnded = 0;      // end of input, or it cannot be read
-inline constexpr int nothingToRead = -1;  // nothing yet, or the wait was cut short
+/// Results of a read besides a number of bytes.
+inline constexpr int inputEnded = 0;      // end of input, or a read error
+inline constexpr int nothingToRead = -1;  // nothing yet, or the wait was interrupted
 
 struct InputSource {
-  /// Number of bytes that wait, or 1 where only their presence is known. End
-  /// of input counts as waiting, so that the caller reads and meets it.
+  /// Number of waiting bytes, or 1 where only their presence is known. End of input
+  /// counts as waiting, so that the caller reads it.
   std::uint32_t (*waiting)();
   /// Reads at most `size` bytes and returns their number, inputEnded or
   /// nothingToRead. Without `wait` it never blocks.
   int (*read)(char* buffer, std::size_t size, bool wait);
-  /// Whether the process that started this one is gone.
+  /// Whether the process that started this one has ended.
   bool (*parentExited)();
-  /// Whether the reader of standard output is gone: nothing that is printed
-  /// will ever be seen.
+  /// Whether the reader of standard output has closed it.
   bool (*outputClosed)();
-  /// Sleeps about so many milliseconds between two looks at the input.
+  /// Sleeps about so many milliseconds between two polls.
   void (*pause)(std::uint32_t milliseconds);
 };
 
-/// Standard input. The first call notes who started the process.
+/// Standard input. The first call stores the parent process.
 const InputSource& SystemInput();
 
 }  // namespace mirvo

@@ -8,10 +8,10 @@ namespace {
 constexpr char byteOrderMark[] = "\xEF\xBB\xBF";
 constexpr std::size_t byteOrderMarkSize = sizeof byteOrderMark - 1;
 
-/// Characters of one line, its line feed included.
+/// Characters of one line, including its line feed.
 constexpr std::size_t maxLineLength = lineCapacity - 1;
 
-/// Hands the collected characters over as a line.
+/// Writes the collected characters as a line.
 LineStatus FinishLine(LineReader& reader, char* line) {
   const char* begin = reader.partial;
   std::size_t length = reader.nPartial;
@@ -27,9 +27,8 @@ LineStatus FinishLine(LineReader& reader, char* line) {
   return LineStatus::line;
 }
 
-/// Takes characters out of the chunk until a line is complete. A full buffer
-/// completes one too, unless only the line feed behind a carriage return may
-/// be missing.
+/// Takes characters from the chunk until a line is complete. A full buffer completes a
+/// line too, unless it ends with a carriage return whose line feed may follow.
 LineStatus ScanChunk(LineReader& reader, char* line) {
   while (reader.chunkBegin < reader.chunkEnd) {
     const char next = reader.chunk[reader.chunkBegin];

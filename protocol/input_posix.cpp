@@ -10,8 +10,8 @@
 namespace mirvo {
 namespace {
 
-/// A waiting read gives its caller a turn this often, so that a signal that
-/// arrived just before the wait is noticed too.
+/// A waiting read returns to its caller this often, so that a signal that arrived just
+/// before the wait is noticed too.
 constexpr int waitSlice = 250;  // ms
 
 pid_t parentPid = 0;
@@ -36,10 +36,10 @@ int ReadBytes(char* buffer, std::size_t size, bool wait) {
   return errno == EINTR || errno == EAGAIN || errno == EWOULDBLOCK ? nothingToRead : inputEnded;
 }
 
-/// A process whose parent has ended is handed to another one.
+/// When its parent has ended, a process gets another parent.
 bool ParentExited() { return getppid() != parentPid; }
 
-/// The system tells of a closed pipe without anything being written to it.
+/// poll reports a closed pipe without a write.
 bool OutputClosed() {
   pollfd printed{STDOUT_FILENO, 0, 0};
   return poll(&printed, 1, 0) > 0;

@@ -8,7 +8,7 @@ namespace {
 
 constexpr DWORD maxPeekedEvents = 256;
 
-/// Standard input as the first look at it found it.
+/// The kind of standard input, determined at the first call.
 struct InputProbe {
   bool InputProbed = false;
   bool InputIsPipe = false;  // anything that is not a console
@@ -17,7 +17,7 @@ struct InputProbe {
 
 InputProbe probe;
 
-/// On the first call only: a console is told to queue nothing but keys.
+/// On the first call, sets a console to queue only keys.
 void ProbeInput() {
   if (probe.InputProbed) return;
   probe.InputProbed = true;
@@ -32,7 +32,7 @@ void ProbeInput() {
 
 using EventTest = bool (*)(const INPUT_RECORD& event);
 
-/// Whether a console event that passes `test` waits, nothing being removed.
+/// Whether a console event that passes `test` is waiting; removes nothing.
 bool ConsoleEventWaits(EventTest test) {
   DWORD nEvents = 0;
   if (GetNumberOfConsoleInputEvents(probe.handle, &nEvents) == 0 || nEvents == 0) return false;
@@ -47,14 +47,14 @@ bool ConsoleEventWaits(EventTest test) {
 
 bool IsKey(const INPUT_RECORD& event) { return event.EventType == KEY_EVENT; }
 
-/// The key that completes a line: only then does a console read return.
+/// The key that completes a line; a console read returns only then.
 bool IsEnterKey(const INPUT_RECORD& event) {
   return IsKey(event) && event.Event.KeyEvent.bKeyDown != 0 &&
          event.Event.KeyEvent.wVirtualKeyCode == VK_RETURN;
 }
 
-/// A peek that fails, for example on a pipe that was closed, reports a byte,
-/// so that the caller reads and meets the end.
+/// A failed peek, for example on a closed pipe, reports a byte, so that the caller
+/// reads the end.
 std::uint32_t PipeBytesWaiting() {
   DWORD nBytes = 0;
   if (PeekNamedPipe(probe.handle, nullptr, 0, nullptr, &nBytes, nullptr) == 0) return 1;
@@ -80,10 +80,10 @@ int ReadBytes(char* buffer, std::size_t size, bool wait) {
   return static_cast<int>(nBytes);
 }
 
-/// The process lives on until its interface says "quit".
+/// The process runs until its interface sends "quit".
 bool ParentExited() { return false; }
 
-/// Only a write would tell here.
+/// On Windows only a write could tell.
 bool OutputClosed() { return false; }
 
 constexpr InputSource systemInput{BytesWaiting, ReadBytes, ParentExited, OutputClosed,

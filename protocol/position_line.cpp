@@ -5,8 +5,8 @@
 namespace mirvo {
 namespace {
 
-/// Letters of whatever stands on the square: one, or none when it is empty;
-/// more only on a board that text input has spoiled.
+/// Letters of the pieces on the square: one, none if it is empty, or several if text
+/// input has put several there.
 char* WriteSquare(const Board& board, int square, char* out) {
   for (int piece = 0; piece < nPieces; ++piece) {
     if ((board.pieces[piece] & Bit(square)) != 0) *out++ = pieceLetters[piece];
@@ -27,8 +27,8 @@ char* WriteRank(const Board& board, int rank, char* out) {
   return out;
 }
 
-/// Whether the rook of one wing and its king still stand where they castle
-/// from; a rook taken on its corner leaves the flags alone.
+/// Whether the king and the rook of one wing are on their home squares: the capture
+/// of a rook on its corner does not change the flags.
 bool RookAndKingAtHome(const Board& board, int side, int rookFile) {
   const int rank = side == white ? 0 : 7;
   const Bitboard rooks = board.pieces[PieceIndex(side, rook)];
@@ -36,8 +36,8 @@ bool RookAndKingAtHome(const Board& board, int side, int rookFile) {
   return (rooks & Bit(SquareAt(rank, rookFile))) != 0 && (kings & Bit(SquareAt(rank, 4))) != 0;
 }
 
-/// Rights that are still available: neither king nor rook has moved, the side
-/// has not castled, and both are there.
+/// Castling rights: neither king nor rook has moved, the side has not castled, and both
+/// are at home.
 char* WriteCastling(const Board& board, char* out) {
   const CastlingFlags& castling = board.castling;
   const char* const first = out;

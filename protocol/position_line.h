@@ -1,5 +1,5 @@
-// The line that XBoard play prints after every move on the game board. The
-// interface ignores it; it makes the log readable as a list of positions.
+// The line that XBoard play prints after every move on the game board. The interface
+// ignores it; in the log it gives a list of positions.
 #pragma once
 
 #include <cstddef>

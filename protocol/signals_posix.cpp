@@ -6,7 +6,7 @@
 namespace mirvo {
 namespace {
 
-/// Time for the lines that are already waiting.
+/// Time for handling the lines that are already waiting.
 constexpr unsigned graceSeconds = 1;
 
 volatile sig_atomic_t terminationRequested = 0;
@@ -20,7 +20,7 @@ void NoteTermination(int) {
   }
 }
 
-/// Without SA_RESTART: a blocking read returns so that its caller can look.
+/// Without SA_RESTART, so that a blocking read returns and its caller can check.
 void Install(int signalNumber, void (*handler)(int)) {
   struct sigaction action = {};
   action.sa_handler = handler;

@@ -4,8 +4,8 @@
 
 namespace mirvo {
 
-// An interface on Windows ends its engines by closing the pipe, so only the
-// console's own interrupt matters here.
+// On Windows an interface ends its engines by closing the pipe, so only the console's
+// interrupt matters.
 void FollowSignals(bool xboard) { std::signal(SIGINT, xboard ? SIG_IGN : SIG_DFL); }
 
 bool TerminationRequested() { return false; }

@@ -23,13 +23,13 @@ UciSession uciSession;
 
 namespace {
 
-/// `rest` is the text behind the command word and one more character.
+/// `rest` is the text after the command word and one more character.
 using Action = void (*)(UciSession& session, const char* rest);
 
-/// When a command acts that arrives during a search.
+/// When a command that arrives during a search acts.
 enum class Timing {
   atOnce,     // needs neither board nor search
-  onSearch,   // at once, and for a "go" that waits too
+  onSearch,   // at once, and again for a "go" that waits
   afterward,  // needs the board or a search of its own
 };
 
@@ -37,16 +37,16 @@ struct Command {
   const char* word;
   Timing timing;
   Action action;
-  void (*flag)() = nullptr;  // what it tells the running search, for onSearch
+  void (*flag)() = nullptr;  // its effect on the running search, for onSearch
 };
 
 void FlagStop() { searchFlags.StopSearch = true; }
 
-/// Of the hit only what a search reads: it is counted, reported and timed once,
-/// for the "go" that it follows.
+/// Only the flag that a search reads: the hit is counted, reported and timed once, for
+/// the "go" that it follows.
 void FlagPonderHit() { searchFlags.pondering = false; }
 
-/// The slots' own statistics go with their contents.
+/// Clears the slots and their statistics.
 void ClearTranspositionTable() {
   HashResetSearch(TranspositionTable);
   TranspositionTable.hits = 0;
@@ -61,11 +61,11 @@ void NewGame(UciSession& session, const char*) {
   ClearHistory();
   ClearTranspositionTable();
   HashPrefaultFor(newGamePrefaultTime);
-  // Even without a book: the first probe finds nothing then and ends this.
+  // Even without a book; then the first probe fails and resets this.
   searchFlags.BookInUse = true;
 }
 
-/// The interface waits for the last line, so this is the time to get memory.
+/// The interface waits for the answer, so this is a good time to prefault memory.
 void PrefaultBeforeAnswer(std::int32_t milliseconds) {
   if (!searchFlags.searching) HashPrefaultFor(milliseconds);
 }
@@ -101,7 +101,7 @@ void EvaluateBoard(UciSession&, const char*) {
   Output(output, "Full eval: %d\n", Evaluate(record, gameBoard, gameBoard.sideToMove));
 }
 
-/// The first word that a line begins with decides, in this order.
+/// The first entry that a line starts with decides.
 constexpr Command commands[] = {
     {"ucinewgame", Timing::afterward, NewGame},
     {"uci", Timing::atOnce, Identify},
@@ -131,18 +131,19 @@ void HandleUciLine(std::uint8_t&, const char* line) {
   command->action(uciSession, *rest == 0 ? rest : rest + 1);
 }
 
-bool UciLineMustWait(const char* line, bool& hasGo) {
+LineTiming ClassifyUciLine(const char* line, bool& hasGo) {
   const Command* command = FindCommand(line);
-  if (command == nullptr || command->timing == Timing::atOnce) return false;
+  if (command == nullptr || command->timing == Timing::atOnce) return LineTiming::atOnce;
   if (command->timing == Timing::onSearch) {
-    if (hasGo) command->flag();
-    return hasGo;
+    if (!hasGo) return LineTiming::atOnce;
+    command->flag();
+    return LineTiming::afterSearch;
   }
   if (command->action == Go) {
     hasGo = true;
     EndSearchWithoutEnd(uciSession);
   }
-  return true;
+  return LineTiming::afterSearch;
 }
 
 bool UciLineIsUrgent(const char* line) {

@@ -1,34 +1,33 @@
-// The UCI front end: one line in, replies out, and what the dispatcher has to
-// know about lines that arrive while a search runs.
+// The UCI front end: one line in, replies out, and the classification of lines that
+// arrive during a search.
 #pragma once
 
 #include <cstdint>
 
+#include "protocol/deferred_commands.h"
+
 namespace mirvo {
 
-/// Handles one line (line end allowed). Lines it does not know are ignored.
-/// "go" returns when its search is over and answered.
+/// Handles one line (line end allowed); ignores unknown ones. Returns from "go" when
+/// its search is over and answered.
 void HandleUciLine(std::uint8_t& state, const char* line);
 
-/// Classifies a line while a search runs: true when it must wait until the search
-/// is over, because it needs the board or a search of its own, false when it
-/// acts at once. `hasGo` tells whether a "go" waits already, and is set by one.
+/// Classifies a line during a search: it must wait until the search is over if it needs
+/// the board or a search of its own. `hasGo` says whether a "go" is already waiting; a
+/// "go" sets it.
 ///
-/// No search is left that nothing can end: a "go" stops a running search that
-/// only a command ends. Behind a waiting "go" nobody can tell which search a
-/// "stop" or "ponderhit" is for, so it counts for the running one at once and
-/// waits for the others too.
-bool UciLineMustWait(const char* line, bool& hasGo);
+/// A "go" stops a running search that only a command ends, so that every search ends.
+/// After a waiting "go" it is unknown which search a "stop" or "ponderhit" is for, so
+/// it acts on the running one at once and waits for the others too.
+LineTiming ClassifyUciLine(const char* line, bool& hasGo);
 
-/// Whether the line acts on the running search or asks for a sign of life.
+/// Whether the line acts on the running search or is "isready" or "quit".
 bool UciLineIsUrgent(const char* line);
 
-/// No more commands will come for the running search: one that only a command
-/// could end is stopped.
+/// No more commands will come: stops a running search that only a command could end.
 void UciInputEnded();
 
-/// The interface switches to the other protocol: an answer that is still owed
-/// is forgotten.
+/// The interface switches to the other protocol: drops a pending best move.
 void UciLeave();
 
 }  // namespace mirvo

@@ -17,8 +17,8 @@ namespace {
 
 bool Occurs(const char* text, const char* keyword) { return std::strstr(text, keyword) != nullptr; }
 
-/// Reads the number one character behind the first occurrence of `keyword`,
-/// anywhere in the text. Without the keyword `value` stays.
+/// Reads the number one character after the first occurrence of `keyword`, anywhere in
+/// the text. Without the keyword `value` does not change.
 void ReadKeyword(const char* text, const char* keyword, std::int32_t& value) {
   const char* found = std::strstr(text, keyword);
   if (found == nullptr) return;
@@ -42,21 +42,21 @@ void AllotTime(const UciSession& session, SearchLimits& limits) {
                isWhite ? session.whiteIncrement : session.blackIncrement);
 }
 
-/// The clock of the side to move on the board. It runs down whichever clock the
-/// time is allotted from.
+/// The clock of the side to move on the board, which runs during the search, even if
+/// the time is allotted from the other clock.
 OwnClock ClockOfMover(const UciSession& session) {
   const bool isWhite = gameBoard.sideToMove == white;
   return {isWhite ? session.whiteTime : session.blackTime,
           session.clockReceived[gameBoard.sideToMove]};
 }
 
-/// Whether the running "go" has nothing but a command to wait for.
+/// Whether only a command can release the best move of the running "go".
 bool NeedsCommand(const UciSession& session) {
   if (session.answerRule == AnswerRule::onPonderEnd) return searchFlags.pondering;
   return session.answerRule == AnswerRule::onCommand;
 }
 
-/// Keeps the best move of a search that finished early until it may be told.
+/// Delays the best move of a search that finished early until it may be printed.
 void DelayBestMove(const UciSession& session) {
   while (session.waitForInput != nullptr && NeedsCommand(session) && !searchFlags.StopSearch) {
     session.waitForInput();
@@ -70,7 +70,7 @@ void PrintBestMove(const SearchResult& result) {
   const bool mayPonder = engineConfig.Ponder != 0 && !searchFlags.BookInUse;
   const bool tellsReply = mayPonder && result.ponder != noMove;
   if (tellsReply) MoveToCoordinates(result.ponder, expected);
-  // Without an expected reply the line still ends with the blank before it.
+  // Without an expected reply the line ends with a blank.
   Output(output, "bestmove %s %s%s\n", best, tellsReply ? "ponder " : "", expected);
 }
 
@@ -107,7 +107,7 @@ void Go(UciSession& session, const char* text) {
   session.answerRule = limits.ponder     ? AnswerRule::onPonderEnd
                        : limits.infinite ? AnswerRule::onCommand
                                          : AnswerRule::whenDone;
-  // Without a clock, too, while it ponders or when a depth limits it.
+  // Also without a clock: pondering and searches limited by depth.
   limits.infinite |= limits.ponder || Occurs(text, "depth");
   ReadKeyword(text, "depth", limits.depth);
   AllotTime(session, limits);
@@ -123,7 +123,7 @@ void Stop(UciSession& session) {
   searchFlags.StopSearch = true;
   if (!session.bestMovePending) return;
   session.bestMovePending = false;
-  // A search without time: it ends at its first look at the clock.
+  // A search without time ends at its first reading of the clock.
   SearchRecord declined = PrepareSearch(gameBoard);
   declined.limits.infinite = false;
   declined.limits.milliseconds = 0;

@@ -39,9 +39,7 @@ constexpr UciOption uciOptions[] = {
 void PrintOption(const UciOption& option) {
   Output(output, "option name %s type %s", option.name, optionTypeNames[option.type]);
   if (option.type != buttonOption) Output(output, " default %s", option.defaultText);
-  if (option.type == spinOption) {
-    Output(output, " min %d max %d", option.minimum, option.maximum);
-  }
+  if (option.type == spinOption) Output(output, " min %d max %d", option.minimum, option.maximum);
   if (option.type == comboOption) {
     for (const char* const* value = option.comboValues; *value != nullptr; ++value) {
       Output(output, " var %s", *value);
@@ -52,7 +50,7 @@ void PrintOption(const UciOption& option) {
 
 std::int32_t ReadCheck(const char* value) { return StartsWith(value, "true") ? 1 : 0; }
 
-/// The new table is empty: its memory comes zeroed, so nothing is cleared.
+/// New memory is zeroed, so the new table is empty without clearing.
 void Resize(HashTable& table, std::int32_t megabytes) {
   table.size = static_cast<std::uint32_t>(megabytes);
   HashAllocate(table);
@@ -84,7 +82,7 @@ struct OptionSetter {
   void (*set)(const char* value);
 };
 
-/// Names that can be set, in the order in which they are compared.
+/// The options that can be set, in the order of comparison.
 constexpr OptionSetter optionSetters[] = {
     {"Use Opening Book", SetUseOpeningBook},
     {"Pawn Hash Size", SetPawnHashSize},
@@ -94,10 +92,10 @@ constexpr OptionSetter optionSetters[] = {
     {"Ponder", SetPonder},
 };
 
-/// What stands between name and value; its length counts, not its letters.
+/// The text between name and value; only its length matters.
 constexpr char valueWord[] = " value ";
 
-/// The text `distance` characters on, or its end if it is shorter.
+/// The text from `distance` characters on, or its end if it is shorter.
 const char* TextBehind(const char* text, std::size_t distance) {
   return text + strnlen(text, distance);
 }

@@ -13,7 +13,7 @@ constexpr char startWord[] = "startpos";
 constexpr char fenWord[] = "fen";
 constexpr char movesWord[] = "moves";
 
-/// Characters that a move list may hold; anything else ends it.
+/// Characters of a move list; any other ends it.
 bool IsListCharacter(char c) { return c >= 32 && c <= 122; }
 
 /// Loads the first three fields and returns the text from "moves" on; counters

@@ -1,4 +1,4 @@
-// UCI "position": the game as the interface tells it.
+// UCI "position": sets up the game.
 #pragma once
 
 #include "board/board.h"
@@ -6,8 +6,8 @@
 
 namespace mirvo {
 
-/// Sets `board` up from the text behind "position " and plays its moves. No
-/// move is tested: a malformed one passes the turn.
+/// Sets `board` up from the text after "position " and plays its moves without
+/// checking them; a malformed one passes the turn.
 void SetUpPosition(UciSession& session, Board& board, const char* text);
 
 }  // namespace mirvo

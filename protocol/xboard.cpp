@@ -21,10 +21,10 @@ namespace {
 constexpr std::int32_t msPerCentisecond = 10;
 constexpr std::int32_t msPerSecond = 1000;
 
-/// Words of "level" and "rating"; longer ones are cut.
+/// Room for a word of "level" or "rating"; longer ones are cut.
 constexpr std::size_t fieldCapacity = 32;
 
-/// `rest` is the line behind the command word.
+/// `rest` is the line after the command word.
 using Action = void (*)(XBoardGame& game, const char* rest);
 
 struct Command {
@@ -36,8 +36,8 @@ void Ignore(XBoardGame&, const char*) {}
 
 void NewGame(XBoardGame& game, const char*) { BeginXBoardGame(game); }
 
-/// What "force" and "result" do to a search: it ends, a pondered move is taken
-/// back, and a held move is recorded without an answer.
+/// What "force" and "result" do to a search: end it, unmake a pondered move, and record
+/// a held move without an answer.
 void EndSearch() {
   if (searchFlags.pondering) AbandonPondering();
   searchFlags.StopSearch = true;
@@ -50,7 +50,7 @@ void Force(XBoardGame& game, const char*) {
   EndSearch();
 }
 
-/// Ends the process at once: everything printed and saved is flushed already.
+/// Ends the process at once: all output is already flushed.
 [[noreturn]] void Quit(XBoardGame&, const char*) { std::exit(0); }
 
 std::int32_t ClockMilliseconds(const char* rest) {
@@ -88,7 +88,7 @@ void EngineIsBlack(XBoardGame& game, const char*) { game.engineColour = black; }
 
 void EngineIsWhite(XBoardGame& game, const char*) { game.engineColour = white; }
 
-/// The text behind the word and one blank.
+/// The text after the word and one blank.
 const char* TextOf(const char* rest) { return *rest == 0 ? rest : rest + 1; }
 
 void Site(XBoardGame& game, const char* rest) { CopyTagText(game.tags.site, TextOf(rest)); }
@@ -102,7 +102,7 @@ void Result(XBoardGame& game, const char* rest) {
   EndSearch();
 }
 
-/// Moves per session and base time are skipped: "time" tells what is left.
+/// Skips moves per session and base time: "time" says what is left.
 void Level(XBoardGame& game, const char* rest) {
   char field[fieldCapacity];
   for (int i = 0; i < 3; ++i) rest = ReadWord(rest, field, sizeof field);
@@ -121,8 +121,7 @@ void SetBoard(XBoardGame&, const char* rest) {
   PrintBoard(gameBoard, BoardLayout::wide, engineConfig.Quiet);
 }
 
-/// The first word that a line begins with decides, in this order, so that
-/// "goodbye" is a "go".
+/// The first entry that a line starts with decides, so "goodbye" is a "go".
 constexpr Command commands[] = {
     {"new", NewGame},
     {"draw", Ignore},

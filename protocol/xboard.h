@@ -5,7 +5,7 @@
 
 namespace mirvo {
 
-/// Handles one line (line end allowed). Lines it does not know are ignored.
+/// Handles one line (line end allowed); ignores unknown ones.
 void HandleXBoardLine(std::uint8_t& state, const char* line);
 
 }  // namespace mirvo

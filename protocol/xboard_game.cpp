@@ -23,7 +23,7 @@ constinit XBoardGame xboardGame;
 
 namespace {
 
-/// A book that holds anything is asked again in every new game.
+/// A book that is not empty is probed again in every new game.
 void OpenBookAgain() {
   if (openingBook.count > 0) {
     engineConfig.UseOpeningBook = 1;

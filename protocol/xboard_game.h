@@ -1,5 +1,5 @@
-// State of the game that XBoard plays: who plays what, the clocks, and the
-// data for the game record.
+// State of the game under XBoard: which side the engine plays, the clocks, and the data
+// for the game record.
 #pragma once
 
 #include <cstdint>
@@ -34,19 +34,19 @@ struct XBoardGame {
   FinishedGame record;
   SearchLimits* running = nullptr;  // limits of the search; null when none is running
 
-  /// The search; tests put their own here.
+  /// The search; tests install their own.
   SearchResult (*think)(SearchRecord&) = Think;
 };
 
 /// Owner: xboard_game.cpp. Writers: the XBoard front end.
 extern XBoardGame xboardGame;
 
-/// "new": the engine waits with Black for White's first move. Keeps the clocks
-/// and the opponent's name.
+/// "new": the engine has Black and waits for White's first move. Keeps the clocks and
+/// the opponent's name.
 void BeginXBoardGame(XBoardGame& game);
 
-/// Fills the names, ratings and player types as the colours fall and starts
-/// the record; nothing when this game already has its header.
+/// Fills in names, ratings and player types by colour and starts the record, unless
+/// this game already has its header.
 void FillGameHeader(XBoardGame& game);
 
 /// "result": fills the Result tag from `text`, saves a game in progress and

@@ -20,8 +20,8 @@ namespace {
 
 void PrintGameBoard() { PrintBoard(gameBoard, BoardLayout::wide, engineConfig.Quiet); }
 
-/// The pawn beside the from-square is taken when its en-passant square is the
-/// target.
+/// Whether the move captures en passant: after set-up by its form, otherwise by the
+/// en-passant square.
 bool TakesEnPassant(const Board& board, Move move) {
   if (TakesEnPassantAfterSetUp(board, move)) return true;
   const int to = ToSquare(move);
@@ -35,8 +35,8 @@ void LimitToOwnClock(const XBoardGame& game, SearchLimits& limits) {
   SetDeadline(limits, engineConfig.MoveOverhead, {game.ownTime, game.ownTimeReceived});
 }
 
-/// Sets the limits of the coming search: none while it ponders, else the time
-/// that the own clock allows.
+/// Sets the limits of the coming search: none while pondering, else the time allotted
+/// from the engine's clock.
 void LimitSearch(const XBoardGame& game, SearchLimits& limits) {
   limits.ponder = xboardPonder.ReplayPonderMove;
   limits.infinite = limits.ponder;
@@ -49,7 +49,7 @@ void LimitSearch(const XBoardGame& game, SearchLimits& limits) {
   }
 }
 
-/// Searches within the record's limits.
+/// Runs a search within the record's limits.
 SearchResult SearchWithin(XBoardGame& game, SearchRecord& record) {
   StoreTimeLimits(engineConfig, record.limits);
   searchFlags.pondering = record.limits.ponder;
@@ -59,8 +59,8 @@ SearchResult SearchWithin(XBoardGame& game, SearchRecord& record) {
   return result;
 }
 
-/// Takes the pondered move back, silently. A held move, if there is one, is
-/// the dispatcher's next line and clears the miss itself.
+/// Unmakes the pondered move, without output. A held move, if there is one, is the
+/// dispatcher's next line and clears the miss itself.
 void UndoPondering(SearchLimits& limits) {
   UnmakeMove(gameBoard);
   searchFlags.StopSearch = false;
@@ -87,7 +87,7 @@ Move ThinkAndMove(XBoardGame& game) {
   LimitSearch(game, record.limits);
   const SearchResult result = SearchWithin(game, record);
   game.LastMoveFlagged = (result.best & mateMark) != 0;
-  // A ponder search that came back undecided is given up as well.
+  // A ponder search that ends before a hit or miss is abandoned too.
   if (searchFlags.pondering) AbandonPondering();
   const bool abandoned = xboardPonder.searchAbandoned;
   xboardPonder.searchAbandoned = false;
@@ -100,8 +100,7 @@ Move ThinkAndMove(XBoardGame& game) {
   return result.ponder;
 }
 
-/// Hands the expected reply to the dispatcher, if the engine may use the
-/// opponent's time.
+/// Makes the expected reply the dispatcher's next line, if the engine may ponder.
 void StartPondering(const XBoardGame& game, Move expected) {
   const bool mayPonder = game.gameInProgress && !game.force && !game.LastMoveFlagged &&
                          engineConfig.Ponder != 0 && !searchFlags.pondering &&
@@ -120,8 +119,8 @@ void ThinkAndPonder(XBoardGame& game) {
   StartPondering(game, expected);
 }
 
-/// The opponent played something else: the search is undone and the real move
-/// is handled after it.
+/// The opponent played another move: the ponder search is undone, and the real move is
+/// handled after it.
 void MissPonder(Move realMove) {
   Output(output, "PONDER NOT HIT. STOPPING\n");
   ++ponderStats.misses;
@@ -131,7 +130,7 @@ void MissPonder(Move realMove) {
   PrintPonderStats();
 }
 
-/// From- and to-square alone decide, so another promotion piece is a hit.
+/// Only the two squares decide, so another promotion piece is a hit.
 void DecidePonder(const XBoardGame& game, Move realMove) {
   if (((realMove ^ xboardPonder.expectedMove) & fromToMask) != 0) {
     MissPonder(realMove);
@@ -143,7 +142,7 @@ void DecidePonder(const XBoardGame& game, Move realMove) {
   }
 }
 
-/// Makes the opponent's move; a from-square without a piece passes the turn.
+/// Makes the opponent's move; an origin square without a piece passes the turn.
 void PlayTextMove(Move move) {
   if (move == noMove) {
     PassTurnInGame(gameBoard);
@@ -155,8 +154,8 @@ void PlayTextMove(Move move) {
   CountReversibleMove(gameCounters, IsReversible(move));
 }
 
-/// The first move of a game makes the engine a player with Black, in force
-/// mode only in the header.
+/// The first move of a game makes the engine play Black; in force mode only the header
+/// says so.
 void JoinGame(XBoardGame& game) {
   if (game.gameInProgress) return;
   game.engineColour = black;

@@ -8,16 +8,16 @@
 
 namespace mirvo {
 
-/// A line that begins with a coordinate move. Made without a legality test;
-/// while pondering it decides between hit and miss.
+/// Handles a line that begins with a coordinate move: makes it without a legality test
+/// or, while pondering, decides between hit and miss.
 void HandleXBoardMove(XBoardGame& game, const char* line);
 
-/// "go": the engine plays the side to move from here on.
+/// "go": the engine plays the side to move from now on.
 void StartPlaying(XBoardGame& game);
 
-/// The full move word of a coordinate text for the side to move: kind, capture
-/// flag and captured kind (en passant too), promotion, so that the move can be
-/// taken back. noMove when the from-square holds no piece of that side.
+/// The full move word of a coordinate text for the side to move: kind, capture flag and
+/// captured kind (also en passant), promotion, so that the move can be unmade. noMove
+/// if the origin square has no piece of that side.
 Move CompleteTextMove(const char* text, const Board& board);
 
 }  // namespace mirvo

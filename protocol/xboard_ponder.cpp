@@ -27,10 +27,10 @@ void AbandonPondering() {
   xboardPonder.ponderMiss = true;
 }
 
-bool XBoardLineMustWait(const char* line) {
-  if (StartsWith(line, "quit")) return false;
-  // Behind a line that ended the search everything keeps its order.
-  if (xboardPonder.searchAbandoned) return true;
+LineTiming ClassifyXBoardLine(const char* line) {
+  if (StartsWith(line, "quit")) return LineTiming::atOnce;
+  // After a line that ended the search, all lines wait, which keeps their order.
+  if (xboardPonder.searchAbandoned) return LineTiming::afterSearch;
   const bool newGame = StartsWith(line, "new");
   const bool needsBoard = newGame || StartsWith(line, "go") || StartsWith(line, "setboard");
   if (newGame) xboardPonder.PendingMove = false;
@@ -39,8 +39,8 @@ bool XBoardLineMustWait(const char* line) {
     searchFlags.StopSearch = true;
     xboardPonder.searchAbandoned = true;
   }
-  if (needsBoard) return true;
-  return !searchFlags.pondering && IsCoordinateMove(line);
+  const bool moves = !searchFlags.pondering && IsCoordinateMove(line);
+  return needsBoard || moves ? LineTiming::afterSearch : LineTiming::atOnce;
 }
 
 void XBoardInputEnded() {

@@ -1,5 +1,5 @@
-// Which moves of a position are legal and which give check, told for most of
-// them before they are made: making a move to find out costs many times as much.
+// Tells which moves of a position are legal and which give check, for most of them
+// without making the move, which would cost many times as much.
 #pragma once
 
 #include <cstdint>
@@ -16,8 +16,8 @@ enum class Legality : std::uint8_t { illegal, legal, unknown };
 /// Built once a node from what attacks the two kings or is blocked from them.
 class CheckInfo {
  public:
-  /// The board must outlive this object and stand at the same position whenever
-  /// it is asked. `inCheck` says whether the side to move is in check.
+  /// The board must outlive this object and have the same position at every call.
+  /// `inCheck` says whether the side to move is in check.
   CheckInfo(const Board& position, bool inCheck);
 
   /// Legality of `move`, which the generator offers here. Unknown are castling,
@@ -44,7 +44,7 @@ class CheckInfo {
   void FindEvasions(int ownKing);
 
   const Board& board_;
-  Bitboard checkSquares_[nKinds];    // from where a piece of a kind attacks the enemy king
+  Bitboard checkSquares_[nKinds];    // from which a piece of a kind attacks the enemy king
   Bitboard blockers_;                // alone between a slider and the other side's king
   Bitboard targets_ = ~Bitboard{0};  // where moves of other pieces than the king must end
   Bitboard unknownTargets_ = 0;      // moves to these squares are unknown

@@ -1,5 +1,5 @@
-// Prefetching of the table slots that the children of a node probe first. A load
-// from memory takes longer than making a move, so it is started before.
+// Prefetches the table slots that the children of a node probe first. A load from
+// memory takes longer than making a move, so it starts before.
 #pragma once
 
 #include "search/hash/hash_table.h"
@@ -14,11 +14,11 @@ inline const HashTable& FirstProbedTable(std::int32_t depth) {
 
 class ChildPrefetch {
  public:
-  /// The board must stand at the node whenever a prefetch is started.
+  /// The board must have the node's position whenever a prefetch is started.
   explicit ChildPrefetch(const Board& board) : board_(board) {}
 
-  /// Starts loading the slot of the child of `depth` after `move`, unless that
-  /// was the newest prefetch already. Nothing for noMove.
+  /// Starts loading the slot of the child of `depth` after `move`, unless that was the
+  /// previous prefetch. Does nothing for noMove.
   void Start(Move move, std::int32_t depth) {
     if (move == newest_) return;
     newest_ = move;

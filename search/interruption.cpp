@@ -12,18 +12,18 @@ namespace {
 constexpr std::uint32_t clockInterval = 1024;  // node entries between clock readings
 constexpr std::uint32_t inputInterval = 8192;  // counted moves between input polls
 
-// While tables meet memory for the first time a node may take ten times as long
-// and more: then clock and input are looked at after so many counted moves.
+// While table memory is not prefaulted, page faults may make a node ten times as slow
+// or slower; then clock and input are checked after so many counted moves.
 constexpr std::uint32_t fewMoves = 128;
 
-// One slice of memory is prefaulted at such a look for so much time that is left,
-// and some at most. It takes a third of a millisecond, or ten and more where the
-// machine has to fetch memory from its host.
+// At each such check one slice of memory is prefaulted for every so many milliseconds
+// left, up to maxSlices. A slice takes a third of a millisecond, or ten and more on a
+// virtual machine that gets memory from its host.
 constexpr std::int64_t timePerSlice = 25;  // ms
 constexpr int maxSlices = 4;
 
-// The quiescence search may step over an exact multiple, so the next one is
-// remembered and counts as due once it is reached or passed.
+// The quiescence search may step over an exact multiple of the interval, so a poll is
+// due once the next multiple is reached or passed.
 void Poll(SearchState& state) {
   state.nextInputPoll = (state.nodeCount / inputInterval + 1) * inputInterval;
   PollForInput(state);
@@ -55,12 +55,13 @@ void LookWhileMemoryIsMissing(SearchState& state) {
 
 void PollForInput(SearchState& state) {
   if (!searchFlags.NoInputPolling && searchHooks.pollInput != nullptr) searchHooks.pollInput();
-  StopCommanded(state);
+  CheckStopCommand(state);
 }
 
-bool OutOfTime(SearchState& state) {
-  if (HashMemoryMissing()) [[unlikely]]
+bool CheckClock(SearchState& state) {
+  if (HashMemoryMissing()) [[unlikely]] {
     LookWhileMemoryIsMissing(state);
+  }
   if (state.limits->infinite) return false;
   if (Stopped(state)) return true;
   if (state.clockPolls > clockInterval) {

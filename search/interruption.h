@@ -1,5 +1,4 @@
-// How a running search is interrupted: the clock, the input, and the unwinding
-// that follows.
+// How a running search is interrupted: clock, input, and unwinding.
 #pragma once
 
 #include <cstdint>
@@ -9,36 +8,36 @@
 
 namespace mirvo {
 
-/// Moves that the quiescence search may count beyond a due input poll before
-/// it polls itself. Games never come to that; boards full of queens do.
+/// Moves that the quiescence search may count beyond a due input poll before it polls
+/// itself. That never happens in games, only on boards full of queens.
 inline constexpr std::uint32_t quiescencePatience = 2048;
 
-/// Whether the search must unwind. Nothing returned from then on may change a
-/// line, a table or a best move.
+/// Whether the search must unwind. Scores returned from then on may not change a line,
+/// a table or a best move.
 inline bool Stopped(const SearchState& state) { return state.stopCause != StopCause::none; }
 
-/// Whether a front end asked the search to stop, which is then noted as the cause
-/// if there was none. Called after every poll: front ends run in no other place.
-inline bool StopCommanded(SearchState& state) {
+/// Checks whether a front end asked the search to stop; stores that as the cause if
+/// there is none yet. Called after every poll, the only place where front ends run.
+inline bool CheckStopCommand(SearchState& state) {
   if (!searchFlags.StopSearch) return false;
   if (!Stopped(state)) state.stopCause = StopCause::command;
   return true;
 }
 
-/// Lets the front ends handle waiting input, where there are any and polling is
-/// not switched off, and takes over a stop.
+/// Lets the front ends handle waiting input, unless there is no hook or polling is
+/// switched off; then checks for a stop.
 void PollForInput(SearchState& state);
 
-/// For each node entry of the main search: looks at the clock once in 1024
-/// entries, unless the search has no time limit. True when the search is stopped.
-bool OutOfTime(SearchState& state);
+/// Called at each node entry of the main search: reads the clock once in 1024 entries,
+/// unless the search has no time limit. True when the search is stopped.
+bool CheckClock(SearchState& state);
 
-/// For each node entry of the main search: lets the front ends handle waiting
-/// input once in 8192 counted moves.
+/// Called at each node entry of the main search: polls the input once in 8192 counted
+/// moves.
 void PollWhenDue(SearchState& state);
 
-/// Looks at clock and input from within an endless exchange; if either says stop,
-/// the quiescence search is abandoned as well.
+/// Checks clock and input from within an endless exchange; if either stops the search,
+/// the quiescence search unwinds at once as well.
 void PollOverdue(SearchState& state);
 
 /// Whether it is time for PollOverdue.

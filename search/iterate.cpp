@@ -22,13 +22,13 @@
 namespace mirvo {
 namespace {
 
-// Deeper iterations than this are never reached in play; the bound keeps the
-// recursion within the stack and squared depths within 32 bits.
+// No game reaches deeper iterations; the bound keeps the recursion within the stack
+// and squared depths within 32 bits.
 constexpr std::int32_t maxIterationDepth = 400;
 
 constexpr std::uint32_t ponderWaitSleep = 20;  // ms between two polls of a ponder wait
 
-// What one search keeps from iteration to iteration.
+// State that a search keeps between iterations.
 struct Iteration {
   PvLine pv{};
   std::uint32_t previousNodes = 0;  // of the iteration before
@@ -44,8 +44,8 @@ bool SameLine(const PvLine& a, const PvLine& b) {
   return a.length == b.length && std::equal(a.moves, a.moves + a.length, b.moves);
 }
 
-// Iterations repeated during a ponder wait are reported only when score or line
-// have changed.
+// Reports an iteration; those repeated during a ponder wait only if score or line have
+// changed.
 void Report(const SearchRecord& record, Iteration& iteration, std::int32_t score) {
   const bool changed =
       score != iteration.reportedScore || !SameLine(iteration.pv, iteration.reportedPv);
@@ -72,16 +72,16 @@ void SavePreviousPv(const PvLine& pv) {
 
 bool IsPondering(const SearchState& state) { return searchFlags.pondering && !Stopped(state); }
 
-// One round of the wait for the opponent's move by a search that has finished
-// while pondering: a poll and a short sleep.
+// One round of waiting for the opponent's move after the search has finished while
+// pondering: a poll and a short sleep.
 void WaitWhilePondering(SearchState& state, Iteration& iteration) {
   iteration.ponderWait = true;
   PollForInput(state);
   if (IsPondering(state)) SleepMilliseconds(ponderWaitSleep);
 }
 
-// Clamped so that with any value of the setting the bounds' difference and
-// negations fit in 32 bits.
+// Clamped so that for any setting the difference and the negations of the bounds fit
+// into 32 bits.
 std::int32_t WindowBound(std::int32_t score, std::int64_t distance) {
   constexpr std::int64_t largest = 1000000000;
   return static_cast<std::int32_t>(std::clamp(score + distance, -largest, largest));
@@ -104,7 +104,7 @@ void Deepen(SearchRecord& record, Iteration& iteration) {
     iteration.completedDepth = depth;
     CountBranching(record, iteration);
 
-    // A mate ends the search; while pondering only after the opponent's move.
+    // A mate ends the search, but while pondering only after the opponent's move.
     if (score >= mateThreshold || score <= -mateThreshold) {
       Report(record, iteration, score);
       if (IsPondering(state)) WaitWhilePondering(state, iteration);
@@ -117,7 +117,7 @@ void Deepen(SearchRecord& record, Iteration& iteration) {
     SavePreviousPv(iteration.pv);
     Report(record, iteration, score);
 
-    // A score outside the window is only a bound: the same depth again, open.
+    // A score outside the window is only a bound: repeat the depth with an open window.
     if (score >= beta || score <= alpha) {
       alpha = -infiniteScore;
       beta = infiniteScore;
@@ -133,7 +133,7 @@ void Deepen(SearchRecord& record, Iteration& iteration) {
   }
 }
 
-// The expected reply is handed out only if it can be played.
+// The expected reply if it is legal, else noMove.
 Move LegalReply(Board& board, Move best, Move reply) {
   if (best == noMove || reply == noMove) return noMove;
   MakeMove(board, best);
@@ -146,9 +146,9 @@ SearchResult ChooseResult(Board& board, const Iteration& iteration) {
   const PvLine& pv = iteration.pv;
   SearchResult result{noMove, noMove};
   result.best = pv.length > 0 ? pv.moves[0] : FirstLegalMove(board);
-  // A line too short to say, or none at all, leaves it to the search before.
-  const PvLine& telling = pv.length > 1 ? pv : previousPv;
-  if (telling.length > 1) result.ponder = LegalReply(board, result.best, telling.moves[1]);
+  // Without a reply in this line, use the line of the previous search.
+  const PvLine& line = pv.length > 1 ? pv : previousPv;
+  if (line.length > 1) result.ponder = LegalReply(board, result.best, line.moves[1]);
   if (iteration.endedOnMate && result.best != noMove) result.best |= mateMark;
   return result;
 }
@@ -157,8 +157,8 @@ SearchResult Iterate(SearchRecord& record) {
   timeControl.startTime = TickCount();
   record.state = SearchState{};
   record.state.limits = &record.limits;
-  StopCommanded(record.state);  // a stop may have come before the search
-  ResetHashCounters();          // evaluations between searches have counted as well
+  CheckStopCommand(record.state);  // a stop may have arrived before the search
+  ResetHashCounters();             // evaluations between searches have counted too
   Iteration iteration;
   Deepen(record, iteration);
   CopyBoard(*record.board, *record.gameBoard);
@@ -171,8 +171,8 @@ SearchResult Iterate(SearchRecord& record) {
   return result;
 }
 
-// Probes the book until its first miss. Then the game is out of the book, and the
-// search for its first move gets twice the time.
+// Probes the book until its first miss. Then the game is out of book, and the first
+// search gets twice the time.
 bool AskBook(SearchRecord& record, Move& move) {
   if (!searchFlags.BookInUse) return false;
   if (ProbeBook(openingBook, *record.gameBoard, move)) return true;

@@ -1,5 +1,5 @@
-// The position key after a move, computed before the move is made, so that the
-// new position's table slots can be prefetched meanwhile.
+// The position key after a move, computed before the move is made, so that the table
+// slots of the new position can be prefetched.
 #pragma once
 
 #include <cstdint>
@@ -10,10 +10,9 @@
 
 namespace mirvo {
 
-/// Key after `move`. Exact unless the move castles, promotes, captures en
-/// passant or changes castling rights or the en-passant square: then it is some
-/// other key, good only for a useless prefetch. A capture must have its victim's
-/// kind in the move word.
+/// Key after `move`. Wrong for moves that castle, promote, capture en passant or change
+/// castling rights or the en-passant square, for which the prefetch is useless but
+/// harmless. A capture must have its victim's kind in the move word.
 inline std::uint64_t KeyAfter(const Board& board, Move move) {
   const int side = board.sideToMove;
   const int kind = MovingKind(move);

@@ -1,5 +1,5 @@
-// Ordering knowledge that outlives a node: killers, history, and the previous
-// principal variation.
+// Move ordering data that outlives a node: killers, history, and the previous principal
+// variation.
 #pragma once
 
 #include <cstdint>

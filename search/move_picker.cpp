@@ -52,8 +52,8 @@ bool MovePicker::Next(Move& move, std::int32_t& score) {
   }
 }
 
-// The hash move is played only if the generator offers it here. The word played
-// is the table's, which names the promotion piece.
+// Accepts the hash move only if the generator offers it here. Returns the table's move
+// word, which names the promotion piece.
 bool MovePicker::TakeHashMove(Move& move, std::int32_t& score) {
   if (hashMove_ == noMove) return false;
   GenerateCapturesOnce();
@@ -134,10 +134,10 @@ Move MovePicker::Peek() const {
   return index < 0 ? noMove : generator_.moves[index];
 }
 
-// Captures are scored as if none lost material. The exchange is evaluated when a
-// capture's turn comes, since after a cut-off it would be wasted; a capture that
-// loses goes back with its loss for a score. Once the good captures are through,
-// every capture left is known to lose.
+// Captures are first scored as if none lost material. The exchange value is computed
+// when a capture's turn comes, because a cut-off makes most of them unnecessary; a
+// capture that loses material goes back with its loss as the score. After the good
+// captures every capture left is a losing one.
 bool MovePicker::TakeCapture(std::int32_t minimum, Move& move, std::int32_t& score) {
   for (;;) {
     const int index = scoredCaptures_.TakeBest(minimum, score);

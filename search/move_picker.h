@@ -1,5 +1,5 @@
-// The staged move picker: gives the main and the root search one move at a
-// time, best first, and generates no more than it has to.
+// The staged move picker: gives the main and the root search one move at a time, best
+// first, and generates moves only when they are needed.
 #pragma once
 
 #include <cstdint>
@@ -27,7 +27,7 @@ inline constexpr std::int32_t hashMoveScore = 100000;
 inline constexpr std::int32_t killerScore = 10000;
 inline constexpr std::int32_t previousPvScore = 10250;
 
-/// One node's picker. Lives on the node's stack; nothing in it is allocated.
+/// The picker of one node, on its stack; allocates nothing.
 class MovePicker {
  public:
   /// `iterationDepth` - `depth` is the node's index in the previous PV.
@@ -37,12 +37,12 @@ class MovePicker {
   /// hash move may come a second time from a later stage.
   bool Next(Move& move, std::int32_t& score);
 
-  /// A guess at the move that Next gives next: the best move left in the stage
-  /// of the newest one, or noMove when that stage has no other. Costs nothing;
-  /// wrong for a capture that turns out to lose material.
+  /// A cheap guess of the next move from Next: the best move left in the current stage,
+  /// or noMove if that stage has none. Wrong for a capture that turns out to lose
+  /// material.
   Move Peek() const;
 
-  /// Stage that the newest move came from.
+  /// Stage of the newest move.
   PickerStage Stage() const { return *stage_; }
 
   /// Whether the newest move is a late one: quiet, or a capture that loses.
@@ -68,7 +68,7 @@ class MovePicker {
   std::int32_t captureCount_ = 0;
   BBMoveGenerator2 generator_;
   ScoredMoveList scoredCaptures_;  // of the generator's first captureCount_ moves
-  ScoredMoveList scoredQuiets_;    // of those behind them
+  ScoredMoveList scoredQuiets_;    // of those after them
 };
 
 }  // namespace mirvo

@@ -1,4 +1,4 @@
-// Thinking on the opponent's time: hit and miss bookkeeping.
+// Pondering: hits, misses and their statistics.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +12,8 @@ struct PonderStats {
   std::uint32_t misses = 0;
 };
 
-/// Owner: pondering.cpp. Writers: PonderHit; the XBoard front end counts misses.
+/// Owner: pondering.cpp. Writers: PonderHit counts hits; the XBoard front end counts
+/// misses and resets both in a new game.
 extern PonderStats ponderStats;
 
 /// The opponent played the expected move: the search with these limits becomes a

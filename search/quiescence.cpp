@@ -27,9 +27,8 @@ namespace {
 constexpr std::int32_t deltaMargin = 100;  // centipawns
 constexpr std::int32_t anyScore = -ScoredMoveList::maxScore;
 
-// Scores every move: captures as if none lost material, quiet moves, which are
-// searched only in check, by their history. Writes the victim of each capture
-// into its word.
+// Scores every move: captures as if none lost material; quiet moves, which are searched
+// only in check, by their history. Writes the victim of each capture into its word.
 void ScoreMoves(const Board& board, BBMoveGenerator2& generator, ScoredMoveList& list) {
   ScoredMoveList::Filler scores(list);
   for (int i = 0; i < generator.count; ++i) {
@@ -55,9 +54,8 @@ Bitboard PiecesWorth(const Board& board, std::int32_t needed) {
   return set;
 }
 
-// Delta pruning ahead of the scoring: puts the captures whose victim is worth
-// less than `needed`, which is more than a pawn, behind the others. Returns how
-// many there are.
+// Delta pruning before scoring: moves the captures whose victim is worth less than
+// `needed`, which is more than a pawn, to the end of the list. Returns their number.
 int PutDeltaPrunedLast(const Board& board, std::int32_t needed, BBMoveGenerator2& generator) {
   const Bitboard wanted = PiecesWorth(board, needed);
   int nKept = 0;
@@ -69,9 +67,9 @@ int PutDeltaPrunedLast(const Board& board, std::int32_t needed, BBMoveGenerator2
   return generator.count - nKept;
 }
 
-// Whether one of the captures is legal. The side must not be in check: then a
-// capture on an occupied square is, unless the king makes it or a piece that may
-// stand on a pin line.
+// Whether one of the captures is legal. The side must not be in check; then a capture
+// on an occupied square is legal unless the king or a piece on a possible pin line
+// makes it.
 bool AnyLegalCapture(Board& board, const Move* captures, int count) {
   const int kingSquare = KingSquare(board, board.sideToMove);
   const Bitboard pinLines = RookLines(kingSquare) | BishopLines(kingSquare);
@@ -83,7 +81,7 @@ bool AnyLegalCapture(Board& board, const Move* captures, int count) {
   return false;
 }
 
-// Drops the moves known to be illegal: in check most are.
+// Drops the moves known to be illegal, which in check are most.
 void DropIllegal(const CheckInfo& checkInfo, BBMoveGenerator2& generator) {
   int nKept = 0;
   for (int i = 0; i < generator.count; ++i) {
@@ -118,8 +116,8 @@ std::int32_t Quiesce(SearchState& state, Board& board, std::int32_t alpha, std::
   if (eval > alpha && !inCheck) alpha = eval;
   if (board.undoDepth >= undoCapacity - 1) return best;  // no room to make a move
 
-  // 2. Captures, or every move when in check. Nothing to try keeps the static
-  // score, even in check.
+  // 2. Captures, or every move when in check. Without any the static score stands, even
+  // in check.
   BBMoveGenerator2 generator(board, side);
   generator.GenerateCaptures();
   if (inCheck) generator.GenerateNonCaptures();
@@ -146,8 +144,8 @@ std::int32_t Quiesce(SearchState& state, Board& board, std::int32_t alpha, std::
   for (int index = 0; (index = list.TakeBest(anyScore, orderScore)) >= 0;) {
     const Move move = generator.moves[index];
 
-    // 3a. Prune. Moves that lose material count only as legal ones; where they
-    // are not pruned, they come after the others.
+    // 3a. Prune. Of moves that lose material only the legality matters; if they are not
+    // pruned, they come after the others.
     if (mayPrune && !IsPromotion(move)) {
       if (margin + exchangeValue[CapturedKind(move)] < alpha || ExchangeLoss(board, move) < 0) {
         anyLegal = anyLegal || TryMove(board, checkInfo, move).legal;
@@ -170,12 +168,14 @@ std::int32_t Quiesce(SearchState& state, Board& board, std::int32_t alpha, std::
     anyLegal = true;
     ++state.nodeCount;
     ++searchStats.nQSNodes;
-    if (IsPollOverdue(state)) [[unlikely]]
+    if (IsPollOverdue(state)) [[unlikely]] {
       PollOverdue(state);
+    }
     const std::int32_t score = -Quiesce(state, board, -beta, -alpha, qply + 1);
     UnmakeMove(board);
-    if (state.stopCause == StopCause::abandonedExchange) [[unlikely]]
+    if (state.stopCause == StopCause::abandonedExchange) [[unlikely]] {
       return best;
+    }
 
     // 3c. Judge.
     if (score > best) {
@@ -185,7 +185,7 @@ std::int32_t Quiesce(SearchState& state, Board& board, std::int32_t alpha, std::
     }
   }
 
-  // 4. Moves were there but none was legal: mate, or 0 when not in check.
+  // 4. There were moves, but none was legal: mate, or 0 when not in check.
   if (anyLegal || AnyLegalCapture(board, generator.moves + generator.count, nDeltaPruned)) {
     return best;
   }

@@ -10,7 +10,7 @@ std::int32_t PvReductions[reductionTableSize][reductionTableSize];
 void BuildReductionTables() {
   for (int row = 0; row < reductionTableSize; ++row) {
     for (int column = 0; column < reductionTableSize; ++column) {
-      // The depth counts double: 2 * row + 1 is this engine's choice.
+      // This engine's formula doubles the depth: 2 * row + 1.
       const float product =
           std::log(static_cast<float>(2 * row + 1)) * std::log(static_cast<float>(column + 1));
       NonPvReductions[row][column] =

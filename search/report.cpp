@@ -30,7 +30,7 @@ void FormatMove(Move move, bool san, char* text) {
   }
 }
 
-// Text of a whole line, so that it goes out in one piece.
+// The text of a whole line, which is printed at once.
 struct PvText {
   char text[(pvCapacity + 2) * moveTextCapacity] = "";
   std::size_t length = 0;
@@ -80,7 +80,7 @@ void ReportForXBoard(const SearchRecord& record, const PvLine& pv, std::int32_t 
          static_cast<std::int32_t>(record.state.nodeCount), line.text);
 }
 
-// Two lines: the first carries the depth alone.
+// Prints two lines; the first has only the depths.
 void ReportForUci(const SearchRecord& record, const PvLine& pv, std::int32_t score,
                   std::int32_t elapsed) {
   const std::int32_t depth = record.state.iterationDepth;
@@ -110,7 +110,7 @@ void ReportForConsole(const SearchRecord& record, const PvLine& pv, std::int32_t
     halfMove = 1;
   }
   for (int i = 0; i < pv.length; ++i, ++halfMove) {
-    // Move numbers are for the eye only; the log does without them.
+    // Move numbers go to the console only, not to the log.
     if (halfMove % 2 == 0) PrintToConsole("%d.", halfMove / 2 + 1);
     char moveText[moveTextCapacity];
     MoveToSan(pv.moves[i], moveText);

@@ -1,5 +1,5 @@
-// What a running search prints: a line per iteration, in the form of the protocol
-// or for the console, and at times the root move being searched.
+// The output of a running search: a line per iteration, for the protocol or for the
+// console, and at intervals the root move being searched.
 #pragma once
 
 #include <cstdint>
@@ -9,14 +9,13 @@
 
 namespace mirvo {
 
-/// Console line if the record asks for that style; else the line of the protocol
-/// in use, UCI's if there is none.
-/// `score` is in centipawns, in the view of the side to move at the root.
+/// Prints the console line if the record asks for that style; else the line of the
+/// protocol in use, or UCI's if there is none. `score` is in centipawns for the side
+/// to move at the root.
 void ReportIteration(const SearchRecord& record, const PvLine& pv, std::int32_t score);
 
-/// Prints the line's moves, each followed by a blank; while pondering the expected
-/// reply comes first in parentheses. Kept as a printer of lines for debugging;
-/// the reports put their lines together whole.
+/// Prints the line's moves, each followed by a blank; while pondering first the expected
+/// reply in parentheses. Kept for debugging; the reports build whole lines themselves.
 void PrintPV(const PvLine& pv, bool san);
 
 /// Prints the root move about to be searched, at most once a second: under UCI

@@ -28,8 +28,8 @@ std::int32_t ExtensionLimit(std::int32_t depth) {
   return static_cast<std::int32_t>(limit);
 }
 
-// A search of the root with one ply less finds a first move when the table has
-// none. It sets the extension limit for its own depth.
+// Searches the root with one ply less to find a first move when the table has none.
+// That search sets the extension limit for its own depth, so this restores it.
 Move FindRootMoveByDeepening(SearchState& state, Board& board, const NodeInput& node) {
   const std::int32_t outerLimit = state.extensionLimit;
   NodeInput shallow = node;
@@ -54,9 +54,7 @@ std::int32_t SearchRoot(SearchState& state, Board& board, const NodeInput& input
   Move hashMove = noMove;
   std::int32_t ignored = 0;
   HashProbe(TranspositionTable, key, hashMove, ignored, alpha, beta, depth);
-  if (hashMove == noMove && depth >= 3) {
-    hashMove = FindRootMoveByDeepening(state, board, input);
-  }
+  if (hashMove == noMove && depth >= 3) hashMove = FindRootMoveByDeepening(state, board, input);
 
   // 2. The moves.
   const bool inCheck = InCheck(board, side);
@@ -74,7 +72,7 @@ std::int32_t SearchRoot(SearchState& state, Board& board, const NodeInput& input
   for (int number = 0; picker.Next(move, orderScore); ++number) {
     // 2a. Input, progress, legality.
     PollForInput(state);
-    if (StopCommanded(state)) return Quiesce(state, board, alpha, beta, 0);
+    if (CheckStopCommand(state)) return Quiesce(state, board, alpha, beta, 0);
     ReportRootMove(state.limits->reportStyle, board, move, number);
     MakeMove(board, move);
     if (MoverLeftInCheck(board)) {
@@ -85,7 +83,7 @@ std::int32_t SearchRoot(SearchState& state, Board& board, const NodeInput& input
     ++state.nodeCount;
     ++searchStats.nNodes;
 
-    // 2b. Mate in one needs no search; its move carries no check mark.
+    // 2b. Mate in one needs no search; its move has no check mark.
     const bool givesCheck = InCheck(board, board.sideToMove);
     if (givesCheck && FirstLegalMove(board) == noMove) {
       UnmakeMove(board);
@@ -95,8 +93,7 @@ std::int32_t SearchRoot(SearchState& state, Board& board, const NodeInput& input
     if (givesCheck) move |= checkMark;
     const bool isCapture = IsCapture(move);
 
-    // 2c. A return to an earlier position is a draw; everything else is
-    // searched as in the main search.
+    // 2c. A repetition is a draw; all other moves are searched as in the main search.
     std::int32_t score = 0;
     const bool repeats = !isCapture && IsRepetition(board);
     if (!repeats) {
@@ -136,15 +133,13 @@ std::int32_t SearchRoot(SearchState& state, Board& board, const NodeInput& input
     if (!isCapture && !repeats && nQuiets < moveListCapacity) quiets[nQuiets++] = move;
   }
 
-  // 3. Mated or stalemated at the root.
+  // 3. Mate or stalemate at the root.
   if (!anyLegal) {
     if (!inCheck) {
       if (pv != nullptr) pv->length = 0;
       return 0;
     }
-    if (!Stopped(state)) {
-      HashStore(TranspositionTable, key, noMove, -mateScore, upperBound, depth);
-    }
+    if (!Stopped(state)) HashStore(TranspositionTable, key, noMove, -mateScore, upperBound, depth);
     return -mateScore;
   }
 

@@ -7,9 +7,9 @@
 
 namespace mirvo {
 
-/// Searches the root position and returns its score. `pv`, when given, takes the
-/// line of every move that raises alpha and is left alone when none does. A mate
-/// in one scores mateScore, being mated -mateScore.
+/// Searches the root position and returns its score. `pv`, when given, receives the
+/// line of every move that raises alpha and does not change if none does. A mate in
+/// one scores mateScore, being mated -mateScore.
 std::int32_t SearchRoot(SearchState& state, Board& board, const NodeInput& input, PvLine* pv);
 
 }  // namespace mirvo

@@ -1,4 +1,4 @@
-// The scores of a move list, laid out so that the best move left is found fast.
+// The scores of a move list, laid out for finding the best remaining move fast.
 #pragma once
 
 #include <algorithm>
@@ -10,10 +10,10 @@
 
 namespace mirvo {
 
-/// Selects moves of a list by score, best first, as indices into the list. Each
-/// move has one key: the score in the upper bits and, in the lower ones, the
-/// distance of its index from the largest. So no two keys are equal, the greatest
-/// key is the earliest of the best moves, and it contains the move's index.
+/// Selects moves of a list by score, best first, as indices into the list. The key of a
+/// move has the score in its upper bits and the largest index minus the move's index in
+/// its lower bits. So all keys differ, the greatest key is that of the first of the
+/// best moves, and it contains the move's index.
 class ScoredMoveList {
  public:
   /// Scores lie within +-maxScore.
@@ -46,8 +46,8 @@ class ScoredMoveList {
     std::int32_t best_ = noKey;
   };
 
-  /// Takes the best move left whose score is at least `minimum`. Returns its
-  /// index and writes its score; returns -1 when there is none.
+  /// Takes the best remaining move if its score is at least `minimum`: returns its index
+  /// and writes its score. Otherwise returns -1.
   int TakeBest(std::int32_t minimum, std::int32_t& score) {
     const int index = PeekBest(minimum);
     if (index < 0) return -1;
@@ -56,14 +56,14 @@ class ScoredMoveList {
     return index;
   }
 
-  /// Puts the move that was taken last back, with a lower score.
+  /// Puts the move taken last back, with a lower score.
   void PutBack(int index, std::int32_t score) {
     const std::int32_t key = KeyOf(score, index);
     keys_[index] = key;
     best_ = key > best_ ? key : best_;
   }
 
-  /// The index that TakeBest would return now.
+  /// The index that TakeBest would return.
   int PeekBest(std::int32_t minimum) const {
     return best_ < minimum * indexRange ? -1 : IndexOf(best_);
   }
@@ -84,9 +84,8 @@ class ScoredMoveList {
   }
   static int IndexOf(std::int32_t key) { return indexRange - 1 - (key & (indexRange - 1)); }
 
-  /// Greatest key below `limit`. Moves already taken have keys from `limit` on, so
-  /// they need no mark: a block read just after one of its keys was written would
-  /// have to wait for that write.
+  /// Greatest key below `limit`. Moves already taken have keys from `limit` on, so they
+  /// need no mark, which would cost a store-forwarding stall when the block is read.
   std::int32_t GreatestBelow(std::int32_t limit) const {
     const Lanes none = Lanes{} + noKey;
     Lanes best = none;

@@ -1,5 +1,5 @@
-// The main search: principal-variation alpha-beta over one node and below, and
-// what it shares with the root search.
+// The main search, a principal-variation search, and what it shares with the root
+// search.
 #pragma once
 
 #include <cstdint>
@@ -13,18 +13,18 @@
 
 namespace mirvo {
 
-/// Score of the position in the side to move's view. Being mated scores the
-/// node's remaining depth - mateScore. `pv`, when given, must be empty and takes
-/// the node's line; it stays empty when the node returns without one.
+/// Score of the position for the side to move. Being mated scores the node's remaining
+/// depth - mateScore. `pv`, when given, must be empty and receives the node's line; it
+/// stays empty when the node returns without one.
 std::int32_t Search(SearchState& state, Board& board, const NodeInput& input, PvLine* pv);
 
-/// Score of the move just made, in the view of the side that made it: searches
-/// the position with the negated, swapped window (alpha, beta). `childPv`, when
-/// given, is emptied first and takes the child's line.
+/// Score of the move just made, for the side that made it: searches the position with
+/// the negated, swapped window (alpha, beta). `childPv`, when given, is emptied first
+/// and receives the child's line.
 std::int32_t SearchChild(SearchState& state, Board& board, std::int32_t alpha, std::int32_t beta,
                          std::int32_t depth, bool afterCapture, PvLine* childPv);
 
-/// Late moves are reduced from this depth of the node on.
+/// Smallest depth of a node at which late moves are reduced.
 inline constexpr std::int32_t minReducedDepth = 3;
 
 /// A legal move about to be searched.
@@ -36,8 +36,8 @@ struct Candidate {
   bool givesCheck;
 };
 
-/// Whether a late move may be searched at reduced depth: it is not extended,
-/// gives no check, and is no capture that at least keeps the balance.
+/// Whether a late move may be searched at reduced depth: it is not extended, gives no
+/// check, and is not a capture without loss of material.
 inline bool MayReduce(const Candidate& candidate) {
   const bool goodCapture = candidate.isCapture && candidate.orderScore >= 0;
   return candidate.extension == 0 && !goodCapture && !candidate.givesCheck;
@@ -54,11 +54,10 @@ struct MoveSearch {
   bool isCapture = false;
 };
 
-/// Score of the move just made, in the view of the side that made it. A later
-/// move has to beat alpha in a null window before it gets the full one, and a
-/// reduced one at the smaller depth before that. `pv`, when given, takes the
-/// child's line when the full window is searched. Always inlined: calling it
-/// costs 0.9 % of a search's instructions.
+/// Score of the move just made, for the side that made it. A later move must beat alpha
+/// in a null window before it is searched with the full one, and a reduced move first at
+/// the smaller depth. `pv`, when given, receives the child's line when the full window
+/// is searched. Always inlined: a call costs 0.9 % of a search's instructions.
 [[gnu::always_inline]] inline std::int32_t SearchMove(SearchState& state, Board& board,
                                                       const MoveSearch& search, PvLine* pv) {
   const std::int32_t alpha = search.alpha;
@@ -85,26 +84,26 @@ struct MoveSearch {
 /// moves to the second or seventh rank.
 bool IsExtendedKind(Move move);
 
-/// Plies by which a move is extended: 1 for that kind while the path's limit
-/// allows it, else 0. Counts every move of that kind in the statistics.
+/// Plies by which a move is extended: 1 for that kind while the limit of the path allows
+/// it, else 0. Counts every move of that kind in the statistics.
 int CountExtension(SearchStats& stats, const SearchState& state, Move move);
 
 /// Search or SearchRoot.
 using NodeSearch = std::int32_t(SearchState& state, Board& board, const NodeInput& input,
                                 PvLine* pv);
 
-/// Internal iterative deepening: a node without a hash move is searched with
-/// less depth (`shallow`), a second time with an open window if it fails low.
-/// Returns the move that the table then has for it when probed with
-/// `probeDepth`; noMove when there is none or the search was stopped.
+/// Internal iterative deepening: searches a node without a hash move at smaller depth
+/// (`shallow`), a second time with an open window if it fails low. Returns the move that
+/// a probe of the table with `probeDepth` then gives; noMove if there is none or the
+/// search was stopped.
 Move FindMoveByDeepening(SearchState& state, Board& board, const NodeInput& shallow,
                          std::int32_t probeDepth, NodeSearch* search);
 
 /// Replaces `pv` by `move` followed by `child`.
 void WritePv(PvLine& pv, Move move, const PvLine& child);
 
-/// A quiet move caused a cut-off: killer, history bonus, and history malus for
-/// the quiet moves tried before it.
+/// Updates move ordering after a cut-off by a quiet move: killer, history bonus, and
+/// history malus for the quiet moves tried before it.
 void RewardQuietCutoff(const SearchState& state, const Board& board, Move move, int depth,
                        const Move* tried, int nTried);
 

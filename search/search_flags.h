@@ -1,5 +1,5 @@
-// Flags between front ends and a running search. There is one thread: a front end
-// sets them when the search's poll calls it, and the search reads them afterwards.
+// Flags between front ends and a running search. There is one thread: front ends set
+// them when the search polls the input, and the search reads them afterwards.
 #pragma once
 
 #include "board/move.h"

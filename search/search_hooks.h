@@ -1,5 +1,5 @@
-// Calls from the search into the layers above it, as function pointers that
-// start-up fills in. A null pointer means that there is nothing to call.
+// Calls from the search to the layers above it, as function pointers that start-up
+// sets. A null pointer means that there is nothing to call.
 #pragma once
 
 namespace mirvo {

@@ -1,5 +1,5 @@
-// What a search is asked to do and what ends it. Travels in the search record:
-// set by whoever starts the search, changed by a ponder hit while it runs.
+// The limits of a search. Part of the search record: set before the search starts,
+// changed by a ponder hit while it runs.
 #pragma once
 
 #include <cstdint>
@@ -14,7 +14,7 @@ inline constexpr std::int32_t noDeadline = -1;
 /// For whom a search reports.
 enum class ReportStyle : std::uint8_t {
   protocol,  // in the form of the protocol in use
-  console,   // for the eye: a run of a test suite
+  console,   // for people: a run of a test suite
 };
 
 struct SearchLimits {
@@ -22,14 +22,13 @@ struct SearchLimits {
   /// Allotted time in ms, from timeControl.startTime on.
   std::int32_t milliseconds = noFixedTime;
   std::int32_t deadline = noDeadline;  // ms from then on, whatever is allotted
-  bool infinite = false;               // the clock is never looked at
-  /// Begins on the opponent's time; searchFlags.pondering says whether it still
-  /// is the opponent's.
+  bool infinite = false;               // no clock
+  /// Starts as a ponder search; searchFlags.pondering says whether it still ponders.
   bool ponder = false;
   ReportStyle reportStyle = ReportStyle::protocol;
 };
 
-/// Limits that no clock ends.
+/// Limits without a clock.
 inline constexpr SearchLimits unlimited{.infinite = true};
 
 /// The limits that the settings give a search: its depth and its time.

@@ -8,7 +8,7 @@ constinit SearchStats searchStats;
 
 namespace {
 
-// Quotient for the report; nothing counted reads as 0.
+// Average for the report; 0 if nothing was counted.
 double Average(float sum, float count) {
   return count == 0.0F ? 0.0 : static_cast<double>(sum / count);
 }

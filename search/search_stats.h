@@ -7,8 +7,8 @@ namespace mirvo {
 
 /// Process-wide sums over all searches; nothing resets them.
 struct SearchStats {
-  std::int32_t nNodes = 0;    // moves searched by the main and root search
-  std::int32_t nQSNodes = 0;  // moves searched by the quiescence search
+  std::int32_t nNodes = 0;    // moves counted by the main and root search
+  std::int32_t nQSNodes = 0;  // moves counted by the quiescence search
   float depthSum = 0.0F;
   float depthCount = 0.0F;
   float branchingSum = 0.0F;
@@ -24,7 +24,7 @@ struct SearchStats {
 /// Owner: search_stats.cpp. Writers: the search.
 extern SearchStats searchStats;
 
-/// The "gen>", "ext>" and "mp>" lines.
+/// Prints the "gen>", "ext>" and "mp>" lines.
 void PrintSearchStats();
 
 }  // namespace mirvo

@@ -9,12 +9,11 @@
 namespace mirvo {
 namespace {
 
-// One gain a capture, and no board has more than 64 pieces.
+// One gain per capture, and no more captures than squares.
 constexpr int maxExchanges = nSquares + 1;
 
-// An exchange in progress: who still attacks the square, given an occupancy
-// without the pieces that have captured already, and the sliders that look at
-// the square through other pieces.
+// An exchange in progress: the remaining attackers of the square, without the pieces
+// that have captured already, and the sliders behind other pieces.
 struct Exchange {
   Exchange(const Board& position, int target);
 
@@ -44,8 +43,8 @@ Exchange::Exchange(const Board& position, int target)
       (KingAttacks[square] & (whites[king] | blacks[king])) | diagonalAttackers | lineAttackers;
 }
 
-// Removes a capturing piece from its square and adds the x-ray attackers behind
-// it. Those behind a king are left out; a knight uncovers none.
+// Removes a capturing piece from its square and adds the x-ray attackers behind it.
+// None are added behind a king or a knight.
 void RemoveAttacker(Exchange& exchange, int square, int kind) {
   const RotatedBits& bits = RotatedBitsOf[static_cast<std::size_t>(square)];
   exchange.views.occupied &= ~Bit(square);

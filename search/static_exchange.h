@@ -1,5 +1,5 @@
-// Static exchange evaluation: what a capture wins or loses when both sides go
-// on capturing on its target square.
+// Static exchange evaluation: the gain or loss of a capture when both sides continue to
+// capture on its target square.
 #pragma once
 
 #include <cstdint>
@@ -32,7 +32,7 @@ inline std::int32_t CaptureScore(Move move, int victim) { return MvvLva[victim][
 /// of a capture that loses material. The word must name the victim.
 inline std::int32_t ExchangeLoss(const Board& board, Move move) {
   const int victim = CapturedKind(move);
-  // Nothing is lost when the recapture wins no more than the capture took.
+  // A recapture that wins no more than the capture took loses nothing.
   if (exchangeValue[MovingKind(move)] <= exchangeValue[victim]) return 0;
   const std::int32_t exchange = StaticExchange(board, move, victim);
   return exchange < 0 ? exchange : 0;

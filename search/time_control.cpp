@@ -51,8 +51,7 @@ void SetDeadline(SearchLimits& limits, std::int32_t overhead, const OwnClock& cl
 }
 
 std::int64_t TimeLeft(const SearchLimits& limits) {
-  // The allotted time may be used to its last millisecond, the deadline's own
-  // millisecond is too late.
+  // Time is up when the allotted time is exceeded or the deadline is reached.
   std::int64_t time = limits.milliseconds;
   if (limits.deadline != noDeadline) time = std::min(time, std::int64_t{limits.deadline} - 1);
   return time - ElapsedSince(timeControl.startTime);

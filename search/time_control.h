@@ -21,22 +21,22 @@ struct OwnClock {
   bool received = false;      // without a clock there is nothing to keep to
 };
 
-/// Turns the clock into milliseconds for this move, allots them and prints the
-/// "Allowing" line. Times in ms, any value; quotients are taken in 64 bits and
-/// saturated, negative ones are 0.
+/// Computes the time for this move from the clock, stores it in the limits and prints
+/// the "Allowing" line. Times in ms, any value; computed in 64 bits and saturated,
+/// negative results are 0.
 void AllocateTime(SearchLimits& limits, std::int32_t movesToGo, std::int32_t timeLeft,
                   std::int32_t increment);
 
-/// Doubles the allotted time (saturated): the first move out of the book.
+/// Doubles the allotted time (saturated), for the first move out of book.
 void DoubleAllottedTime(SearchLimits& limits);
 
-/// Ends a timed search where the own clock would run out less `overhead` ms, 1 ms
-/// after the start at the earliest. Nothing ends it so with an overhead of 0 or
-/// below.
+/// Sets the deadline of a timed search to the time left on the engine's clock minus
+/// `overhead` ms, at least 1 ms. No deadline if the overhead is not above 0 or the
+/// clock is not known.
 void SetDeadline(SearchLimits& limits, std::int32_t overhead, const OwnClock& clock);
 
-/// Milliseconds until a timed search ends, by the allotted time or the deadline
-/// before it; negative when it is to end now.
+/// Milliseconds until a timed search ends, by the allotted time or an earlier deadline;
+/// negative when it must end now.
 std::int64_t TimeLeft(const SearchLimits& limits);
 
 /// Whether more than the allotted time has passed since the start, or the

@@ -1,5 +1,4 @@
-// What a node finds out about a move before it searches it, and the making of a
-// move about which that is known.
+// Tests a move before it is searched, and makes a move that has been tested.
 #pragma once
 
 #include "board/attacks.h"
@@ -13,8 +12,8 @@ struct MoveStatus {
   bool givesCheck = false;  // of a legal move
 };
 
-/// Whether `move`, which the generator offers, is legal and gives check. Made and
-/// unmade for the answer only where `checkInfo` does not know.
+/// Whether a generated `move` is legal and gives check. Makes and unmakes it only if
+/// `checkInfo` does not know.
 inline MoveStatus TryMove(Board& board, const CheckInfo& checkInfo, Move move) {
   const Legality legality = checkInfo.LegalityOf(move);
   if (legality != Legality::unknown) {
@@ -28,7 +27,7 @@ inline MoveStatus TryMove(Board& board, const CheckInfo& checkInfo, Move move) {
   return status;
 }
 
-/// Makes a legal move; the board is told whether it gives check.
+/// Makes a legal move and stores on the board whether it gives check.
 inline void MakeTriedMove(Board& board, Move move, bool givesCheck) {
   MakeMove(board, move);
   board.inCheckCache = givesCheck ? 1 : 0;

@@ -31,9 +31,7 @@ struct Arguments {
   bool HasMore() const { return next < count; }
   /// The next word; the empty text when there is none.
   const char* Take() {
-    if (!HasMore()) {
-      return "";
-    }
+    if (!HasMore()) return "";
     const char* const word = words[next++];
     return word != nullptr ? word : "";
   }
@@ -61,9 +59,7 @@ void TakePerft(EngineConfig& config, Arguments& arguments) {
 
 void TakeTest(EngineConfig& config, Arguments& arguments) {
   config.RunMode = RunModeCode::test;
-  if (arguments.HasMore()) {
-    TakePosition(arguments, config.CommandLineBoard);
-  }
+  if (arguments.HasMore()) TakePosition(arguments, config.CommandLineBoard);
 }
 
 void TakeAnalyze(EngineConfig& config, Arguments& arguments) {
@@ -97,9 +93,7 @@ void RunCreateBook(EngineConfig& config, Arguments& arguments) {
   const std::int32_t maxPlies = ReadDecimal(arguments.Take());
   const std::int32_t minHits = ReadDecimal(arguments.Take());
   const char* const outPath = arguments.Take();
-  if (CreateBook(openingBook, games, maxPlies, minHits) > 0) {
-    SaveBook(openingBook, outPath);
-  }
+  if (CreateBook(openingBook, games, maxPlies, minHits) > 0) SaveBook(openingBook, outPath);
 }
 
 void RunMergeBooks(EngineConfig& config, Arguments& arguments) {

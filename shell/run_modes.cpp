@@ -48,9 +48,7 @@ void LoadEngineBook(EngineConfig& config) {
 
 int Run(EngineConfig& config) {
   // Book tools ran while the command line was read.
-  if (config.ToolRunOnly) {
-    return 0;
-  }
+  if (config.ToolRunOnly) return 0;
   switch (config.RunMode) {
     case RunModeCode::engine:
       RunEngine(config);

@@ -91,9 +91,7 @@ void AllocateHashTables() {
 
 /// Makes book choices differ between runs, by the time of the start.
 void WarmUpRandom() {
-  for (std::uint32_t nSteps = TickCount() % warmUpModulus; nSteps > 0; --nSteps) {
-    NextRandom();
-  }
+  for (std::uint32_t nSteps = TickCount() % warmUpModulus; nSteps > 0; --nSteps) NextRandom();
   ShowProgress();
 }
 
@@ -113,9 +111,7 @@ void StartUp(int argc, const char* const* argv) {
   AllocateHashTables();
   WarmUpRandom();
   Output(output, "Done.\n");
-  if (!engineConfig.ToolRunOnly) {
-    PrintConfig(engineConfig);
-  }
+  if (!engineConfig.ToolRunOnly) PrintConfig(engineConfig);
 }
 
 }  // namespace mirvo

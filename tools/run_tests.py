@@ -29,6 +29,8 @@ WHY_LEFT_OUT = {
              "***  not be installed (g++-aarch64-linux-gnu, googletest, qemu-user).",
     "s390x": "its compiler or qemu is not there and could\n"
              "***  not be installed (g++-s390x-linux-gnu, googletest, qemu-user).",
+    "web": "its compiler, Node or a browser is not there\n"
+           "***  and could not be installed (emscripten, nodejs, npm, chromium).",
 }
 FRAME = "*" * 79
 

@@ -15,8 +15,8 @@ constexpr std::size_t slotSize = sizeof(HashEntry);
 constexpr std::size_t tagSize = sizeof(std::uint8_t);
 static_assert(slotSize == std::size_t{1} << slotShift);
 
-/// Bytes for slots and tags, wherever the block begins. 64 bits wide: the largest
-/// tables have more of them than addresses of 32 bits reach.
+/// Bytes for slots and tags, with room for aligning the slots. 64 bits wide: the
+/// largest tables have more of them than addresses of 32 bits reach.
 std::uint64_t BlockSize(std::uint32_t nSlots) {
   return std::uint64_t{nSlots} * (slotSize + tagSize) + (slotSize - 1);
 }
@@ -41,7 +41,7 @@ void HashAllocate(HashTable& table) {
   HashRetire(table);
   table.entries = nullptr;
   table.tags = nullptr;
-  // The megabytes are counted in 32 bits: sizes from 4096 on wrap around.
+  // Sizes are computed in 32 bits, so 4096 megabytes and more wrap around.
   std::uint32_t nSlots = (table.size << megabyteShift) >> slotShift;
   if (nSlots == 0) nSlots = minHashSlots;
   while (nSlots != 0 && !ReserveSlots(table, nSlots)) nSlots /= 2;
@@ -51,7 +51,7 @@ void HashAllocate(HashTable& table) {
   // Fresh memory is zero, and an all-zero slot counts as empty.
   const auto address = reinterpret_cast<std::uintptr_t>(table.block);
   const std::uintptr_t aligned = (address + slotSize - 1) & ~std::uintptr_t{slotSize - 1};
-  // Rounding an address up takes the way over an integer; it is done once.
+  // Rounding an address up needs a conversion from an integer.
   // NOLINTNEXTLINE(performance-no-int-to-ptr)
   table.entries = reinterpret_cast<HashEntry*>(aligned);
   table.tags = reinterpret_cast<std::uint8_t*>(table.entries + nSlots);

@@ -1,4 +1,4 @@
-// Allocating and releasing the hash tables: from megabytes to slots.
+// Allocates and releases the hash tables; converts megabytes to slots.
 #pragma once
 
 #include "search/hash/hash_table.h"
@@ -9,8 +9,8 @@ namespace mirvo {
 void HashInitialise(HashTable& table);
 
 /// Turns `size` from megabytes into slots and (re)allocates the slot array with
-/// zeroed (empty) slots. If memory is short the table is halved until it fits.
-/// Memory is reserved only: hash_memory.h says when it comes.
+/// zeroed (empty) slots. If memory is short the table is halved until it fits. Only
+/// reserves the memory: hash_memory.h says when it is provided.
 void HashAllocate(HashTable& table);
 
 /// Releases the memory (tests; the engine keeps its tables to the end).

@@ -10,18 +10,17 @@
 namespace mirvo {
 namespace {
 
-/// Memory that takes no time worth mentioning to give back.
+/// Memory that can be released in negligible time.
 constexpr std::size_t smallBlock = std::size_t{16} << 20;
 
-/// Nodes that a search goes through in small pages alone: they need less than
-/// what the limit leaves.
+/// Nodes that earn no large page: they use less memory than the limit allows anyway.
 constexpr std::uint64_t unearnedNodes = 16384;
 
-/// Nodes that earn a large page. Meeting their slots in small pages takes as
-/// long as having a large one.
+/// Nodes that earn one large page. Their page faults on small pages would take about as
+/// long as prefaulting that page.
 constexpr std::uint64_t nodesPerPage = 256;
 
-/// A block that no table has any more.
+/// A block that no table uses any more.
 struct RetiredBlock {
   void* start;
   std::size_t bytes;
@@ -62,19 +61,19 @@ void* AllocateSmall(std::size_t bytes) {
   return block;
 }
 
-/// The last large page that is missing.
+/// Prefaults the last missing large page.
 void PrefaultPage(HashTable& table) {
   --table.nMissing;
   PrefaultLargePage(static_cast<char*>(table.block) + table.nMissing * largePageSize);
 }
 
-/// Whether tags are missing, which lie at the end of the block.
+/// Whether part of the tags, which are at the end of the block, is missing.
 bool MissesTags(const HashTable& table) {
   return table.nMissing * largePageSize > table.size * sizeof(HashEntry);
 }
 
-/// Tags first, for every probe reads one; then the table that is complete
-/// soonest.
+/// Tags first, because every probe reads one; then the table with the fewest missing
+/// pages.
 bool ComesBefore(const HashTable& a, const HashTable& b) {
   if (MissesTags(a) != MissesTags(b)) return MissesTags(a);
   return a.nMissing < b.nMissing;

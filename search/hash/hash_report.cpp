@@ -13,8 +13,8 @@ struct PercentText {
   char text[32];
 };
 
-// A percentage with two decimals. C libraries print a quotient that is not a
-// number in different ways; every build of this engine prints "-nan".
+// A percentage with two decimals. C libraries print NaN in different ways; every build
+// of this engine prints "-nan".
 PercentText FormatPercent(double percent) {
   PercentText result{"-nan"};
   if (!std::isnan(percent)) std::snprintf(result.text, sizeof result.text, "%.2f", percent);
@@ -25,8 +25,7 @@ PercentText FormatPercent(double percent) {
 
 void PrintCacheUsage(const HashTable& table) {
   const std::uint32_t total = table.hits + table.misses + table.conflicts;
-  // An unused table has no meaningful percentages; the line shows what the
-  // division by zero gives.
+  // For an unused table the line shows the result of dividing by zero.
   const float fraction = 1.0F / static_cast<float>(total);
   const auto percent = [fraction](std::uint32_t count) {
     return FormatPercent(static_cast<double>(static_cast<float>(count) * fraction * 100.0F));

@@ -10,8 +10,8 @@ constinit HashTable EvalHashTable{};
 
 namespace {
 
-/// Calls `visit(i)` for each slot in use. Unused slots are passed over eight at
-/// a time, so that memory that nobody touched yet stays so.
+/// Calls `visit(i)` for each slot in use. Skips unused slots eight at a time by their
+/// tags, without touching their memory.
 template <typename Visitor>
 void ForEachUsedSlot(const HashTable& table, Visitor visit) {
   static_assert(minHashSlots % sizeof(std::uint64_t) == 0);
@@ -25,8 +25,8 @@ void ForEachUsedSlot(const HashTable& table, Visitor visit) {
   }
 }
 
-/// Empties the slots in use, each written by `empty(slot)` unless there are too
-/// many.
+/// Empties the slots in use: clears their tags and, unless the table is too large,
+/// calls `empty(slot)` for each.
 template <typename Writer>
 void EmptyUsedSlots(HashTable& table, Writer empty) {
   if (table.entries == nullptr) return;
@@ -37,7 +37,7 @@ void EmptyUsedSlots(HashTable& table, Writer empty) {
   });
 }
 
-/// What HashClear and HashResetSearch have in common.
+/// The common part of HashClear and HashResetSearch.
 void EmptySlot(HashEntry& slot) {
   slot.key = 0;
   slot.depth = 0;
@@ -74,10 +74,10 @@ void HashStore(HashTable& table, std::uint64_t key, Move move, std::int32_t scor
                std::int32_t depth) {
   const std::uint32_t index = HashLocate(table, key);
   HashEntry& slot = table.entries[index];
-  if (key == 0) return;  // the mark of an empty slot
+  if (key == 0) return;  // 0 marks an empty slot
   if (table.tags[index] == 0) EmptySlot(slot);
   if (depth < slot.depth && slot.move != noMove && slot.score != EmptyScore) return;
-  // The same position keeps its known move; another position never inherits one.
+  // A result without a move keeps the move stored for the same position.
   if (slot.key != key || move != noMove) slot.move = move;
   slot.score = score;
   slot.bound = bound;

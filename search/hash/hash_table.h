@@ -1,5 +1,5 @@
-// The one hash-table mechanism behind the search's transposition table, the
-// evaluation cache and the pawn cache: 64-byte slots, one slot per index.
+// The hash table used for the transposition table, the evaluation cache and the pawn
+// cache: 64-byte slots, one slot per index.
 #pragma once
 
 #include <cstddef>
@@ -34,32 +34,33 @@ struct HashTable {
   std::uint32_t stores;
   std::uint32_t size;  // megabytes before allocation, slots afterwards
   HashEntry* entries;
-  void* block;               // memory of the slots and, behind them, the tags
+  void* block;               // memory of the slots, followed by the tags
   std::int32_t lastIndex;    // of the newest probe or store; kept for debuggers, nothing reads it
   std::uint64_t lastKey;     // likewise
   std::uint64_t reciprocal;  // of `size`, for HashIndex; set by allocation
   std::uint8_t* tags;        // by slot: HashTag of the key that it holds, 0 when empty
-  std::size_t nPages;        // large ones of the block; 0 when it is the heap's
-  std::size_t nMissing;      // the first of them, which were not prefaulted yet
+  std::size_t nPages;        // large pages of the block; 0 when it is from the heap
+  std::size_t nMissing;      // how many of them, from the first on, are not prefaulted yet
 };
 
-/// Owner: hash_table.cpp. They live for the whole run.
+/// Owner: hash_table.cpp. Writers: allocation, search and evaluation; the front ends
+/// and the suite runner clear them.
 extern HashTable TranspositionTable;
 extern HashTable PawnHashTable;
 extern HashTable EvalHashTable;
 
-/// Slots of a table that was asked for with a size that gives none.
+/// Slots of a table whose size gives none.
 inline constexpr std::uint32_t minHashSlots = 16384;
 
-/// Slots up to which a table is emptied slot by slot. In a larger one only the
-/// tags are, so that a new game waits for no table, however large and full.
+/// Tables up to so many slots are cleared slot by slot. In larger ones only the tags
+/// are cleared, so that a new game never waits for a large table.
 inline constexpr std::uint32_t maxSlotsToWrite = 1U << 21;
 
-/// Empties every slot; the move fields stay where slots are written. Touches
-/// only what is in use.
+/// Empties every slot, touching only those in use. Does not clear the move fields.
 void HashClear(HashTable& table);
 
-/// The search's own clearing: key, depth, score, bound and move; evalScore stays.
+/// Empties every slot for the search: like HashClear, but clears the move and keeps
+/// evalScore.
 void HashResetSearch(HashTable& table);
 
 /// The reciprocal of a number of slots above 0, for HashIndex.
@@ -76,26 +77,24 @@ inline std::uint32_t HashIndex(const HashTable& table, std::uint64_t key) {
   return static_cast<std::uint32_t>(MultiplyHigh(fraction, table.size));
 }
 
-/// A byte of a key that takes no part in its index. The tags of a table are a
-/// sixty-fourth of it, so that they stay in the processor's caches: most probes
-/// are told by them that the slot holds another key and need not wait for it.
-/// Never 0, by which a slot is known as empty whatever else is left in it.
+/// A byte of the key that is not part of the index. One tag per slot in a small array
+/// that stays in the processor's caches: most misses are seen without touching the
+/// slot. Never 0, which marks an empty slot, whatever the slot still contains.
 inline std::uint8_t HashTag(std::uint64_t key) { return static_cast<std::uint8_t>(key >> 56 | 1); }
 
-/// Whether the slot `index` of the key holds it. Nothing holds key 0, which
-/// empty slots have.
+/// Whether slot `index` holds `key`. Never true for key 0, which empty slots have.
 inline bool HashHolds(const HashTable& table, std::uint32_t index, std::uint64_t key) {
   return table.tags[index] == HashTag(key) && table.entries[index].key == key && key != 0;
 }
 
-/// Writes a key, other than 0, into its slot `index`. The only way to do so:
-/// HashHolds finds nothing else.
+/// Writes a key other than 0 and its tag into slot `index`. The only way to store a
+/// key: HashHolds needs both.
 inline void HashClaim(HashTable& table, std::uint32_t index, std::uint64_t key) {
   table.entries[index].key = key;
   table.tags[index] = HashTag(key);
 }
 
-/// Index of a key's slot, noted with the key as the table's newest.
+/// Index of a key's slot; stores both in lastIndex and lastKey.
 inline std::uint32_t HashLocate(HashTable& table, std::uint64_t key) {
   const std::uint32_t index = HashIndex(table, key);
   table.lastIndex = static_cast<std::int32_t>(index);
@@ -114,15 +113,15 @@ inline void HashPrefetch(const HashTable& table, std::uint64_t key) {
   __builtin_prefetch(&table.entries[index]);
 }
 
-/// What a table knows of a position for a search of some depth and window.
+/// The result of a probe for a search of some depth and window.
 struct HashFinding {
-  const HashEntry* slot = nullptr;  // holds the position; null when none does
-  bool deepEnough = false;          // its result is of at least that depth
-  bool decides = false;             // and its score is exact or a bound beyond the window
+  const HashEntry* slot = nullptr;  // the position's slot; null when the table has none
+  bool deepEnough = false;          // its result has at least that depth
+  bool decides = false;             // and its score is exact or a bound outside the window
 };
 
-/// Looks `key` up for a search of `depth` with the window (alpha, beta) and counts
-/// the probe: a conflict without a slot, a hit when it decides, else a miss.
+/// Probes for a search of `depth` with the window (alpha, beta). Counts a conflict if
+/// there is no slot, a hit if the score decides, else a miss.
 inline HashFinding HashLookUp(HashTable& table, std::uint64_t key, std::int32_t alpha,
                               std::int32_t beta, std::int32_t depth) {
   const std::uint32_t index = HashLocate(table, key);
@@ -142,8 +141,8 @@ inline HashFinding HashLookUp(HashTable& table, std::uint64_t key, std::int32_t 
   return {&slot, true, decides};
 }
 
-/// The same as a yes or no: true with the slot's score when it decides. The move
-/// is written whenever the slot holds the position, unless an exact score decides.
+/// The same with a simple result: true and the slot's score if it decides. Writes the
+/// move if the slot holds the position, unless an exact score decides.
 bool HashProbe(HashTable& table, std::uint64_t key, Move& move, std::int32_t& score,
                std::int32_t alpha, std::int32_t beta, std::int32_t depth);
 
@@ -155,10 +154,10 @@ void HashStore(HashTable& table, std::uint64_t key, Move move, std::int32_t scor
 /// returns false in any case. Kept for drivers of the search; nothing calls it.
 bool HashMoveLookup(std::uint64_t key, std::int32_t& score);
 
-/// "Cache usage:" line of one table.
+/// Prints the "Cache usage:" line of one table.
 void PrintCacheUsage(const HashTable& table);
 
-/// The usage of all three tables.
+/// Prints the usage of all three tables unless `quiet`.
 void PrintHashReport(bool quiet);
 
 /// Zeroes hits, conflicts and misses of all three tables.

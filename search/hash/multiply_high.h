@@ -1,5 +1,4 @@
-// The upper half of a wide product, for the remainder by multiplication in
-// hash_table.h.
+// The upper half of a wide product, for computing remainders in hash_table.h.
 #pragma once
 
 #include <cstdint>

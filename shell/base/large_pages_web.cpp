@@ -15,7 +15,8 @@ std::size_t ReleaseMemoryEnd(void* start, std::size_t bytes, std::size_t) {
   return 0;
 }
 
-// There are none to ask for.
-void PrefaultLargePage(void* start) { TouchMemory(start, largePageSize); }
+// There are none to ask for, and a phone has no memory to spare for what is never
+// used: it comes with the first use.
+void PrefaultLargePage(void*) {}
 
 }  // namespace mirvo

@@ -71,12 +71,8 @@ std::uint32_t Output(OutputRecord& record, const char* format, ...) {
   va_start(arguments, format);
   const Message message = FormatMessage(buffer, outputBufferSize, format, arguments);
   va_end(arguments);
-  if (record.toConsole != 0) {
-    WriteTo(stdout, message);
-  }
-  if (record.log != nullptr) {
-    WriteTo(record.log, message);
-  }
+  if (record.toConsole != 0) WriteTo(stdout, message);
+  if (record.log != nullptr) WriteTo(record.log, message);
   std::free(message.owned);
   return static_cast<std::uint32_t>(message.length);
 }

@@ -19,9 +19,7 @@ bool IsBlank(char c) {
 }
 
 const char* SkipBlanks(const char* text) {
-  while (IsBlank(*text)) {
-    ++text;
-  }
+  while (IsBlank(*text)) ++text;
   return text;
 }
 
@@ -32,15 +30,11 @@ bool StartsWith(const char* text, const char* prefix) {
 std::int32_t ReadDecimal(const char* text) {
   text = SkipBlanks(text);
   const bool negative = *text == '-';
-  if (*text == '-' || *text == '+') {
-    ++text;
-  }
+  if (*text == '-' || *text == '+') ++text;
   std::int64_t magnitude = 0;
   for (; IsDigit(*text); ++text) {
     // Beyond 32 bits the result saturates anyway, so the sum need not grow.
-    if (magnitude <= highest) {
-      magnitude = magnitude * 10 + (*text - '0');
-    }
+    if (magnitude <= highest) magnitude = magnitude * 10 + (*text - '0');
   }
   return Saturate(negative ? -magnitude : magnitude);
 }
@@ -71,9 +65,7 @@ const char* ReadWord(const char* text, char* word, std::size_t size) {
   text = SkipBlanks(text);
   std::size_t length = 0;
   for (; *text != '\0' && !IsBlank(*text); ++text) {
-    if (length + 1 < size) {
-      word[length++] = *text;
-    }
+    if (length + 1 < size) word[length++] = *text;
   }
   word[length] = '\0';
   return text;

@@ -58,13 +58,9 @@ bool IsKey(const char* key, std::size_t length, const char* name) {
 /// folder like a file and fail only on the first read.
 File OpenReadable(const char* path) {
   File file = OpenFile(path, "r");
-  if (file == nullptr) {
-    return nullptr;
-  }
+  if (file == nullptr) return nullptr;
   const int first = std::fgetc(file.get());
-  if (first == EOF && std::ferror(file.get()) != 0) {
-    return nullptr;
-  }
+  if (first == EOF && std::ferror(file.get()) != 0) return nullptr;
   std::ungetc(first, file.get());
   return file;
 }
@@ -76,9 +72,7 @@ void SkipByteOrderMark(std::FILE* file, char* token, std::size_t& length) {
   for (const unsigned char expected : mark) {
     const int c = std::fgetc(file);
     if (c != expected) {
-      if (c != EOF) {
-        std::ungetc(c, file);
-      }
+      if (c != EOF) std::ungetc(c, file);
       return;
     }
     token[length++] = static_cast<char>(c);
@@ -104,18 +98,14 @@ std::size_t DropLeadingZeros(char* token, std::size_t length) {
 /// `token`. False at the end of the file.
 bool ReadToken(std::FILE* file, char* token, std::size_t length) {
   int c = std::fgetc(file);
-  while (length == 0 && c != EOF && IsBlank(static_cast<char>(c))) {
-    c = std::fgetc(file);
-  }
+  while (length == 0 && c != EOF && IsBlank(static_cast<char>(c))) c = std::fgetc(file);
   bool full = false;
   for (; c != EOF && !IsBlank(static_cast<char>(c)); c = std::fgetc(file)) {
     if (!full && length + 1 == tokenCapacity) {
       length = DropLeadingZeros(token, length);
       full = length + 1 == tokenCapacity;
     }
-    if (!full) {
-      token[length++] = static_cast<char>(c);
-    }
+    if (!full) token[length++] = static_cast<char>(c);
   }
   token[length] = '\0';
   return length > 0;
@@ -140,15 +130,11 @@ void ReadConfigFile(EngineConfig& config, const char* path) {
 
 void ApplyConfigToken(EngineConfig& config, const char* token) {
   const char* const separator = std::strchr(token, '=');
-  if (separator == nullptr) {
-    return;
-  }
+  if (separator == nullptr) return;
   const auto keyLength = static_cast<std::size_t>(separator - token);
   const char* const value = separator + 1;
   for (const NumberKey& key : numberKeys) {
-    if (IsKey(token, keyLength, key.name)) {
-      config.*key.field = ReadDecimal(value);
-    }
+    if (IsKey(token, keyLength, key.name)) config.*key.field = ReadDecimal(value);
   }
   if (IsKey(token, keyLength, bookKey)) {
     CopyText(config.BookName, sizeof config.BookName, value);

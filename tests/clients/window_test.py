@@ -171,6 +171,8 @@ class Refusing(Installed):
                 (["--clock"], '--clock needs minutes such as 5 or 1:30'),
                 (["--clock", "5+"], 'not "5+"'),
                 (["--clock", "1:75"], 'not "1:75"'),
+                (["--clock", "0"], 'not "0"'),
+                (["--clock", "0:00"], 'not "0:00"'),
                 (["--depth", "0"], "--depth needs a number from 1 to 99"),
                 (["--time", "0.5"], "--time needs whole seconds"),
         ]:

@@ -65,12 +65,11 @@ std::string WithoutTotals(const std::string& line) {
 /// An iteration's line without its time, the second word.
 std::string WithoutTime(std::string line) {
   const std::size_t depth = line.find_first_not_of(' ');
-  const std::size_t time = line.find(' ', depth) + 1;
-  if (depth == std::string::npos || time == 0) return line;
-  if (line.find_first_not_of(digits, depth) != time - 1) return line;
-  const std::size_t colon = line.find_first_not_of(digits, time);
+  const std::size_t gap = line.find(' ', depth);
+  if (gap == std::string::npos || line.find_first_not_of(digits, depth) != gap) return line;
+  const std::size_t colon = line.find_first_not_of(digits, gap + 1);
   if (colon == std::string::npos || line[colon] != ':') return line;
-  return line.erase(time, line.find(' ', time) + 1 - time);
+  return line.erase(gap, line.find(' ', gap + 1) - gap);
 }
 
 /// The numbers of the statistics lines become N: they belong to the search.

@@ -74,8 +74,9 @@ std::string Mirrored(const std::string& fen) {
     }
   }
   std::string rights = fen.substr(first + 3);
-  for (char& c : rights)
+  for (char& c : rights) {
     c = static_cast<char>(std::isupper(c) != 0 ? std::tolower(c) : std::toupper(c));
+  }
   return ranks + (fen[first + 1] == 'w' ? " b " : " w ") + rights;
 }
 

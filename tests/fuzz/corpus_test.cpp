@@ -18,9 +18,7 @@ std::vector<std::filesystem::path> InputsOf(const NamedExercise& exercise) {
   const auto folder =
       std::filesystem::path(MIRVO_SOURCE_DIR) / "tests" / "fuzz" / "corpus" / exercise.name;
   std::vector<std::filesystem::path> files;
-  for (const auto& file : std::filesystem::directory_iterator(folder)) {
-    files.push_back(file.path());
-  }
+  for (const auto& file : std::filesystem::directory_iterator(folder)) files.push_back(file.path());
   std::sort(files.begin(), files.end());
   return files;
 }
@@ -51,8 +49,9 @@ TEST_P(FuzzCorpus, KeepsEveryPromiseInAnyOrder) {
   std::vector<std::string> traces;
   for (const auto& file : files) {
     const Outcome outcome = OutcomeOf(GetParam(), file);
-    if (!outcome.broken.empty())
+    if (!outcome.broken.empty()) {
       failures.push_back(file.filename().string() + ": " + outcome.broken);
+    }
     traces.push_back(outcome.trace);
   }
   // The result of an input must not depend on earlier ones.

@@ -56,15 +56,15 @@ TEST_F(UciCommands, UnknownLinesAreIgnored) {
 TEST_F(UciCommands, OnlyAGoChangesWhatStopAndPonderhitAreFor) {
   bool hasGo = false;
   for (const char* line : {"isready\n", "position startpos\n", "nonsense\n", "\n", "stop\n"}) {
-    UciLineMustWait(line, hasGo);
+    ClassifyUciLine(line, hasGo);
     EXPECT_FALSE(hasGo) << line;
   }
-  EXPECT_FALSE(UciLineMustWait("stop\n", hasGo));
-  EXPECT_TRUE(UciLineMustWait("go depth 3\n", hasGo));
+  EXPECT_EQ(ClassifyUciLine("stop\n", hasGo), LineTiming::atOnce);
+  EXPECT_EQ(ClassifyUciLine("go depth 3\n", hasGo), LineTiming::afterSearch);
   EXPECT_TRUE(hasGo);
-  EXPECT_TRUE(UciLineMustWait("stop\n", hasGo));
-  EXPECT_TRUE(UciLineMustWait("ponderhit\n", hasGo));
-  EXPECT_FALSE(UciLineMustWait("isready\n", hasGo));
+  EXPECT_EQ(ClassifyUciLine("stop\n", hasGo), LineTiming::afterSearch);
+  EXPECT_EQ(ClassifyUciLine("ponderhit\n", hasGo), LineTiming::afterSearch);
+  EXPECT_EQ(ClassifyUciLine("isready\n", hasGo), LineTiming::atOnce);
 }
 
 TEST_F(UciCommands, QuitEndsTheProcessWithStatus0) {

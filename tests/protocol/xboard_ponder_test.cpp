@@ -239,7 +239,7 @@ TEST_F(XBoardPondering, LinesThatGiveTheSearchUpEndItAtOnce) {
     xboardPonder = XBoardPonder{};
     searchFlags = SearchFlags{};
     searchFlags.pondering = true;
-    EXPECT_TRUE(XBoardLineMustWait(line)) << line;
+    EXPECT_EQ(ClassifyXBoardLine(line), LineTiming::afterSearch) << line;
     EXPECT_FALSE(searchFlags.pondering) << line;
     EXPECT_TRUE(searchFlags.StopSearch) << line;
     EXPECT_TRUE(xboardPonder.ponderMiss) << line;
@@ -248,7 +248,7 @@ TEST_F(XBoardPondering, LinesThatGiveTheSearchUpEndItAtOnce) {
     xboardPonder = XBoardPonder{};
     searchFlags = SearchFlags{};
     searchFlags.pondering = true;
-    EXPECT_FALSE(XBoardLineMustWait(line)) << line;
+    EXPECT_EQ(ClassifyXBoardLine(line), LineTiming::atOnce) << line;
     std::uint8_t state = 0;
     HandleXBoardLine(state, line);
     EXPECT_FALSE(searchFlags.pondering) << line;

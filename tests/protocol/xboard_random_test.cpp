@@ -206,7 +206,7 @@ class RandomSession {
       return;
     }
     const std::string line = lines.Next();
-    if (XBoardLineMustWait(line.c_str())) {
+    if (ClassifyXBoardLine(line.c_str()) == LineTiming::afterSearch) {
       waiting.push_back(line);
     } else {
       Handle(line);

@@ -477,7 +477,7 @@ using XBoardThinking = XBoardTest;
 
 TEST_F(XBoardThinking, LinesThatNeedTheBoardWaitAndTheOthersActAtOnce) {
   for (const char* line : {"go\n", "setboard 8/8/8/8/8/8/8/8 w -\n", "e2e4\n", "h7h8q\n"}) {
-    EXPECT_TRUE(XBoardLineMustWait(line)) << line;
+    EXPECT_EQ(ClassifyXBoardLine(line), LineTiming::afterSearch) << line;
     EXPECT_FALSE(searchFlags.StopSearch) << line;
   }
   for (const char* line :
@@ -485,7 +485,7 @@ TEST_F(XBoardThinking, LinesThatNeedTheBoardWaitAndTheOthersActAtOnce) {
         "hard\n",        "easy\n",       "computer\n",   "rating 1 2\n", "ics x\n",
         "level 0 1 0\n", "name x\n",     "white\n",      "black\n",      "draw\n",
         "accepted x\n",  "rejected x\n", "hint\n",       "?\n",          "\n"}) {
-    EXPECT_FALSE(XBoardLineMustWait(line)) << line;
+    EXPECT_EQ(ClassifyXBoardLine(line), LineTiming::atOnce) << line;
   }
 }
 

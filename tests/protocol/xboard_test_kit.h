@@ -108,7 +108,7 @@ class XBoardTest : public ::testing::Test {
     const ScriptedAnswer search = script.front();
     script.pop_front();
     for (const std::string& line : search.lines) {
-      if (XBoardLineMustWait(line.c_str())) {
+      if (ClassifyXBoardLine(line.c_str()) == LineTiming::afterSearch) {
         waiting.push_back(line);
       } else {
         Handle(line);

@@ -98,7 +98,9 @@ export class Host {
       env: {
         emscripten_notify_memory_growth: () => {},
         __syscall_rmdir: () => -errors.EPERM,
-        HostMilliseconds: () => performance.now(),
+        // From a start long ago, as clocks of other systems: the book's choices
+        // depend on it, and what comes once a second comes at once.
+        HostMilliseconds: () => performance.timeOrigin + performance.now(),
         HostSleep: sleep,
         HostOpenFile: (path, flags) => this.#openFile(path, flags),
         HostRemoveFile: (path) => this.#removeFile(path),

@@ -3,11 +3,13 @@
 //
 //   node serve.mjs [--port N] [--no-isolation] [FOLDER]
 //
-// Port 0 takes any free one. --no-isolation leaves the headers out, as many hosts do.
+// Without --port it is 8000, or any free one if that is taken; 0 takes any free one. --no-isolation leaves the headers out, as many hosts do.
 import fs from "node:fs";
 import http from "node:http";
 import path from "node:path";
 import { fileURLToPath, pathToFileURL } from "node:url";
+
+const USUAL_PORT = 8000;
 
 const TYPES = {
   ".bk": "application/octet-stream",
@@ -30,7 +32,7 @@ const ISOLATION = {
 function fileOf(folder, url) {
   let name;
   try {
-    name = decodeURIComponent(new URL(url, "http://localhost").pathname);
+    name = decodeURIComponent(url.replace(/[?#].*$/s, ""));
   } catch {
     return undefined;
   }
@@ -71,7 +73,7 @@ export function serve(folder, { port = 0, isolated = true } = {}) {
 }
 
 async function main(words) {
-  const options = { port: 8000 };
+  const options = {};
   let folder = path.resolve(path.dirname(fileURLToPath(import.meta.url)), "../../build/web/page");
   while (words.length > 0) {
     const word = words.shift();
@@ -79,10 +81,12 @@ async function main(words) {
     else if (word === "--no-isolation") options.isolated = false;
     else folder = word;
   }
-  if (!Number.isInteger(options.port) || options.port < 0 || options.port > 65535) {
+  const { port } = options;
+  if (port !== undefined && !(Number.isInteger(port) && port >= 0 && port <= 65535)) {
     throw new Error("--port needs a number from 0 to 65535");
   }
-  const server = await serve(folder, options);
+  const server = port !== undefined ? await serve(folder, options)
+    : await serve(folder, { ...options, port: USUAL_PORT }).catch(() => serve(folder, options));
   console.log(`Mirvo is at ${server.url} (Ctrl-C ends this)`);
 }
 

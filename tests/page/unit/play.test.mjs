@@ -105,6 +105,29 @@ test("A hint is shown and forgotten with the next move", async () => {
   assert.equal(play.hint, null);
 });
 
+test("A move from the book comes without a line, and is told", async () => {
+  const { play, made } = await begun();
+  play.move("e2e4");
+  await settled();
+  made[0].searches -= 1;
+  made[0].print("bestmove c7c5 ");
+  await settled();
+  assert.equal(sans(play), "e4 c5");
+  assert.deepEqual([play.thinking.line, play.thinking.move], [null, "c7c5"]);
+  assert.deepEqual(play.scores, [null, null, null]);
+});
+
+test("On the person's turn the engine takes over that side", async () => {
+  const { play, made } = await begun();
+  play.moveNow();
+  await settled();
+  assert.equal(play.player, "b");
+  made[0].answer("e2e4");
+  await settled();
+  assert.equal(sans(play), "e4");
+  assert.equal(play.open, true);
+});
+
 test("A move of the person ends a hint's search", async () => {
   const { play, made } = await begun();
   play.askHint();

@@ -25,6 +25,8 @@ export class BoardView {
   #state = null;
   #selected = "";
   #focused = "e2";
+  #bottom = "";
+  #turning = false;
   #handlers;
 
   /**
@@ -56,13 +58,12 @@ export class BoardView {
 
   /** Shows a position. */
   show(state, animated = true) {
-    const turned = this.#state !== null && this.#state.bottom !== state.bottom;
     const moved = this.#state?.fen !== state.fen;
     this.#state = state;
     this.#pieces = piecesOf(state.fen);
-    if (turned || state.bottom !== this.#bottom) {
+    if (state.bottom !== this.#bottom) {
       this.#buildSquares(state.bottom);
-      this.board.setOrientation(state.bottom, false);
+      this.#turn();
     }
     if (this.#selected !== "" && (moved || !state.open)) {
       this.#select("");
@@ -77,11 +78,20 @@ export class BoardView {
     this.board.setPosition(this.#state.fen, false);
   }
 
+  // The board turns behind what it still has to draw, and refuses a second turn
+  // until then.
+  async #turn() {
+    if (this.#turning) return;
+    this.#turning = true;
+    while (this.board.getOrientation() !== this.#bottom) {
+      await this.board.setOrientation(this.#bottom, false);
+    }
+    this.#turning = false;
+  }
+
   focus() {
     this.#cells.get(this.#focused).focus();
   }
-
-  #bottom = "";
 
   #buildSquares(bottom) {
     const hadFocus = this.grid.contains(document.activeElement);
@@ -100,8 +110,8 @@ export class BoardView {
         const cell = element("div", {
           class: `square ${light ? "light" : "dark"}`, role: "gridcell", "data-cell": square, tabindex: "-1",
         });
-        if (row === 7) cell.append(element("span", { class: "file", text: file, "aria-hidden": "true" }));
-        if (column === 0) cell.append(element("span", { class: "rank", text: rank, "aria-hidden": "true" }));
+        if (row === 7) cell.append(element("span", { class: "file", "data-text": file, "aria-hidden": "true" }));
+        if (column === 0) cell.append(element("span", { class: "rank", "data-text": rank, "aria-hidden": "true" }));
         this.#cells.set(square, cell);
         return cell;
       }))));
@@ -152,18 +162,23 @@ export class BoardView {
         return true;
       case INPUT_EVENT_TYPE.validateMoveInput:
         return this.#handlers.targets(event.squareFrom).includes(event.squareTo);
-      case INPUT_EVENT_TYPE.moveInputFinished: {
+      case INPUT_EVENT_TYPE.moveInputFinished:
         this.#select("");
-        const made = event.legalMove && this.#handlers.move(event.squareFrom, event.squareTo);
-        if (event.legalMove && !made) this.restore();
+        if (event.legalMove) this.#finish(event.squareFrom, event.squareTo);
         return true;
-      }
       case INPUT_EVENT_TYPE.moveInputCanceled:
         this.#select("");
         return true;
       default:
         return true;
     }
+  }
+
+  // The move is made when the board has put the piece down: until then it counts
+  // what the pointer does, a dialog that opens under it for instance.
+  async #finish(from, to) {
+    await this.board.setPosition(this.board.getPosition(), false);
+    if (!this.#handlers.move(from, to)) this.restore();
   }
 
   // Enter on a square: takes the piece there, puts it down, or lets it go.

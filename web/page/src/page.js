@@ -148,11 +148,15 @@ export class Page {
       setText(byId("thinking-line"), "–");
       return;
     }
-    const { fen, line } = thinking;
-    const { san } = lineInSan(fen, line.pv, LINE_MOVES);
+    const { fen, line, move } = thinking;
+    const { san } = lineInSan(fen, line?.pv ?? [move], LINE_MOVES);
+    setText(byId("thinking-line"), numberedLine(fen, san) || "–");
+    if (line === null) {
+      setText(byId("thinking-facts"), "from the opening book");
+      return;
+    }
     const score = scoreText(whitesScore(line.score, sideToMove(fen)));
     setText(byId("thinking-facts"), `depth ${line.depth} · ${score} · ${line.nodes.toLocaleString("en")} nodes`);
-    setText(byId("thinking-line"), numberedLine(fen, san) || "–");
   }
 
   #showScores() {
@@ -189,10 +193,12 @@ export class Page {
   #showControls() {
     const { play } = this;
     const newest = play.game.plies.length;
+    const thinks = play.task === Task.move || play.task === Task.hint;
+    setText(byId("move-now"), thinks || !play.open ? "Move now" : "Mirvo moves");
     const off = {
       "take-back": !play.canTakeBack,
       hint: !play.open || play.task === Task.hint,
-      "move-now": play.task !== Task.move && play.task !== Task.hint,
+      "move-now": !thinks && !play.open,
       first: play.viewed === 0,
       earlier: play.viewed === 0,
       later: play.viewed === newest,

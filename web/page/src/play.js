@@ -178,6 +178,8 @@ export class Play {
         if (this.wantsMoveNow && this.session.answerNow()) this.wantsMoveNow = false;
         this.changed();
       });
+      // A move of the opening book comes without a thought.
+      if (answer?.thinking === null && answer.move !== null) this.thinking = { fen, line: null, move: answer.move };
       return answer;
     } catch (error) {
       this.#fail(error);
@@ -278,9 +280,16 @@ export class Play {
     this.changed();
   }
 
+  /** Ends the engine's thinking; while the person is to move, the engine takes over that side. */
   moveNow() {
-    if (this.task !== Task.move && this.task !== Task.hint) return;
-    if (!this.session.answerNow()) this.wantsMoveNow = true;
+    if (this.task === Task.move || this.task === Task.hint) {
+      if (!this.session.answerNow()) this.wantsMoveNow = true;
+    } else if (this.open) {
+      this.#giveUp();
+      this.player = opponent(this.game.turn);
+      this.say(`Mirvo plays ${SIDE_NAMES[this.game.turn]}.`);
+      this.#advance();
+    }
   }
 
   /** Scores all positions that have no score, one after the other. */
