@@ -17,6 +17,7 @@ set -uo pipefail
 here=$(cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.." && pwd)
 . "$here/tools/packages.sh"
 . "$here/tools/environment.sh"
+. "$here/web/packages.sh"
 
 say() { printf '==== %s\n' "$*"; }
 give_up() {
@@ -105,21 +106,17 @@ while [ $# -gt 0 ]; do
   shift
 done
 if [ ${#parts[@]} -eq 0 ]; then
-  parts=(amd64 arm64 windows source)
-  [ ! -e "$here/web/package" ] || parts+=(npm)
-  [ ! -e "$here/web/page/CMakeLists.txt" ] || parts+=(page)
+  parts=(amd64 arm64 windows npm page source)
 fi
 wanted() { [[ " ${parts[*]} " == *" $1 "* ]]; }
 
 packages=(g++ cmake ninja-build git python3 dpkg-dev file binutils lintian)
 wanted arm64 && packages+=(g++-aarch64-linux-gnu qemu-user)
 wanted windows && packages+=(g++-mingw-w64-x86-64-posix wine64)
-if wanted npm || wanted page; then
-  packages+=(emscripten node-acorn nodejs)
-  # Some builds of Node bring it along.
-  command -v npm >/dev/null || packages+=(npm)
-fi
 need_packages "${packages[@]}" || give_up "some packages could not be installed"
+if wanted npm || wanted page; then
+  need_page_packages || give_up "what builds for the web could not be installed"
+fi
 
 [ -z "$(git -C "$here" status --porcelain)" ] ||
   say "changes that are not committed stay out"

@@ -12,6 +12,9 @@
 
 namespace mirvo::test {
 
+/// Bytes of the system's small pages: 4096 on x86-64, up to 65536 on ARM.
+inline std::size_t SmallPageSize() { return static_cast<std::size_t>(sysconf(_SC_PAGESIZE)); }
+
 /// Whether the system supports large pages on request.
 inline bool KnowsLargePages() { return access("/sys/kernel/mm/transparent_hugepage", F_OK) == 0; }
 
@@ -42,7 +45,7 @@ inline bool AsksForLargePages(const void* address) {
 /// How many small pages that lie wholly within the bytes the system has not
 /// provided yet.
 inline std::size_t MissingPages(const void* start, std::size_t bytes) {
-  const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
+  const std::uintptr_t page = SmallPageSize();
   const auto address = reinterpret_cast<std::uintptr_t>(start);
   const std::uintptr_t first = (address + page - 1) / page * page;
   const std::uintptr_t last = (address + bytes) / page * page;

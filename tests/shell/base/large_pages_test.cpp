@@ -25,22 +25,23 @@ class LargePages : public testing::Test {
 
 TEST_F(LargePages, ReservedMemoryIsAlignedAndNotThereYet) {
   EXPECT_EQ(reinterpret_cast<std::uintptr_t>(memory) % largePageSize, 0U);
-  EXPECT_EQ(test::MissingPages(memory, size), size / 4096);
+  EXPECT_EQ(test::MissingPages(memory, size), size / test::SmallPageSize());
   EXPECT_EQ(memory[0], 0);
   EXPECT_EQ(memory[size - 1], 0);
 }
 
 TEST_F(LargePages, ReservedMemoryComesInSmallPages) {
   memory[largePageSize + 5] = 1;
-  EXPECT_EQ(test::MissingPages(memory, size), size / 4096 - 1);
+  EXPECT_EQ(test::MissingPages(memory, size), size / test::SmallPageSize() - 1);
   EXPECT_FALSE(test::AsksForLargePages(memory));
 }
 
 TEST_F(LargePages, PrefaultingIsForOnePage) {
   PrefaultLargePage(memory + largePageSize);
   EXPECT_EQ(test::MissingPages(memory + largePageSize, largePageSize), 0U);
-  EXPECT_EQ(test::MissingPages(memory, largePageSize), largePageSize / 4096);
-  EXPECT_EQ(test::MissingPages(memory + 2 * largePageSize, largePageSize), largePageSize / 4096);
+  EXPECT_EQ(test::MissingPages(memory, largePageSize), largePageSize / test::SmallPageSize());
+  EXPECT_EQ(test::MissingPages(memory + 2 * largePageSize, largePageSize),
+            largePageSize / test::SmallPageSize());
   if (!test::KnowsLargePages()) GTEST_SKIP() << "no large pages on this system";
   EXPECT_FALSE(test::AsksForLargePages(memory));
   EXPECT_TRUE(test::AsksForLargePages(memory + largePageSize));
@@ -58,11 +59,11 @@ TEST_F(LargePages, PrefaultingKeepsContents) {
 }
 
 TEST_F(LargePages, TouchingProvidesAndKeepsContents) {
-  memory[4096] = 3;
+  memory[test::SmallPageSize()] = 3;
   TouchMemory(memory, largePageSize);
   EXPECT_EQ(test::MissingPages(memory, largePageSize), 0U);
   EXPECT_GT(test::MissingPages(memory + largePageSize, largePageSize), 0U);
-  EXPECT_EQ(memory[4096], 3);
+  EXPECT_EQ(memory[test::SmallPageSize()], 3);
 }
 
 TEST_F(LargePages, MemoryIsGivenBackFromItsEnd) {
