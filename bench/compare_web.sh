@@ -11,7 +11,7 @@ for preset in release web; do
   cmake --preset "$preset" -DMIRVO_TESTS=OFF >&2
 done
 cmake --build --preset release --target mirvo >&2
-cmake --build --preset web >&2
+cmake --build --preset web --target package_folder >&2
 # No book: "ucinewgame" would let it answer.
 settings=$(mktemp)
 trap "rm -f $settings" EXIT

@@ -170,9 +170,9 @@ void BuildPawnAttacks() {
   }
 }
 
-// Nothing to build: file masks are constant data (occupancy_maps.h), and the masks
-// of diagonals are built with the sliding attacks. Kept so that start-up shows as
-// many steps of progress as it always has.
+// Nothing to build: file masks are constant data (occupancy_maps.h), and the masks of
+// diagonals are built with the sliding attacks. Kept for its dot in start-up's
+// progress line.
 void BuildMasks() {}
 
 }  // namespace

@@ -11,15 +11,14 @@ namespace mirvo {
 /// Whether `attacker` attacks `square` (0..63). Tests pawns, knights, king,
 /// diagonal sliders and orthogonal sliders, in that order.
 inline bool SquareAttacked(const Board& board, int attacker, int square) {
-  const std::uint64_t* enemy = board.pieces + attacker * nKinds;
+  const Bitboard* enemy = PiecesOf(board, attacker);
   return (PawnAttacks[attacker ^ 1][square] & enemy[pawn]) != 0 ||
          (KnightAttacks[square] & enemy[knight]) != 0 || (KingAttacks[square] & enemy[king]) != 0 ||
          (BishopAttacks(board, square) & (enemy[bishop] | enemy[queen])) != 0 ||
          (RookAttacks(board, square) & (enemy[rook] | enemy[queen])) != 0;
 }
 
-/// The same with the square given as rank and file. Kept beside it; nothing calls
-/// it.
+/// The same with rank and file. Kept for drivers of the board; nothing calls it.
 inline bool SquareAttacked(const Board& board, int attacker, int rank, int file) {
   return SquareAttacked(board, attacker, SquareAt(rank, file));
 }
@@ -34,8 +33,8 @@ inline bool InCheck(Board& board, int side) {
   return board.inCheckCache != 0;
 }
 
-/// Adds to `blockers` what stands alone between a square and a slider of `set`.
-/// `path` holds the squares up to each slider, the slider included.
+/// Adds to `blockers` each piece that is alone between a square and a slider of `set`.
+/// `path` has the squares up to each slider, the slider included.
 inline void AddBlockers(const Board& board, const Bitboard* path, Bitboard set,
                         Bitboard& blockers) {
   while (set != 0) {
@@ -45,8 +44,8 @@ inline void AddBlockers(const Board& board, const Bitboard* path, Bitboard set,
   }
 }
 
-/// Pieces of either side that stand alone between `square` and a slider of
-/// `attacker`. Those of the other side are pinned if `square` is its king's.
+/// Pieces of either side that are alone between `square` and a slider of `attacker`.
+/// Those of the other side are pinned if `square` is its king's.
 inline Bitboard Blockers(const Board& board, int square, int attacker) {
   const Bitboard* sliders = PiecesOf(board, attacker);
   Bitboard blockers = 0;

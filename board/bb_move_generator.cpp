@@ -40,7 +40,7 @@ inline void BBMoveGenerator2::AddTargets(int from, Bitboard targets, Move common
 // Knights, bishops, rooks, queens and the king, in that order, each kind from
 // its highest square down; only moves onto `targets`.
 inline void BBMoveGenerator2::AddPieceMoves(Bitboard targets, Move flags) {
-  const std::uint64_t* own = board->pieces + side * nKinds;
+  const Bitboard* own = PiecesOf(*board, side);
   const Move common = flags | SideBits(side);
   for (Bitboard set = own[knight]; set != 0 && HasRoom();) {
     const int from = PopHighest(set);
@@ -126,7 +126,7 @@ void BBMoveGenerator2::AddCastling() {
   if (flags.hasCastled[side] != 0 || flags.kingMoved[side] != 0) return;
   const int home = RelativeSquare(side, rank1, fileE);
   const Bitboard backRank = RelativeRankSet(side, rank1);
-  const std::uint64_t* own = board->pieces + side * nKinds;
+  const Bitboard* own = PiecesOf(*board, side);
   if ((own[king] & Bit(home)) == 0 || KingSquare(*board, side) != home) return;
   const bool mayLong = flags.queenRookMoved[side] == 0 && (own[rook] & Bit(home - 4)) != 0 &&
                        (board->occupied & backRank & longPathFiles) == 0;

@@ -99,7 +99,7 @@ std::uint64_t ComputePawnKey(const Board& board) {
 
 void RebuildOccupancy(Board& board) {
   for (int side = 0; side < nSides; ++side) {
-    const std::uint64_t* own = board.pieces + side * nKinds;
+    const Bitboard* own = PiecesOf(board, side);
     board.sideOccupancyNoKing[side] =
         own[pawn] | own[knight] | own[bishop] | own[rook] | own[queen];
     board.sideOccupancy[side] = board.sideOccupancyNoKing[side] | own[king];

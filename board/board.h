@@ -139,6 +139,11 @@ std::uint64_t ComputePawnKey(const Board& board);
 /// recomputed, undo records copied whole.
 void CopyBoard(Board& destination, const Board& source);
 
+/// The six bitboards of a side, indexed by kind.
+inline const Bitboard* PiecesOf(const Board& board, int side) {
+  return board.pieces + side * nKinds;
+}
+
 /// Kind of the piece of `side` on `square`, or noPiece. Where several share the
 /// square it is the first in the order pawn, bishop, knight, rook, queen, king.
 int PieceOn(const Board& board, int square, int side);
@@ -149,17 +154,12 @@ int PieceOn(const Board& board, int square, int side);
 /// guessed wrongly too often.
 inline int SolePieceOn(const Board& board, int square, int side) {
   static_assert(pawn == 0 && knight == 1 && bishop == 2 && rook == 3 && queen == 4 && king == 5);
-  const std::uint64_t* of = board.pieces + side * nKinds;
+  const Bitboard* of = PiecesOf(board, side);
   const std::uint64_t bit0 = of[knight] | of[rook] | of[king];
   const std::uint64_t bit1 = of[bishop] | of[rook];
   const std::uint64_t bit2 = of[queen] | of[king];
   return static_cast<int>((bit0 >> square & 1) | (bit1 >> square & 1) << 1 |
                           (bit2 >> square & 1) << 2);
-}
-
-/// The six bitboards of a side, indexed by kind.
-inline const Bitboard* PiecesOf(const Board& board, int side) {
-  return board.pieces + side * nKinds;
 }
 
 inline int KingSquare(const Board& board, int side) {

@@ -57,6 +57,12 @@ constexpr int SquareAt(int rank, int file) { return rank * 8 + file; }
 constexpr int RankOf(int square) { return square >> 3; }
 constexpr int FileOf(int square) { return square & 7; }
 
+// Files and ranks by the characters of move and position texts.
+constexpr char FileLetter(int square) { return static_cast<char>('a' + FileOf(square)); }
+constexpr char RankDigit(int square) { return static_cast<char>('1' + RankOf(square)); }
+constexpr bool IsFileLetter(char c) { return c >= 'a' && c <= 'h'; }
+constexpr bool IsRankDigit(char c) { return c >= '1' && c <= '8'; }
+
 /// The set that holds only `square` (0..63).
 constexpr Bitboard Bit(int square) { return Bitboard{1} << square; }
 

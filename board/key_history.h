@@ -1,5 +1,5 @@
-// The keys of the positions that a game or search has gone through, and what
-// is done with them: the repetition test and making room for a search.
+// The keys of the positions of a game and its search, for the repetition test, and
+// making room for a search.
 #pragma once
 
 #include <cstdint>
@@ -21,9 +21,9 @@ extern std::uint64_t KeyHistory[keyHistoryCapacity];
 /// from a set-up position begins its history there.
 void StartKeyHistory(Board& board);
 
-/// Whether the current key stands exactly twice in KeyHistory up to
-/// historyIndex. Three or more occurrences answer no: the engine treats only
-/// the first return to a position as a repetition.
+/// Whether the current key occurs exactly twice in KeyHistory up to historyIndex. With
+/// three or more occurrences the answer is no: the engine treats only the first
+/// return to a position as a repetition.
 bool IsRepetition(const Board& board);
 
 /// Drops the oldest undo records and history keys so that at least

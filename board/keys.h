@@ -1,5 +1,5 @@
-// The numbers that position keys are made of: those of the published Polyglot
-// Random64 table. Constant data.
+// The numbers of position keys, from the published Polyglot Random64 table. Constant
+// data.
 #pragma once
 
 #include <cstdint>

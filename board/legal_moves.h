@@ -1,6 +1,5 @@
-// Legal moves: the generator's moves less those that leave the mover's king
-// attacked. Everything here plays moves on the board to find out and leaves the
-// board as it was.
+// Legal moves: the generator's moves without those that leave the mover's king
+// attacked. The functions make and unmake moves on the board to test them.
 #pragma once
 
 #include "board/bb_move_generator.h"
@@ -21,8 +20,8 @@ Move FirstLegalMove(Board& board);
 /// Number of legal moves of the side to move.
 int CountLegalMoves(Board& board);
 
-/// Calls `visit(move)` for each legal move in generator order until it returns
-/// true. The board must be as it was again when `visit` returns.
+/// Calls `visit(move)` for each legal move in generator order until it returns true.
+/// `visit` must leave the board unchanged.
 template <typename Visitor>
 void ForEachLegalMove(Board& board, Visitor visit) {
   BBMoveGenerator2 generator(board, board.sideToMove);

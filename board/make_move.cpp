@@ -6,6 +6,7 @@
 #include "board/keys.h"
 #include "board/make_move_fast.h"
 #include "board/make_move_steps.h"
+#include "board/square_sets.h"
 
 namespace mirvo {
 namespace {
@@ -258,8 +259,8 @@ bool TakesEnPassantAfterSetUp(const Board& board, Move move) {
   const int side = board.sideToMove;
   const int from = FromSquare(move);
   const int to = ToSquare(move);
-  const int fifthRank = side == white ? rank5 : rank4;
-  const int sixthRank = side == white ? rank6 : rank3;
+  const int fifthRank = RelativeRank(side, rank5);
+  const int sixthRank = RelativeRank(side, rank6);
   const Bitboard beside = Bit(SquareAt(RankOf(from), FileOf(to)));
   return MovingKind(move) == pawn && RankOf(from) == fifthRank && RankOf(to) == sixthRank &&
          std::abs(FileOf(from) - FileOf(to)) == 1 && (board.occupied & Bit(to)) == 0 &&

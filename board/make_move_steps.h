@@ -83,7 +83,7 @@ inline void RemoveCastlingKeys(Board& board, int side) {
 /// capture of a rook in its corner does not: the right stays in flags and key,
 /// and castling fails because no rook stands in the corner.
 inline void UpdateRookRights(Board& board, int side, int from) {
-  const int corner = side == white ? 0 : 56;
+  const int corner = RelativeSquare(side, rank1, fileA);
   CastlingFlags& flags = board.castling;
   if (from == corner && flags.queenRookMoved[side] == 0) {
     if (flags.kingMoved[side] == 0) board.positionKey ^= LongCastlingKey(side);
@@ -118,8 +118,8 @@ inline void RemoveEnPassant(Board& board) {
                                                           int to) {
   const Bitboard enemyPawns = board.pieces[PieceIndex(side ^ 1, pawn)];
   Bitboard beside = 0;
-  if (FileOf(from) > 0) beside |= Bit(to) >> 1;
-  if (FileOf(from) < 7) beside |= Bit(to) << 1;
+  if (FileOf(from) > fileA) beside |= Bit(to) >> 1;
+  if (FileOf(from) < fileH) beside |= Bit(to) << 1;
   if ((enemyPawns & beside & RankSet(RankOf(to))) == 0) return;
   if (HasEnPassant(board)) board.positionKey ^= EnPassantKey(board.epFile);
   board.positionKey ^= EnPassantKey(FileOf(from));

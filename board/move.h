@@ -1,4 +1,4 @@
-// The move word: one 32-bit value that every layer passes around.
+// The move word: a move in 32 bits.
 //
 //   bits  0-5   from-square          bits 18-20  captured kind
 //   bits  6-11  to-square            bits 21-23  promotion kind

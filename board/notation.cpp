@@ -14,9 +14,6 @@ namespace {
 // Letters of the kinds a pawn can become, by kind; others have none.
 constexpr char promotionLetters[] = " nbrq   ";
 
-constexpr char FileLetter(int square) { return static_cast<char>('a' + FileOf(square)); }
-constexpr char RankDigit(int square) { return static_cast<char>('1' + RankOf(square)); }
-
 // Square of two characters, masked to the board.
 int SquareFromText(char file, char rank) { return ((file - 'a') + (rank - '1') * 8) & 63; }
 
@@ -39,9 +36,7 @@ Move PromotionFromLetter(char letter) {
   }
 }
 
-bool IsSquareText(const char* text) {
-  return text[0] >= 'a' && text[0] <= 'h' && text[1] >= '1' && text[1] <= '8';
-}
+bool IsSquareText(const char* text) { return IsFileLetter(text[0]) && IsRankDigit(text[1]); }
 
 }  // namespace
 

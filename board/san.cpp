@@ -7,15 +7,10 @@
 namespace mirvo {
 namespace {
 
-constexpr char kindLetters[] = "PNBRQK";
-
-constexpr bool IsFileLetter(char c) { return c >= 'a' && c <= 'h'; }
-constexpr bool IsRankDigit(char c) { return c >= '1' && c <= '8'; }
-
 // Kind of a piece letter, or noPiece; pawns have none.
 int KindOfLetter(char c) {
   for (int kind = knight; kind <= king; ++kind) {
-    if (kindLetters[kind] == c) return kind;
+    if (pieceLetters[kind] == c) return kind;
   }
   return noPiece;
 }
@@ -145,18 +140,18 @@ void MoveToSan(Move move, char* text) {
     }
   } else {
     if (kind == pawn) {
-      if (IsCapture(move)) *text++ = static_cast<char>('a' + FileOf(from));
+      if (IsCapture(move)) *text++ = FileLetter(from);
     } else if (kind <= king) {
-      *text++ = kindLetters[kind];
+      *text++ = pieceLetters[kind];
     }
     if (IsCapture(move)) *text++ = 'x';
-    *text++ = static_cast<char>('a' + FileOf(to));
-    *text++ = static_cast<char>('1' + RankOf(to));
+    *text++ = FileLetter(to);
+    *text++ = RankDigit(to);
   }
   const int promotion = PromotionKind(move);
   if (IsPromotion(move) && promotion >= knight && promotion <= queen) {
     *text++ = '=';
-    *text++ = kindLetters[promotion];
+    *text++ = pieceLetters[promotion];
   }
   if ((move & checkMark) != 0) *text++ = '+';
   *text = '\0';

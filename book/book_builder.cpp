@@ -24,7 +24,7 @@ struct BookBuild {
 // A word that matched no move may contain any squares. If it moves none of the
 // side's pieces, the turn passes and the game continues with the next word.
 void PlayRecordedMove(Board& board, Move move) {
-  const std::uint64_t* own = board.pieces + board.sideToMove * nKinds;
+  const Bitboard* own = PiecesOf(board, board.sideToMove);
   const int kind = MovingKind(move);
   if (kind < nKinds && (own[kind] & Bit(FromSquare(move))) != 0) {
     MakeMove(board, move);

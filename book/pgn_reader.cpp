@@ -87,7 +87,7 @@ File OpenGames(const char* path) {
 bool ComesFromStatedFile(Move candidate, Move partial, const char* text) {
   const int from = FileOf(FromSquare(candidate));
   if ((partial & sanFileMark) != 0 && from != FileOf(FromSquare(partial))) return false;
-  const bool namesFile = text[0] >= 'a' && text[0] <= 'h';
+  const bool namesFile = IsFileLetter(text[0]);
   if (MovingKind(candidate) == pawn && namesFile && (IsCapture(candidate) || text[1] == 'x')) {
     return from == text[0] - 'a';
   }

@@ -88,7 +88,7 @@ void AddPointEntries(std::string_view pairs, SuitePosition& position) {
 /// score as they always have. The rank is masked onto the board.
 void ReadEnPassant(std::string_view word, SuitePosition& position) {
   position.epRank = position.epFile = position.epColour = noEnPassant;
-  if (word.empty() || word[0] < 'a' || word[0] > 'h') return;
+  if (word.empty() || !IsFileLetter(word[0])) return;
   const int rank = (word.size() > 1 ? word[1] : '\0') - '1';
   position.epFile = static_cast<std::uint8_t>(word[0] - 'a');
   position.epRank = static_cast<std::uint8_t>(rank & 7);

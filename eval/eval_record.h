@@ -1,6 +1,6 @@
-// The scratch record of one evaluation, which the terms read and write. Each
-// evaluation resets it, but for the rows of `terms` that it does not reach: after
-// a hit of the pawn cache the row of the pawns is that of an earlier evaluation.
+// The scratch record of one evaluation, which the terms read and write. Each evaluation
+// resets it, except for rows of `terms` that it does not compute: after a hit in the
+// pawn cache the row of the pawns is that of an earlier evaluation.
 #pragma once
 
 #include <cstdint>
@@ -31,7 +31,7 @@ inline constexpr int nAttackSets = 7;  // one set is kept spare; nothing reads i
 
 struct EvalRecord {
   Board* board;       // borrowed
-  std::int32_t side;  // whose view the result takes
+  std::int32_t side;  // the side that the result is for
   EvalStage stage;
   Bitboard passed[nSides];
   Bitboard isolated[nSides];

@@ -8,14 +8,14 @@
 
 namespace mirvo {
 
-/// Prints the term rows in White's view and the total (`score`, in the view
-/// of the record's side) to the console only. `phase` is 0 in a bare end game
-/// and 1 with all pieces. The amounts that have no row, such as threats and
-/// passed pawns, are part of the total only. May exchange the record's rows.
+/// Prints the term rows from White's point of view and the total (`score`, for the
+/// record's side) to the console only. `phase` is 0 with kings and pawns only and 1 with
+/// all pieces. Terms without a row, such as threats and passed pawns, are part of the
+/// total only. May swap the record's rows.
 void PrintEvalReport(EvalRecord& record, std::int32_t score, float phase);
 
-/// Evaluates and prints the report, if there is one: neither after a hit of the
-/// evaluation cache nor with insufficient material are the terms computed.
+/// Evaluates and prints the report, if the terms are computed: they are not after a hit
+/// in the evaluation cache or with insufficient material.
 std::int32_t EvaluateWithReport(EvalRecord& record, Board& board, int side);
 
 }  // namespace mirvo

@@ -64,7 +64,7 @@ EvalStage StageOf(const EvalRecord& record) {
   return littleLeft ? Endgame : Middlegame;
 }
 
-// Runs one term for both sides, keeps the results for the report and returns
+// Computes one term for both sides, stores the results for the report and returns
 // White's minus Black's.
 template <typename Term>
 ScorePair TermDifference(EvalRecord& record, EvalTerm row, Term term) {
@@ -81,14 +81,14 @@ std::uint64_t PawnKey(const Board& board) {
   return board.pawnKey ^ (board.sideToMove == white ? SideKey() : 0);
 }
 
-// A score of White's view in that of the side that asks.
+// Converts a score for White to one for the record's side.
 std::int32_t OwnView(const EvalRecord& record, std::int32_t score) {
   return record.side == white ? score : -score;
 }
 
-// Pawn structure through its cache. A hit adds the score that was blended at the
-// phase of the position that stored it, to both halves; at another phase a miss
-// would give a slightly different score. This engine accepts that for the speed.
+// Pawn structure through its cache. A hit adds the score that was interpolated at the
+// phase of the position that stored it, to both halves; at another phase a miss would
+// give a slightly different score. This engine accepts that for speed.
 ScorePair PawnStructure(EvalRecord& record, float phase) {
   const std::uint64_t key = PawnKey(*record.board);
   const std::uint32_t index = HashLocate(PawnHashTable, key);

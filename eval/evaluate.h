@@ -8,12 +8,11 @@
 
 namespace mirvo {
 
-/// Static score in centipawns in the view of `side`. Uses the evaluation and
-/// pawn caches. `record` is scratch space of the caller; after a hit of the
-/// evaluation cache it holds nothing of use.
+/// Static score in centipawns for `side`. Uses the evaluation and pawn caches. `record`
+/// is scratch space; after a hit in the evaluation cache its contents mean nothing.
 std::int32_t Evaluate(EvalRecord& record, Board& board, int side);
 
-/// Share of the middle game in the score: 0 in a bare end game, 1 with all
+/// Share of the middle game in the score: 0 with kings and pawns only, 1 with all
 /// pieces, more with extra queens. Needs the material of both sides.
 float PhaseOf(const EvalRecord& record);
 

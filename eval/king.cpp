@@ -68,7 +68,7 @@ std::int32_t CastledShelter(const KingView<side>& view) {
     const Bitboard third = FilesOnRank<side>(view.own[pawn], rank3) & missing;
     amount += shelterAdvanced * PopCount(third) + shelterMissing * PopCount(missing & ~third);
   }
-  // A king that has stepped out has little to do with those pawns.
+  // A king above its second rank depends less on those pawns.
   return view.relativeRank > rank2 ? amount / 2 : amount;
 }
 

@@ -1,5 +1,4 @@
-// Safety of a king: the zone around it, and the term of its place, shelter and
-// danger.
+// Safety of a king: its zone, and the term for its square, shelter and danger.
 #pragma once
 
 #include <cstdint>
@@ -31,8 +30,8 @@ inline Bitboard KingZone(const Board& board, int side) {
   return threeRanks & (board.kingFile[side] < fileE ? filesAToC : filesFToH);
 }
 
-/// Place, shelter and danger of the side's king. Needs the union attack sets and
-/// the attack counters, so it runs after the pieces of both sides.
+/// Square, shelter and danger of the side's king. Needs the union attack sets and the
+/// attack counters, so it runs after the pieces of both sides.
 ScorePair EvaluateKing(EvalRecord& record, int side);
 
 }  // namespace mirvo

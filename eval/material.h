@@ -1,5 +1,5 @@
-// What pieces are worth in centipawns, for evaluation, search and exchanges
-// alike, and whether there is enough of them to win.
+// Piece values in centipawns for evaluation, search and exchanges, and the test for
+// insufficient material.
 #pragma once
 
 #include <cstdint>
@@ -22,10 +22,9 @@ inline constexpr std::int32_t pawnCountScale = 100;
 inline constexpr std::int32_t knightPawnDivisor = 16;
 inline constexpr std::int32_t rookPawnDivisor = 8;
 
-/// Value of a side's knights, bishops, rooks and queens, whose bitboards are
-/// `own`, beside so many pawns of its own. Knights like closed positions, rooks
-/// open ones. Both quotients round toward zero, on either side of the usual
-/// count.
+/// Value of a side's knights, bishops, rooks and queens (bitboards `own`) with so many
+/// pawns of its own. Knights like closed positions, rooks open ones. Both quotients
+/// round toward zero, on either side of the usual count.
 inline std::int32_t NonPawnMaterial(const Bitboard* own, std::int32_t nPawns) {
   const std::int32_t oneKnight =
       knightValue + (nPawns - usualPawnCount) * pawnCountScale / knightPawnDivisor;
@@ -35,9 +34,9 @@ inline std::int32_t NonPawnMaterial(const Bitboard* own, std::int32_t nPawns) {
          PopCount(own[rook]) * oneRook + PopCount(own[queen]) * queenValue;
 }
 
-/// Whether neither side can win: no pawn, rook or queen on the board and
-/// nobody has two knights or two bishops. Bishop and knight against the bare
-/// king counts as drawn too, a choice of this engine.
+/// Whether neither side can win: no pawn, rook or queen on the board, and neither side
+/// has two knights or two bishops. Bishop and knight against a lone king counts as
+/// drawn too, a choice of this engine.
 inline bool InsufficientMaterial(const Board& board) {
   const Bitboard* whites = PiecesOf(board, white);
   const Bitboard* blacks = PiecesOf(board, black);

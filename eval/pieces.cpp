@@ -48,12 +48,12 @@ struct PieceView {
   const std::int32_t* const enemyKingDistance;  // by square
 };
 
-// Sums over the pieces of one kind. What has one weight for all of them is mostly
-// counted, and multiplied once in Finish.
+// Sums over the pieces of one kind. Terms with the same weight for all of them are
+// mostly counted, and multiplied once in Finish.
 template <int side, int kind>
 struct KindSums {
-  // Adds what all kinds share, for one piece that attacks `mobility` directly
-  // and `xRays` with what it attacks through own pieces.
+  // Adds the common terms of all kinds for one piece, with its direct attacks `mobility`
+  // and `xRays`, which includes attacks through own pieces.
   void AddCommon(const PieceView<side>& view, int square, Bitboard mobility, Bitboard xRays) {
     // Seldom any, so a branch is cheaper than a count.
     if (const Bitboard hits = xRays & view.enemyIsolated; hits != 0) {
@@ -69,7 +69,7 @@ struct KindSums {
     kingDistance += view.enemyKingDistance[square];
   }
 
-  // Writes the sums to the record and returns the score; `pieces` are those of the
+  // Writes the sums to the record and returns the score; `pieces` has the pieces of the
   // kind.
   ScorePair Finish(const PieceView<side>& view, EvalRecord& record, Bitboard pieces) {
     const int count = PopCount(pieces);
@@ -94,8 +94,8 @@ struct KindSums {
   std::int32_t centreCount = 0;
 };
 
-// Bishop-like x-ray attacks, through the own pieces in `transparent`. Where none
-// of them is attacked they are the `plain` attacks, which is most of the time.
+// Bishop-like x-ray attacks, through the own pieces in `transparent`. Mostly none of
+// them is attacked, and then these are the `plain` attacks.
 Bitboard DiagonalXRay(const Board& board, int square, Bitboard plain, Bitboard transparent) {
   if ((plain & transparent) == 0) return plain;
   std::uint64_t diagA1H8 = board.occupiedDiagA1H8;

@@ -1,5 +1,5 @@
-// The terms of the evaluation's prologue, which read nothing but the pieces:
-// defined here so that they are compiled into it.
+// The terms of the evaluation's prologue, which read only the pieces; defined here so
+// that they are inlined.
 #pragma once
 
 #include <cstdint>
@@ -49,7 +49,7 @@ inline std::int32_t EvaluateDevelopment(const EvalRecord& record, int side, std:
   return amount;
 }
 
-// ----------------------------------- amounts that the term report has no row for
+// ----------------------------------- terms without a row in the report
 
 /// Penalty for minor pieces in front of unmoved d and e pawns; middle game only.
 inline std::int32_t EvaluateCentreBlockade(const EvalRecord& record, int side) {

@@ -1,11 +1,11 @@
-// A middle-game and an end-game value that travel together.
+// A pair of a middle-game and an end-game value.
 #pragma once
 
 #include <cstdint>
 
 namespace mirvo {
 
-/// Centipawns, good for the side a term was computed for.
+/// Centipawns, from the point of view of the side that a term was computed for.
 struct ScorePair {
   std::int32_t mg;
   std::int32_t eg;

@@ -1,5 +1,6 @@
 #include "protocol/position_line.h"
 
+#include "board/square_sets.h"
 #include "shell/base/output.h"
 
 namespace mirvo {
@@ -16,7 +17,7 @@ char* WriteSquare(const Board& board, int square, char* out) {
 
 char* WriteRank(const Board& board, int rank, char* out) {
   int nEmpty = 0;
-  for (int file = 0; file < 8; ++file) {
+  for (int file = fileA; file <= fileH; ++file) {
     const int square = SquareAt(rank, file);
     const bool isEmpty = (board.occupied & Bit(square)) == 0;
     if (!isEmpty && nEmpty > 0) *out++ = static_cast<char>('0' + nEmpty);
@@ -30,10 +31,10 @@ char* WriteRank(const Board& board, int rank, char* out) {
 /// Whether the king and the rook of one wing are on their home squares: the capture
 /// of a rook on its corner does not change the flags.
 bool RookAndKingAtHome(const Board& board, int side, int rookFile) {
-  const int rank = side == white ? 0 : 7;
+  const int rank = RelativeRank(side, rank1);
   const Bitboard rooks = board.pieces[PieceIndex(side, rook)];
   const Bitboard kings = board.pieces[PieceIndex(side, king)];
-  return (rooks & Bit(SquareAt(rank, rookFile))) != 0 && (kings & Bit(SquareAt(rank, 4))) != 0;
+  return (rooks & Bit(SquareAt(rank, rookFile))) != 0 && (kings & Bit(SquareAt(rank, fileE))) != 0;
 }
 
 /// Castling rights: neither king nor rook has moved, the side has not castled, and both
@@ -43,10 +44,10 @@ char* WriteCastling(const Board& board, char* out) {
   const char* const first = out;
   for (int side = white; side <= black; ++side) {
     if (castling.hasCastled[side] != 0 || castling.kingMoved[side] != 0) continue;
-    if (castling.kingRookMoved[side] == 0 && RookAndKingAtHome(board, side, 7)) {
+    if (castling.kingRookMoved[side] == 0 && RookAndKingAtHome(board, side, fileH)) {
       *out++ = side == white ? 'K' : 'k';
     }
-    if (castling.queenRookMoved[side] == 0 && RookAndKingAtHome(board, side, 0)) {
+    if (castling.queenRookMoved[side] == 0 && RookAndKingAtHome(board, side, fileA)) {
       *out++ = side == white ? 'Q' : 'q';
     }
   }
@@ -58,9 +59,9 @@ char* WriteCastling(const Board& board, char* out) {
 
 void FormatPositionLine(const Board& board, char* text) {
   char* out = text;
-  for (int rank = 7; rank >= 0; --rank) {
+  for (int rank = rank8; rank >= rank1; --rank) {
     out = WriteRank(board, rank, out);
-    if (rank > 0) *out++ = '/';
+    if (rank > rank1) *out++ = '/';
   }
   *out++ = ' ';
   *out++ = board.sideToMove == white ? 'w' : 'b';

@@ -17,7 +17,7 @@ CheckInfo::CheckInfo(const Board& position, bool inCheck) : board_(position) {
   checkSquares_[queen] = checkSquares_[bishop] | checkSquares_[rook];
   checkSquares_[king] = 0;
   // Boards that only text input can set up: nothing is known of their moves.
-  const std::uint64_t* own = position.pieces + side * nKinds;
+  const Bitboard* own = PiecesOf(position, side);
   const Bitboard attackers =
       (checkSquares_[pawn] & own[pawn]) | (checkSquares_[knight] & own[knight]) |
       (checkSquares_[bishop] & own[bishop]) | (checkSquares_[rook] & own[rook]) |
@@ -38,7 +38,7 @@ CheckInfo::CheckInfo(const Board& position, bool inCheck) : board_(position) {
 // leave only the king's moves.
 void CheckInfo::FindEvasions(int ownKing) {
   const int side = board_.sideToMove;
-  const std::uint64_t* enemy = board_.pieces + (side ^ 1) * nKinds;
+  const Bitboard* enemy = PiecesOf(board_, side ^ 1);
   const Bitboard leapers = (PawnAttacks[side][ownKing] & enemy[pawn]) |
                            (KnightAttacks[ownKing] & enemy[knight]) |
                            (KingAttacks[ownKing] & enemy[king]);

@@ -90,14 +90,14 @@ void MovePicker::GenerateQuietsOnce() {
 
 void MovePicker::ScoreCaptures() {
   GenerateCapturesOnce();
-  ScoredMoveList::Filler keys(scoredCaptures_);
+  ScoredMoveList::Filler scores(scoredCaptures_);
   for (int i = 0; i < captureCount_; ++i) {
     const int victim = CaptureVictim(board_, generator_.moves[i]);
     const Move move = WithCaptured(generator_.moves[i], victim) | captureFlag;
     generator_.moves[i] = move;
-    keys.Add(CaptureScore(move, victim));
+    scores.Add(CaptureScore(move, victim));
   }
-  keys.Close();
+  scores.Close();
 }
 
 void MovePicker::ScoreQuiets() {
@@ -109,7 +109,7 @@ void MovePicker::ScoreQuiets() {
   const bool hasPvMove = pvIndex >= 0 && pvIndex < previousPv.length;
   const Move pvMove = hasPvMove ? Identity(previousPv.moves[pvIndex]) : noMove;
   const auto& history = HistoryTable[board_.sideToMove];
-  ScoredMoveList::Filler keys(scoredQuiets_);
+  ScoredMoveList::Filler scores(scoredQuiets_);
   for (int i = captureCount_; i < generator_.count; ++i) {
     const Move move = generator_.moves[i];
     std::int32_t score = history[FromSquare(move)][ToSquare(move)];
@@ -119,9 +119,9 @@ void MovePicker::ScoreQuiets() {
     } else if (identity == pvMove) {
       score = previousPvScore;
     }
-    keys.Add(score);
+    scores.Add(score);
   }
-  keys.Close();
+  scores.Close();
 }
 
 Move MovePicker::Peek() const {

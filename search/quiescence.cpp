@@ -46,7 +46,7 @@ void ScoreMoves(const Board& board, BBMoveGenerator2& generator, ScoredMoveList&
 
 // Enemy pieces that are worth `needed` or more.
 Bitboard PiecesWorth(const Board& board, std::int32_t needed) {
-  const std::uint64_t* enemy = board.pieces + (board.sideToMove ^ 1) * nKinds;
+  const Bitboard* enemy = PiecesOf(board, board.sideToMove ^ 1);
   Bitboard set = 0;
   for (int kind = pawn; kind < king; ++kind) {
     if (exchangeValue[kind] >= needed) set |= enemy[kind];

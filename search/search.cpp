@@ -62,8 +62,8 @@ TableHint ProbeTable(std::uint64_t key, std::int32_t alpha, std::int32_t beta, s
 
 // Own minus enemy material in centipawns.
 MIRVO_COUNTS_BITS std::int32_t MaterialBalance(const Board& board) {
-  const std::uint64_t* own = board.pieces + board.sideToMove * nKinds;
-  const std::uint64_t* enemy = board.pieces + (board.sideToMove ^ 1) * nKinds;
+  const Bitboard* own = PiecesOf(board, board.sideToMove);
+  const Bitboard* enemy = PiecesOf(board, board.sideToMove ^ 1);
   const std::int32_t ownPawns = PopCount(own[pawn]);
   const std::int32_t enemyPawns = PopCount(enemy[pawn]);
   return NonPawnMaterial(own, ownPawns) - NonPawnMaterial(enemy, enemyPawns) +
@@ -71,7 +71,7 @@ MIRVO_COUNTS_BITS std::int32_t MaterialBalance(const Board& board) {
 }
 
 bool HasPieces(const Board& board, int side) {
-  const std::uint64_t* own = board.pieces + side * nKinds;
+  const Bitboard* own = PiecesOf(board, side);
   return (own[knight] | own[bishop] | own[rook] | own[queen]) != 0;
 }
 

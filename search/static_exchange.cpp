@@ -27,8 +27,8 @@ struct Exchange {
 
 Exchange::Exchange(const Board& position, int target)
     : board(position), square(target), views(ViewsOf(position)) {
-  const std::uint64_t* whites = board.pieces;
-  const std::uint64_t* blacks = board.pieces + nKinds;
+  const Bitboard* whites = PiecesOf(board, white);
+  const Bitboard* blacks = PiecesOf(board, black);
   const Bitboard queens = whites[queen] | blacks[queen];
   const Bitboard onDiagonals = BishopLines(square) & (whites[bishop] | blacks[bishop] | queens);
   const Bitboard onLines = RookLines(square) & (whites[rook] | blacks[rook] | queens);
@@ -69,7 +69,7 @@ void RemoveAttacker(Exchange& exchange, int square, int kind) {
 int LeastAttacker(const Exchange& exchange, int side, int& square) {
   const Bitboard attackers = exchange.attackers & exchange.board.sideOccupancy[side];
   if (attackers == 0) return noPiece;
-  const std::uint64_t* own = exchange.board.pieces + side * nKinds;
+  const Bitboard* own = PiecesOf(exchange.board, side);
   int kind = pawn;
   while ((own[kind] & attackers) == 0) ++kind;
   square = HighestSquare(own[kind] & attackers);

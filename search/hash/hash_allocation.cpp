@@ -15,13 +15,13 @@ constexpr std::size_t slotSize = sizeof(HashEntry);
 constexpr std::size_t tagSize = sizeof(std::uint8_t);
 static_assert(slotSize == std::size_t{1} << slotShift);
 
-/// Bytes for slots and tags, with room for aligning the slots. 64 bits wide: the
-/// largest tables have more of them than addresses of 32 bits reach.
+/// Bytes for slots and tags, with room for aligning the slots. 64 bits wide, because the
+/// largest tables exceed a 32-bit address space.
 std::uint64_t BlockSize(std::uint32_t nSlots) {
   return std::uint64_t{nSlots} * (slotSize + tagSize) + (slotSize - 1);
 }
 
-/// No system gives more than half of all addresses.
+/// No system allocates more than half of the address space.
 constexpr std::uint64_t largestBlock = std::numeric_limits<std::size_t>::max() / 2;
 
 bool ReserveSlots(HashTable& table, std::uint32_t nSlots) {

@@ -16,7 +16,7 @@
 namespace mirvo::test {
 namespace {
 
-/// The 64-bit FNV-1a rule over the eight bytes of each entry, lowest first.
+/// The 64-bit FNV-1a hash over the eight bytes of each entry, lowest first.
 struct Folder {
   std::uint64_t hash = 0xCBF29CE484222325ULL;
 

@@ -1,6 +1,5 @@
-// Every table that start-up computes, folded into one number each, for the test
-// that compares them with tests/data/startup_tables.txt and for a program that
-// prints them.
+// A hash of every table that start-up computes, for the test that compares them
+// with tests/data/startup_tables.txt and for a program that prints them.
 #pragma once
 
 #include <map>
@@ -8,7 +7,7 @@
 
 namespace mirvo::test {
 
-/// Name and number of each table, as this build makes them.
+/// Name and hash of each table of this build.
 std::map<std::string, std::string> BuiltTables();
 
 }  // namespace mirvo::test

@@ -54,6 +54,7 @@ test("a game's commands, from the first line of output to the last", async () =>
   assert.equal(engine.interruptible, true);
   await lines.ask("uci", /^uciok$/);
   assert.match(lines.all[0], /^Welcome to Mirvo/);
+  assert.match(lines.all[1], /^Setup\.+Done\.$/);
   assert.ok(lines.all.includes("    TTHashSize=16"));
   await lines.ask("isready", /^readyok$/);
   engine.send("setoption name Use Opening Book value false");
@@ -116,6 +117,8 @@ test("without shared memory lines wait for the end of the search", async () => {
   // A search that is over and would wait for "stop" gives its move.
   engine.send("position fen 7k/5Q2/6K1/8/8/8/8/8 w - - 0 1");
   await lines.ask("go infinite depth 2", /^bestmove/);
+  // However often the program is left and entered anew, nothing of it piles up.
+  for (let i = 0; i < 3000; ++i) engine.send("eval");
   await lines.ask("isready", /^readyok$/);
   assert.equal(await engine.quit(), 0);
 });
@@ -166,6 +169,20 @@ test("junk and lines of any length do no harm", async () => {
     await lines.ask("isready", /^readyok$/);
     assert.equal(await engine.quit(), 0);
   }
+});
+
+test("the deepest search has stack enough", async () => {
+  const config = "StartIDDepth=400\nMaxNumExtPerDepth=1000\n";
+  const { engine, lines } = await start({ files: { ...withoutBook, "config.txt": config } });
+  await lines.ask("uci", /^uciok$/);
+  for (const fen of ["4k3/1p1p1p1p/1P1P1P1P/p1p1p1p1/P1P1P1P1/8/8/4K3 w - - 0 1",
+    "q3k2q/8/8/8/8/8/8/Q3K2Q w - - 0 1"]) {
+    engine.send(`position fen ${fen}`);
+    await lines.ask("go depth 400", /^info currmove/);
+    await new Promise((resolve) => setTimeout(resolve, 300));
+    await lines.ask("stop", /^bestmove/);
+  }
+  assert.equal(await engine.quit(), 0);
 });
 
 test("tables that no memory could hold are made smaller", async () => {

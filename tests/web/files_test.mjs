@@ -1,9 +1,11 @@
-// The files in memory behave as those of a disk, where the program looks.
+// The files in memory behave as those of a disk, where the program looks; output
+// becomes lines wherever it is cut.
 import assert from "node:assert/strict";
 import test from "node:test";
 
 import { importFromPackage } from "./kit.mjs";
 
+const { LineConsole } = await importFromPackage("line_console.js");
 const { MemoryFiles } = await importFromPackage("memory_files.js");
 const flags = await importFromPackage("file_errors.js");
 
@@ -28,6 +30,32 @@ test("files that are there are read", () => {
   for (const missing of ["no.bk", "CONFIG.TXT", "folder/config.txt", ""]) {
     assert.throws(() => files.open(name(missing), 0), { code: "ENOENT" }, missing);
   }
+});
+
+test("an engine's files are its own", () => {
+  const given = bytes("xyz");
+  const files = new MemoryFiles({ "./b.bk": given });
+  given[0] = 0;
+  const file = files.open(name("b.bk"), flags.readWrite);
+  assert.equal(readAll(file), "xyz");
+  file.seek(0, 0);
+  file.write(bytes("abc"));
+  assert.equal(given[1], 121);
+});
+
+test("lines of output, in pieces or many at a time", () => {
+  const lines = [];
+  const console = new LineConsole((line) => lines.push(line));
+  for (const piece of ["Setup", ".", ".Done.\n\nu", "ciok\nid \u00e9\nrest"]) {
+    for (const byte of piece === "." ? [bytes(piece)] : [...bytes(piece)].map((b) => [b])) {
+      console.write(Uint8Array.from(byte));
+    }
+  }
+  console.write(bytes("a\nb\nc"));
+  assert.deepEqual(lines, ["Setup..Done.", "", "uciok", "id \u00e9", "resta", "b"]);
+  console.finish();
+  console.finish();
+  assert.deepEqual(lines.slice(6), ["c"]);
 });
 
 test("files are written, and told of at the end", () => {

@@ -21,7 +21,7 @@ for (const isolated of [true, false]) {
       worker.onerror = reject;
       worker.onmessage = ({ data }) => {
         lines.push(data);
-        if (data === "uciok") {
+        if (data === "readyok") {
           worker.postMessage("position startpos moves a2a3 h7h6"); // in no book
           worker.postMessage(isolated ? "go infinite" : "go depth 6");
         }
@@ -29,7 +29,9 @@ for (const isolated of [true, false]) {
         if (/^bestmove/.test(data)) resolve();
       };
       worker.postMessage("uci");
+      worker.postMessage("isready");
     });
+    assert.ok(lines.includes("uciok"));
     assert.ok(lines.every((line) => typeof line === "string" && !line.includes("\n")));
     assert.match(lines[0], /^Welcome/);
     const closed = new Promise((resolve) => {

@@ -3,7 +3,6 @@
 // its own; this one hands the input on and hears signals and the end.
 import { Worker } from "node:worker_threads";
 
-import { workerOptions } from "./node_worker_options.js";
 import { InputWriter } from "./shared_input.js";
 
 /** Time for the lines that wait when XBoard asks the engine to terminate. */
@@ -17,7 +16,7 @@ const graceTime = 1000; // ms
 export function runCommand({ program, args, spare }) {
   const input = new InputWriter();
   const worker = new Worker(new URL("./command_worker.js", import.meta.url), {
-    ...workerOptions,
+    execArgv: [], // without the options that the user gave to Node itself
     workerData: { program, args, spare, input: input.buffer },
   });
 

@@ -4,14 +4,14 @@ import { fileURLToPath } from "node:url";
 import { Worker } from "node:worker_threads";
 
 import { Engine, ExitEvent, FaultEvent, LineEvent } from "./engine.js";
-import { workerOptions } from "./node_worker_options.js";
 
 export { Engine, ExitEvent, FaultEvent, LineEvent };
 
 const packageFolder = new URL(".", import.meta.url);
 
 function threadWorker() {
-  const worker = new Worker(new URL("./node_worker.js", import.meta.url), workerOptions);
+  // Without the options that the user gave to Node itself.
+  const worker = new Worker(new URL("./node_worker.js", import.meta.url), { execArgv: [] });
   return {
     post: (message) => worker.postMessage(message),
     terminate: () => worker.terminate(),

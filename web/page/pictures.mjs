@@ -7,13 +7,13 @@ import { fileURLToPath } from "node:url";
 import { launch, visit } from "../../tests/page/support/browser.mjs";
 import { savedGame } from "../../tests/page/support/saved_game.mjs";
 
-const documents = path.resolve(path.dirname(fileURLToPath(import.meta.url)), "../../docs");
+const documents = path.resolve(path.dirname(fileURLToPath(import.meta.url)), "../../docs/page");
 const GAME = "e4 e5 Nf3 Nc6 Bb5 a6 Ba4 Nf6 O-O Nxe4 d4 b5 Bb3 d5 dxe5 Be6 c3 Bc5 Nbd2 O-O Bc2 Nxf2 Rxf2 f6 exf6 Bxf2+ Kxf2 Qxf6";
 const CLOCKS = { kind: "clock", minutes: 10, increment: 5 };
 
 const pictures = [
   {
-    name: "page-light.png",
+    name: "light.png",
     saved: savedGame({ moves: GAME, limit: CLOCKS, clock: { w: 312000, b: 268000 } }),
     context: { viewport: { width: 1080, height: 790 } },
     async prepare(visitor, page) {
@@ -23,7 +23,7 @@ const pictures = [
     },
   },
   {
-    name: "page-dark.png",
+    name: "dark.png",
     saved: savedGame({ moves: GAME, player: "both" }),
     context: { viewport: { width: 1080, height: 760 }, colorScheme: "dark" },
     async prepare(visitor, page) {
@@ -38,7 +38,7 @@ const pictures = [
     },
   },
   {
-    name: "page-phone.png",
+    name: "phone.png",
     saved: savedGame({ moves: GAME, limit: CLOCKS, clock: { w: 312000, b: 268000 } }),
     context: { viewport: { width: 360, height: 780 }, deviceScaleFactor: 1.5, isMobile: true, hasTouch: true },
     async prepare(visitor, page) {

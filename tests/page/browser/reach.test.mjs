@@ -167,20 +167,26 @@ function laterVersion(folder) {
   return copy;
 }
 
-test("A newer version is offered, taken, and the old one forgotten", { timeout: 4 * PATIENCE }, async () => {
-  const folder = fs.mkdtempSync(path.join(os.tmpdir(), "mirvo-page-"));
-  fs.cpSync(pageFolder, folder, { recursive: true });
-  const later = laterVersion(pageFolder);
-  await visit(browser, { folder }, async (visitor, page) => {
-    await offlineCopyIsThere(page);
-    await visitor.type("e4");
-    await visitor.movesAre(2);
-    fs.cpSync(later, folder, { recursive: true });
+for (const [how, accept] of [["when it is accepted", (page) => page.click("#notice button")],
+  ["at the next visit", async (page) => {
+    await page.waitForSelector("#notice button");
     await page.reload();
-    await page.click("#notice button");
-    await page.waitForFunction(() => document.title.startsWith("Later"));
-    await visitor.movesAre(2);
-    assert.deepEqual(await page.evaluate(() => caches.keys()), ["mirvo-later"]);
+  }]]) {
+  test(`A newer version is offered and taken ${how}, and the old one forgotten`, { timeout: 4 * PATIENCE }, async () => {
+    const folder = fs.mkdtempSync(path.join(os.tmpdir(), "mirvo-page-"));
+    fs.cpSync(pageFolder, folder, { recursive: true });
+    const later = laterVersion(pageFolder);
+    await visit(browser, { folder }, async (visitor, page) => {
+      await offlineCopyIsThere(page);
+      await visitor.type("e4");
+      await visitor.movesAre(2);
+      fs.cpSync(later, folder, { recursive: true });
+      await page.reload();
+      await accept(page);
+      await page.waitForFunction(() => document.title.startsWith("Later"));
+      await visitor.movesAre(2);
+      assert.deepEqual(await page.evaluate(() => caches.keys()), ["mirvo-later"]);
+    });
+    for (const name of [folder, later]) fs.rmSync(name, { recursive: true });
   });
-  for (const name of [folder, later]) fs.rmSync(name, { recursive: true });
-});
+}

@@ -1,6 +1,6 @@
 // The little server that shows the page on this machine.
 import assert from "node:assert/strict";
-import { spawn } from "node:child_process";
+import { spawn, spawnSync } from "node:child_process";
 import fs from "node:fs";
 import http from "node:http";
 import net from "node:net";
@@ -78,5 +78,18 @@ test("A port that is taken or none is told", async (context) => {
     const status = await new Promise((resolve) => { child.on("close", resolve); });
     assert.equal(status, 1);
     assert.match(text, message);
+  }
+});
+
+test("web/serve.sh tells its options, and refuses others before it does anything", () => {
+  const run = (...words) => spawnSync("bash", [path.join(path.dirname(script), "../serve.sh"), ...words], { encoding: "utf8" });
+  const help = run("--help");
+  assert.equal(help.status, 0);
+  for (const option of ["--port N", "--no-build", "--no-isolation"]) assert.ok(help.stdout.includes(option), option);
+  for (const words of [["--nonsense"], ["--port"], ["--port", "x"]]) {
+    const { status, stdout, stderr } = run(...words);
+    assert.equal(status, 2, words.join(" "));
+    assert.equal(stdout, "");
+    assert.match(stderr, /^serve\.sh: /);
   }
 });

@@ -1,8 +1,9 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
 
+import { Game } from "../../../web/page/src/game.js";
 import {
-  MAX_FEN_LENGTH, START_FEN, kingSquare, lineInSan, numberedLine, piecesOf, readCoordinates, readFen,
+  MAX_FEN_LENGTH, START_FEN, kingSquare, lineInSan, numberedLine, piecesOf, readCoordinates, readFen, spellings,
 } from "../../../web/page/src/rules.js";
 
 test("A FEN comes back in its usual form", () => {
@@ -84,4 +85,20 @@ test("A line ends at the first move that cannot be played", () => {
 test("Lines are numbered from the position's number on", () => {
   assert.equal(numberedLine(START_FEN, ["e4", "e5", "Nf3"]), "1. e4 e5 2. Nf3");
   assert.equal(numberedLine("4k3/8/8/8/8/8/8/4K2R b K - 0 7", ["Kd8", "O-O"]), "7... Kd8 8. O-O");
+});
+
+test("A typed move is understood in small letters too", () => {
+  const meant = [
+    [START_FEN, "nf3", "Nf3"], [START_FEN, "E2E4", "e4"], [START_FEN, "e4", "e4"],
+    ["4k3/8/8/8/8/8/8/4K2R w K - 0 1", "o-o", "O-O"], ["4k3/8/8/8/8/8/8/4K2R w K - 0 1", "0-0", "O-O"],
+    ["4k3/P7/8/8/8/8/8/4K3 w - - 0 1", "a8=q", "a8=Q+"], ["4k3/P7/8/8/8/8/8/4K3 w - - 0 1", "a8n", "a8=N"],
+    ["4k3/P7/8/8/8/8/8/4K3 w - - 0 1", "A7A8R", "a8=R+"], ["4k3/8/8/8/8/8/8/4K3 w - - 0 1", "ke2", "Ke2"],
+    // A pawn's move as it is written, and the bishop's where there is no such pawn.
+    ["4k3/8/8/8/8/2p5/1P6/B3K3 w - - 0 1", "bxc3", "bxc3"], ["4k3/8/8/8/8/2p5/3B4/4K3 w - - 0 1", "bxc3", "Bxc3"],
+  ];
+  for (const [fen, typed, san] of meant) {
+    const game = new Game(fen);
+    assert.ok(spellings(typed).some((move) => game.play(move) !== null), typed);
+    assert.equal(game.plies[0].san, san);
+  }
 });

@@ -56,7 +56,7 @@ export class MoveListView {
     }
     const button = element("button", {
       type: "button", tabindex: "-1", "data-count": index + 1, text: ply.san,
-      "aria-label": `${number}, ${white ? "White" : "Black"}: ${spokenMove(ply.san)}`,
+      "aria-label": `${number}. ${ply.san}, ${white ? "White" : "Black"}: ${spokenMove(ply.san)}`,
     });
     this.list.lastElementChild.append(button);
     this.#buttons.push(button);

@@ -17,8 +17,10 @@ export async function keepOffline(onUpdate) {
   const wasControlled = serviceWorker.controller !== null;
   let wanted = false;
   serviceWorker.addEventListener("controllerchange", () => {
-    // The first one only takes the page under its wing.
-    if (wasControlled && wanted) location.reload();
+    // The first one only takes the page under its wing. Another window may have
+    // taken a newer one, and the files of this version are gone then.
+    if (wanted) location.reload();
+    else if (wasControlled) onUpdate(() => location.reload());
   });
   const use = (worker) => {
     wanted = true;

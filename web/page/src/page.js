@@ -11,7 +11,7 @@ import { MoveListView } from "./move_list_view.js";
 import { MAX_PGN_LENGTH, cleanText, readPgn, writePgn } from "./pgn.js";
 import { Task } from "./play.js";
 import { showReport } from "./report_view.js";
-import { SIDE_NAMES, kingSquare, lineInSan, numberedLine, opponent, readFen, sideToMove } from "./rules.js";
+import { SIDE_NAMES, kingSquare, lineInSan, numberedLine, opponent, readFen, sideToMove, spellings } from "./rules.js";
 import { GraphView, showBar } from "./score_views.js";
 import { loadChoices, saveChoices, saveGame } from "./storage.js";
 import { applyTheme, nextTheme } from "./theme.js";
@@ -172,7 +172,8 @@ export class Page {
     const { play } = this;
     const earlier = play.viewed < play.game.plies.length;
     const status = byId("status");
-    setText(status, earlier ? "An earlier position. Go to the newest one to move." : play.situation());
+    const hint = play.hint === null ? "" : ` Hint: ${play.hint.from} to ${play.hint.to}.`;
+    setText(status, earlier ? "An earlier position. Go to the newest one to move." : play.situation() + hint);
     status.classList.toggle("over", play.outcome !== null && !earlier);
     this.#showNotice(play.failure, play.failure === "" ? null : ["Try again", () => play.retry()]);
   }
@@ -309,9 +310,7 @@ export class Page {
     const input = byId("entry-text");
     const text = input.value.trim();
     if (text === "") return;
-    const tries = [text, text.replace(/^([a-h]?[1-8]?)([qrbn])/i, (_, file, piece) => file + piece.toUpperCase())];
-    tries.push(text.replace(/^[kqrn]/, (piece) => piece.toUpperCase()), text.toUpperCase().replace(/0/g, "O"));
-    const made = tries.some((word) => this.play.move(/^[a-h][1-8][a-h][1-8][qrbn]?$/i.test(word) ? word.toLowerCase() : word));
+    const made = spellings(text).some((move) => this.play.move(move));
     if (made) {
       input.value = "";
       input.removeAttribute("aria-invalid");

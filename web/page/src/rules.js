@@ -135,6 +135,18 @@ export function readCoordinates(text) {
 }
 
 /**
+ * What a person may have meant by a typed move, as written first: "nf3" for Nf3,
+ * "o-o" or "0-0" for O-O, "e8=q" for e8=Q, "E2E4" for e2e4.
+ * @param {string} text
+ * @returns {string[]}
+ */
+export function spellings(text) {
+  const promoted = text.replace(/=?([qrbn])$/i, (_, piece) => `=${piece.toUpperCase()}`);
+  const piece = (word) => word.replace(/^[kqrbn]/, (letter) => letter.toUpperCase());
+  return [text, text.toLowerCase(), piece(text), promoted, piece(promoted), text.toUpperCase().replace(/0/g, "O")];
+}
+
+/**
  * A line of coordinate moves in short algebraic notation, cut at the first move
  * that cannot be played.
  * @param {string} fen where the line begins
