@@ -40,9 +40,13 @@ def lintian_complaints(package):
     return [line for line in said.splitlines() if "bogus-mail-host" not in line]
 
 
-def wine_prefix(scratch):
-    """Wine with its files in the scratch folder, ended by the caller."""
-    return [str(ROOT / "tests/windows/run_in_wine"), str(scratch / "wine")]
+def wine_loader(scratch):
+    """Wine with its files in the scratch folder, ended by the caller, and real
+    Windows pipes: Wine cannot tell whether input waits in those of this system."""
+    driver = scratch / "pipe_driver.exe"
+    subprocess.run(["x86_64-w64-mingw32-g++-posix", "-std=c++20", "-static", "-I", ROOT,
+                    ROOT / "tests/windows/pipe_driver.cpp", "-o", driver], check=True)
+    return [ROOT / "tests/windows/run_in_wine", scratch / "wine", driver]
 
 
 def check_source(path, scratch):
@@ -89,7 +93,7 @@ def check_program_package(path, scratch):
         emulated = "aarch64" in path.name
     loader = QEMU if emulated else []
     if path.suffix == ".zip":
-        loader = wine_prefix(scratch)
+        loader = wine_loader(scratch)
     try:
         return faults + check_signature(SIGNATURE, [*loader, program])
     finally:

@@ -4,7 +4,8 @@ by a new process, because a search learns from those before it. It is for packag
 that were unpacked, whatever runs what they hold.
 
 Usage: check_signature.py SIGNATURE_FILE COMMAND...
-The engine is started in an empty folder, where it finds no book to play from.
+The engine is started in a folder of its own, whose settings switch the book off and
+ask for the usual tables, since a package may bring others.
 """
 
 import pathlib
@@ -16,6 +17,7 @@ import threading
 
 DEPTH = 7
 LIMIT = 120  # seconds for a position, under an emulator on a busy machine
+SETTINGS = "UseOpeningBook=0\nPawnHashSize=30\nEvalHashSize=100\nTTHashSize=100\n"
 NODES = re.compile(r"^info .*\bnodes (\d+)")
 
 
@@ -59,6 +61,7 @@ def check(signature_file, command):
     positions, total = read_signature(signature_file)
     faults, found = 0, 0
     with tempfile.TemporaryDirectory(prefix="mirvo-signature-") as folder:
+        (pathlib.Path(folder) / "config.txt").write_text(SETTINGS, encoding="ascii")
         for name, position, nodes in positions:
             counted = count_nodes(command, folder, position)
             found += counted or 0
