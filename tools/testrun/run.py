@@ -17,7 +17,7 @@ from testrun.report import counts, total_line
 from testrun.results import FAILED, Outcome, Result, exactly, read_outcome, read_tests
 
 # Tests at a time beyond one for each processor: many wait for clocks and pipes.
-WAITING_TESTS = 1
+WAITING_TESTS = 2
 
 # A test with this label uses the real clock. On a machine that stops processes
 # it may fail for that alone, so it is tried once more when nothing else runs.
