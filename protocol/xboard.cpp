@@ -4,7 +4,6 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "board/display.h"
 #include "board/fen.h"
 #include "board/notation.h"
 #include "protocol/game_board.h"
@@ -118,7 +117,7 @@ void SetBoard(XBoardGame&, const char* rest) {
   rest = ReadWord(rest, side, sizeof side);
   ReadWord(rest, castling, sizeof castling);
   BeginFromFen(placement, side, castling, gameBoard);
-  PrintBoard(gameBoard, BoardLayout::wide, engineConfig.Quiet);
+  PrintGameBoard();
 }
 
 /// The first entry that a line starts with decides, so "goodbye" is a "go".
