@@ -41,7 +41,7 @@ void EndSearch() {
   if (searchFlags.pondering) AbandonPondering();
   searchFlags.StopSearch = true;
   xboardPonder.ReplayPonderMove = false;
-  xboardPonder.replyUnwanted = xboardPonder.PendingMove;
+  xboardPonder.recordOnly = xboardPonder.PendingMove;
 }
 
 void Force(XBoardGame& game, const char*) {

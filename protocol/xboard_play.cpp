@@ -171,9 +171,9 @@ Move CompleteTextMove(const char* text, const Board& board) {
 }
 
 void HandleXBoardMove(XBoardGame& game, const char* line) {
-  const bool unanswered = xboardPonder.replyUnwanted;
-  xboardPonder.replyUnwanted = false;
-  if (!unanswered) JoinGame(game);
+  const bool recordOnly = xboardPonder.recordOnly;
+  xboardPonder.recordOnly = false;
+  if (!recordOnly) JoinGame(game);
   if (!game.force) PrintGameBoard();
   if (searchFlags.pondering) {
     DecidePonder(game, MoveFromCoordinates(line, gameBoard, game.engineColour ^ 1));
