@@ -53,6 +53,9 @@ constexpr int PromotionKind(Move move) {
 constexpr bool IsCapture(Move move) { return (move & captureFlag) != 0; }
 constexpr bool IsPromotion(Move move) { return (move & promotionFlag) != 0; }
 
+/// Whether the move neither captures nor moves a pawn.
+constexpr bool IsReversible(Move move) { return !IsCapture(move) && MovingKind(move) != pawn; }
+
 /// The fields by which move ordering compares moves; promotion and capture bits
 /// are ignored.
 constexpr Move Identity(Move move) { return move & sameMoveMask; }

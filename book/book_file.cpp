@@ -10,9 +10,12 @@
 namespace mirvo {
 namespace {
 
+// The number whose bytes, the most significant first, are those of `value`, then `byte`.
+std::uint64_t AppendByte(std::uint64_t value, std::uint8_t byte) { return (value << 8) | byte; }
+
 std::uint64_t BigEndian64(const std::uint8_t* bytes) {
   std::uint64_t value = 0;
-  for (int i = 0; i < 8; ++i) value = (value << 8) | bytes[i];
+  for (int i = 0; i < 8; ++i) value = AppendByte(value, bytes[i]);
   return value;
 }
 
@@ -97,7 +100,7 @@ int ReadBigEndian(ByteReader& file, int n, std::uint64_t& value) {
   for (int i = 0; i < n; ++i) {
     const int byte = file.Next();
     if (byte == endOfFile) return 1;
-    value = (value << 8) | static_cast<std::uint64_t>(byte);
+    value = AppendByte(value, static_cast<std::uint8_t>(byte));
   }
   return 0;
 }

@@ -7,7 +7,6 @@
 namespace mirvo {
 namespace {
 
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 bool IsLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 
 bool IsBlankByte(int byte) { return byte != endOfFile && IsBlank(static_cast<char>(byte)); }
@@ -15,6 +14,13 @@ bool IsBlankByte(int byte) { return byte != endOfFile && IsBlank(static_cast<cha
 bool EndsWord(int byte) {
   return byte == endOfFile || IsBlankByte(byte) || byte == '{' || byte == '(' || byte == ')' ||
          byte == ';' || byte == '[';
+}
+
+// A byte of the byte-order mark of UTF-8 or UTF-16.
+bool IsMarkByte(int byte) {
+  if (byte == endOfFile) return false;
+  return byte == 0xFE || byte == 0xFF ||
+         byteOrderMark.find(static_cast<char>(byte)) != std::string_view::npos;
 }
 
 bool EndsLine(int byte) { return byte == endOfFile || byte == '\n' || byte == '\r'; }
@@ -52,14 +58,11 @@ int PgnScanner::PeekCharacter() {
   return bytes.Peek();
 }
 
-// Skips the byte-order mark of UTF-8 or UTF-16. Its bytes mean nothing else at
-// the start of a game, so part of a mark is skipped as well.
+// Skips the byte-order mark. Its bytes mean nothing else at the start of a game,
+// so part of a mark is skipped as well.
 void PgnScanner::SkipMark() {
   atStart = false;
-  while (bytes.Peek() == 0xEF || bytes.Peek() == 0xBB || bytes.Peek() == 0xBF ||
-         bytes.Peek() == 0xFE || bytes.Peek() == 0xFF) {
-    bytes.Next();
-  }
+  while (IsMarkByte(bytes.Peek())) bytes.Next();
 }
 
 void PgnScanner::SkipComment() {

@@ -21,8 +21,6 @@ namespace {
 /// than this, including its ";".
 constexpr std::size_t longestUnknownOperation = 10;
 
-constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-
 /// Operations that contain no best moves.
 constexpr std::string_view ignoredOperations[] = {"id", "pv", "acd", "acn", "acs", "ce"};
 
@@ -142,13 +140,12 @@ bool ReadPiece(std::string_view piece, Suite& suite, Board& scratch) {
 
 /// Appends the whole file to `text`; false when it cannot be read.
 bool ReadWholeFile(const char* fileName, std::string& text) {
-  const File file = OpenFile(fileName, "rb");
+  const File file = OpenReadable(fileName, "rb");
   if (!file) return false;
   char chunk[65536];
   for (;;) {
     const std::size_t n = std::fread(chunk, 1, sizeof chunk, file.get());
     text.append(chunk, n);
-    // A folder can be opened but not read.
     if (n < sizeof chunk) return std::ferror(file.get()) == 0;
   }
 }
@@ -156,7 +153,7 @@ bool ReadWholeFile(const char* fileName, std::string& text) {
 }  // namespace
 
 Suite ParseSuite(std::string_view text) {
-  if (text.starts_with(byteOrderMark)) text.remove_prefix(byteOrderMark.size());
+  text = WithoutByteOrderMark(text);
   Suite suite;
   const auto scratch = std::make_unique<Board>();
   for (;;) {

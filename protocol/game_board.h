@@ -9,4 +9,8 @@ namespace mirvo {
 /// command. Owner: game_board.cpp. Writers: the front ends.
 extern Board gameBoard;
 
+/// Prints the wide diagram of the game board followed by an empty line, unless the
+/// settings ask for quiet.
+void PrintGameBoard();
+
 }  // namespace mirvo

@@ -1,27 +1,22 @@
 #include "protocol/input_lines.h"
 
 #include <cstring>
+#include <string_view>
+
+#include "shell/base/text.h"
 
 namespace mirvo {
 namespace {
-
-constexpr char byteOrderMark[] = "\xEF\xBB\xBF";
-constexpr std::size_t byteOrderMarkSize = sizeof byteOrderMark - 1;
 
 /// Characters of one line, including its line feed.
 constexpr std::size_t maxLineLength = lineCapacity - 1;
 
 /// Writes the collected characters as a line.
 LineStatus FinishLine(LineReader& reader, char* line) {
-  const char* begin = reader.partial;
-  std::size_t length = reader.nPartial;
-  if (reader.atStart && length >= byteOrderMarkSize &&
-      std::memcmp(begin, byteOrderMark, byteOrderMarkSize) == 0) {
-    begin += byteOrderMarkSize;
-    length -= byteOrderMarkSize;
-  }
-  std::memcpy(line, begin, length);
-  line[length] = 0;
+  std::string_view text(reader.partial, reader.nPartial);
+  if (reader.atStart) text = WithoutByteOrderMark(text);
+  std::memcpy(line, text.data(), text.size());
+  line[text.size()] = 0;
   reader.atStart = false;
   reader.nPartial = 0;
   return LineStatus::line;

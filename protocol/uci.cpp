@@ -147,8 +147,8 @@ LineTiming ClassifyUciLine(const char* line, bool& hasGo) {
 }
 
 bool UciLineIsUrgent(const char* line) {
-  return StartsWith(line, "isready") || StartsWith(line, "stop") || StartsWith(line, "ponderhi") ||
-         StartsWith(line, "quit");
+  const Command* command = FindCommand(line);
+  return command != nullptr && command->timing != Timing::afterward && command->action != Identify;
 }
 
 void UciInputEnded() { EndSearchWithoutEnd(uciSession); }

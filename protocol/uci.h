@@ -21,7 +21,8 @@ void HandleUciLine(std::uint8_t& state, const char* line);
 /// it acts on the running one at once and waits for the others too.
 LineTiming ClassifyUciLine(const char* line, bool& hasGo);
 
-/// Whether the line acts on the running search or is "isready" or "quit".
+/// Whether the line may overtake a waiting switch of the protocol: it acts on the running
+/// search or needs no board. Not "uci", which switches back.
 bool UciLineIsUrgent(const char* line);
 
 /// No more commands will come: stops a running search that only a command could end.

@@ -124,21 +124,21 @@ void Stop(UciSession& session) {
   if (!session.bestMovePending) return;
   session.bestMovePending = false;
   // A search without time ends at its first reading of the clock.
-  SearchRecord declined = PrepareSearch(gameBoard);
-  declined.limits.infinite = false;
-  declined.limits.milliseconds = 0;
-  SearchAndAnswer(session, declined);
+  SearchRecord record = PrepareSearch(gameBoard);
+  record.limits.infinite = false;
+  record.limits.milliseconds = 0;
+  SearchAndAnswer(session, record);
 }
 
 void PonderHitCommand(UciSession& session) {
-  SearchRecord declined = PrepareSearch(gameBoard);
-  SearchLimits& limits = session.running != nullptr ? *session.running : declined.limits;
+  SearchRecord record = PrepareSearch(gameBoard);
+  SearchLimits& limits = session.running != nullptr ? *session.running : record.limits;
   PonderHit(limits, session.movesToGo, session.whiteTime, session.whiteIncrement);
   SetDeadline(limits, engineConfig.MoveOverhead, ClockOfMover(session));
   StoreTimeLimits(engineConfig, limits);
   if (!session.bestMovePending) return;
   session.bestMovePending = false;
-  SearchAndAnswer(session, declined);
+  SearchAndAnswer(session, record);
 }
 
 }  // namespace mirvo

@@ -4,7 +4,6 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "board/display.h"
 #include "board/fen.h"
 #include "board/notation.h"
 #include "protocol/game_board.h"
@@ -42,7 +41,7 @@ void EndSearch() {
   if (searchFlags.pondering) AbandonPondering();
   searchFlags.StopSearch = true;
   xboardPonder.ReplayPonderMove = false;
-  xboardPonder.replyUnwanted = xboardPonder.PendingMove;
+  xboardPonder.recordOnly = xboardPonder.PendingMove;
 }
 
 void Force(XBoardGame& game, const char*) {
@@ -118,7 +117,7 @@ void SetBoard(XBoardGame&, const char* rest) {
   rest = ReadWord(rest, side, sizeof side);
   ReadWord(rest, castling, sizeof castling);
   BeginFromFen(placement, side, castling, gameBoard);
-  PrintBoard(gameBoard, BoardLayout::wide, engineConfig.Quiet);
+  PrintGameBoard();
 }
 
 /// The first entry that a line starts with decides, so "goodbye" is a "go".

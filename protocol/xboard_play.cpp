@@ -2,7 +2,6 @@
 
 #include <cassert>
 
-#include "board/display.h"
 #include "board/make_move.h"
 #include "board/notation.h"
 #include "protocol/game_board.h"
@@ -18,8 +17,6 @@
 namespace mirvo {
 namespace {
 
-void PrintGameBoard() { PrintBoard(gameBoard, BoardLayout::wide, engineConfig.Quiet); }
-
 /// Whether the move captures en passant: after set-up by its form, otherwise by the
 /// en-passant square.
 bool TakesEnPassant(const Board& board, Move move) {
@@ -28,8 +25,6 @@ bool TakesEnPassant(const Board& board, Move move) {
   return MovingKind(move) == pawn && EnPassantAvailable(board) && RankOf(to) == board.epRank &&
          FileOf(to) == board.epFile && FileOf(FromSquare(move)) != FileOf(to);
 }
-
-bool IsReversible(Move move) { return !IsCapture(move) && MovingKind(move) != pawn; }
 
 void LimitToOwnClock(const XBoardGame& game, SearchLimits& limits) {
   SetDeadline(limits, engineConfig.MoveOverhead, {game.ownTime, game.ownTimeReceived});
@@ -176,9 +171,9 @@ Move CompleteTextMove(const char* text, const Board& board) {
 }
 
 void HandleXBoardMove(XBoardGame& game, const char* line) {
-  const bool unanswered = xboardPonder.replyUnwanted;
-  xboardPonder.replyUnwanted = false;
-  if (!unanswered) JoinGame(game);
+  const bool recordOnly = xboardPonder.recordOnly;
+  xboardPonder.recordOnly = false;
+  if (!recordOnly) JoinGame(game);
   if (!game.force) PrintGameBoard();
   if (searchFlags.pondering) {
     DecidePonder(game, MoveFromCoordinates(line, gameBoard, game.engineColour ^ 1));

@@ -16,7 +16,7 @@ struct XBoardPonder {
   bool PendingMove = false;       // heldMove is the next line
   bool ponderMiss = false;        // the pondered move must be unmade after the search
   bool searchAbandoned = false;   // the running search's result is dropped
-  bool replyUnwanted = false;     // heldMove is recorded but not answered
+  bool recordOnly = false;        // heldMove is recorded, not answered
   Move expectedMove = noMove;     // the reply that is pondered
   Move heldMove = noMove;         // the opponent's real move after a miss
 };

@@ -10,7 +10,7 @@ namespace mirvo {
 
 /// Moves that the quiescence search may count beyond a due input poll before it polls
 /// itself. That never happens in games, only on boards full of queens.
-inline constexpr std::uint32_t quiescencePatience = 2048;
+inline constexpr std::uint32_t quiescencePollDelay = 2048;
 
 /// Whether the search must unwind. Scores returned from then on may not change a line,
 /// a table or a best move.
@@ -42,7 +42,7 @@ void PollOverdue(SearchState& state);
 
 /// Whether it is time for PollOverdue.
 inline bool IsPollOverdue(const SearchState& state) {
-  return state.nodeCount >= state.nextInputPoll + quiescencePatience;
+  return state.nodeCount >= state.nextInputPoll + quiescencePollDelay;
 }
 
 }  // namespace mirvo

@@ -165,9 +165,7 @@ SearchResult Iterate(SearchRecord& record) {
   searchStats.depthSum += static_cast<float>(iteration.completedDepth);
   searchStats.depthCount += 1.0F;
   const SearchResult result = ChooseResult(*record.board, iteration);
-  if (result.best != noMove) {
-    CountReversibleMove(gameCounters, !IsCapture(result.best) && MovingKind(result.best) != pawn);
-  }
+  if (result.best != noMove) CountReversibleMove(gameCounters, IsReversible(result.best));
   return result;
 }
 

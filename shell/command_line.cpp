@@ -10,6 +10,7 @@
 #include "book/book_file.h"
 #include "book/book_probe.h"
 #include "book/opening_book.h"
+#include "epd/epd_reader.h"
 #include "shell/base/process.h"
 #include "shell/base/text.h"
 
@@ -17,8 +18,9 @@ namespace mirvo {
 
 namespace {
 
-/// `AnalyzeCount` if only a file is given: more positions than any suite has.
+/// `AnalyzeCount` if only a file is given: a number that no suite exceeds.
 constexpr std::int32_t wholeSuite = 100000;
+static_assert(wholeSuite >= suiteCapacity);
 
 constexpr std::int32_t millisecondsPerSecond = 1000;
 

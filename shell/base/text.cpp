@@ -10,8 +10,6 @@ namespace {
 constexpr std::int64_t highest = std::numeric_limits<std::int32_t>::max();
 constexpr std::int64_t lowest = std::numeric_limits<std::int32_t>::min();
 
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-
 }  // namespace
 
 bool IsBlank(char c) {
@@ -25,6 +23,11 @@ const char* SkipBlanks(const char* text) {
 
 bool StartsWith(const char* text, const char* prefix) {
   return std::strncmp(text, prefix, std::strlen(prefix)) == 0;
+}
+
+std::string_view WithoutByteOrderMark(std::string_view text) {
+  if (text.starts_with(byteOrderMark)) text.remove_prefix(byteOrderMark.size());
+  return text;
 }
 
 std::int32_t ReadDecimal(const char* text) {

@@ -3,17 +3,27 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 namespace mirvo {
 
 /// Space, tab, line feed, carriage return, vertical tab or form feed.
 bool IsBlank(char c);
 
+/// A decimal digit of ASCII.
+constexpr bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
 /// First character that is not a blank.
 const char* SkipBlanks(const char* text);
 
 /// Whether `text` begins with `prefix`.
 bool StartsWith(const char* text, const char* prefix);
+
+/// The byte-order mark of UTF-8, which some programs write at the start of a text.
+inline constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+
+/// `text` without a byte-order mark at its start; part of a mark stays.
+std::string_view WithoutByteOrderMark(std::string_view text);
 
 /// Signed decimal number from the leading digits, after blanks and one sign.
 /// No digits read as 0; values beyond 32 bits saturate.

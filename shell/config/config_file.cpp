@@ -54,28 +54,16 @@ bool IsKey(const char* key, std::size_t length, const char* name) {
   return std::strlen(name) == length && std::memcmp(key, name, length) == 0;
 }
 
-/// Opens a text file; null when it cannot be opened or read. Some systems open a
-/// folder like a file and fail only on the first read.
-File OpenReadable(const char* path) {
-  File file = OpenFile(path, "r");
-  if (file == nullptr) return nullptr;
-  const int first = std::fgetc(file.get());
-  if (first == EOF && std::ferror(file.get()) != 0) return nullptr;
-  std::ungetc(first, file.get());
-  return file;
-}
-
-/// Skips a UTF-8 byte-order mark, which some editors write at the start of a file.
-/// The bytes of an incomplete mark become the start of a token.
+/// Skips a byte-order mark at the start of a file. The bytes of an incomplete one
+/// become the start of a token.
 void SkipByteOrderMark(std::FILE* file, char* token, std::size_t& length) {
-  constexpr unsigned char mark[] = {0xEF, 0xBB, 0xBF};
-  for (const unsigned char expected : mark) {
+  for (const char expected : byteOrderMark) {
     const int c = std::fgetc(file);
-    if (c != expected) {
+    if (c != static_cast<unsigned char>(expected)) {
       if (c != EOF) std::ungetc(c, file);
       return;
     }
-    token[length++] = static_cast<char>(c);
+    token[length++] = expected;
   }
   length = 0;
 }
@@ -114,7 +102,7 @@ bool ReadToken(std::FILE* file, char* token, std::size_t length) {
 }  // namespace
 
 void ReadConfigFile(EngineConfig& config, const char* path) {
-  const File file = OpenReadable(path);
+  const File file = OpenReadable(path, "r");
   if (file == nullptr) {
     PrintToConsole("config.txt not found, using default values.\n");
     return;

@@ -35,6 +35,15 @@ TEST(MoveWord, PacksItsFieldsIntoTheirBits) {
   EXPECT_FALSE(IsPromotion(move));
 }
 
+TEST(MoveWord, CapturesAndPawnMovesAreIrreversible) {
+  const Move knightMove = BuildMove(1, 18, white, knight);
+  EXPECT_TRUE(IsReversible(knightMove));
+  EXPECT_TRUE(IsReversible(knightMove | mateMark | checkMark));
+  EXPECT_FALSE(IsReversible(knightMove | captureFlag));
+  EXPECT_FALSE(IsReversible(BuildMove(8, 16, white, pawn)));
+  EXPECT_FALSE(IsReversible(noMove));
+}
+
 TEST(MoveWord, FlagsAndMarksHaveTheirOwnBits) {
   EXPECT_EQ(sanFileMark, 1U << 13);
   EXPECT_EQ(mateMark, 1U << 27);

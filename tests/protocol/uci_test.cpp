@@ -67,6 +67,17 @@ TEST_F(UciCommands, OnlyAGoChangesWhatStopAndPonderhitAreFor) {
   EXPECT_EQ(ClassifyUciLine("isready\n", hasGo), LineTiming::atOnce);
 }
 
+TEST_F(UciCommands, UrgentLinesNeedNoBoardAndDoNotSwitch) {
+  for (const char* line : {"isready\n", "stop\n", "ponderhit\n", "ponderhi", "quit\n", "quitx"}) {
+    EXPECT_TRUE(UciLineIsUrgent(line)) << line;
+  }
+  for (const char* line :
+       {"uci\n", "ucix\n", "ucinewgame\n", "position startpos\n", "go\n", "eval\n",
+        "setoption name Ponder value true\n", "nonsense\n", "\n", ""}) {
+    EXPECT_FALSE(UciLineIsUrgent(line)) << line;
+  }
+}
+
 TEST_F(UciCommands, QuitEndsTheProcessWithStatus0) {
   std::uint8_t state = 0;
   EXPECT_EXIT(HandleUciLine(state, "quit\n"), ::testing::ExitedWithCode(0), "");

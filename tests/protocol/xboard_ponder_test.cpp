@@ -328,7 +328,7 @@ TEST_F(XBoardPondering, ResultAfterAMissStartsNothingAgain) {
   EXPECT_EQ(Position(), "rnbqkbnr/pppp1ppp/8/4p3/2B1P3/8/PPPP1PPP/RNBQK1NR b KQkq -\n");
   EXPECT_EQ(searchKinds.size(), 2U);
   EXPECT_FALSE(xboardGame.gameInProgress);
-  EXPECT_FALSE(xboardPonder.replyUnwanted);
+  EXPECT_FALSE(xboardPonder.recordOnly);
 }
 
 TEST_F(XBoardPondering, NewAfterAMissForgetsTheHeldMove) {

@@ -12,16 +12,13 @@ namespace {
 /// The engine splits longer lines, and then a command may begin anywhere.
 constexpr std::size_t longestCountedLine = 4000;
 
-/// A UTF-8 byte-order mark hides the first command of an input.
-constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-
 /// Sends the input line by line and counts the commands that need an answer.
 class LineSender : public ScriptedInterface {
  public:
-  /// `foreignWord` would switch to the other protocol.
-  LineSender(std::string_view input, const char* foreignWord) : rest(input), foreign(foreignWord) {
-    if (rest.starts_with(byteOrderMark)) rest.remove_prefix(byteOrderMark.size());
-  }
+  /// `foreignWord` would switch to the other protocol. A byte-order mark would hide the
+  /// first command.
+  LineSender(std::string_view input, const char* foreignWord)
+      : rest(WithoutByteOrderMark(input)), foreign(foreignWord) {}
 
   bool SayWhileIdle(std::string& text) override {
     if (rest.empty()) return false;

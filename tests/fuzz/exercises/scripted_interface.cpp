@@ -115,7 +115,7 @@ void Poll() {
   state.nextInputPoll = state.nodeCount + pollInterval;
   // Every other poll, and the first one of a stopped search, is made overdue, so
   // that the quiescence search polls.
-  if (searchFlags.StopSearch || session.nPolls % 2 == 0) state.nextInputPoll -= quiescencePatience;
+  if (searchFlags.StopSearch || session.nPolls % 2 == 0) state.nextInputPoll -= quiescencePollDelay;
 }
 
 // ---- Searches ----

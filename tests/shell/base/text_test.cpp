@@ -11,6 +11,27 @@ namespace {
 constexpr std::int32_t highest = std::numeric_limits<std::int32_t>::max();
 constexpr std::int32_t lowest = std::numeric_limits<std::int32_t>::min();
 
+TEST(IsDigit, IsTrueForTheTenDigitsOnly) {
+  for (char c = '0'; c <= '9'; ++c) EXPECT_TRUE(IsDigit(c)) << c;
+  for (const char c : {'/', ':', '\0', 'a', '-', '\xB2'}) EXPECT_FALSE(IsDigit(c)) << c;
+}
+
+TEST(WithoutByteOrderMark, RemovesOneWholeMarkAtTheStart) {
+  const struct {
+    std::string_view text;
+    std::string_view rest;
+  } cases[] = {
+      {"", ""},
+      {"uci", "uci"},
+      {"\xEF\xBB\xBFuci", "uci"},
+      {"\xEF\xBB\xBF", ""},
+      {"\xEF\xBB\xBF\xEF\xBB\xBF", "\xEF\xBB\xBF"},
+      {"\xEF\xBBuci", "\xEF\xBBuci"},
+      {"u\xEF\xBB\xBF", "u\xEF\xBB\xBF"},
+  };
+  for (const auto& [text, rest] : cases) EXPECT_EQ(WithoutByteOrderMark(text), rest);
+}
+
 TEST(ReadDecimal, ReadsTheLeadingDigits) {
   const struct {
     const char* text;
