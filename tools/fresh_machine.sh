@@ -27,6 +27,7 @@ release=bookworm
 machine=
 keep=no
 player=player
+npm_certificates=/etc/certificates-outside.pem
 
 say() { printf '==== %s\n' "$*"; }
 give_up() {
@@ -130,6 +131,9 @@ mount_system() {
     mount -t devpts -o newinstance,ptmxmode=0666,mode=0620,gid=5 devpts "$machine/dev/pts" &&
     mount -t tmpfs -o mode=1777 tmpfs "$machine/dev/shm" || give_up "cannot mount"
   ln -sf pts/ptmx "$machine/dev/ptmx"
+  # npm trusts what this machine trusts.
+  cp -L "${NODE_EXTRA_CA_CERTS:-/etc/ssl/certs/ca-certificates.crt}" "$machine$npm_certificates" \
+    2>/dev/null || npm_certificates=
 }
 
 # inside USER COMMAND: runs a shell command as that user, with a login environment
@@ -140,6 +144,7 @@ inside() {
   for name in http_proxy https_proxy no_proxy HTTP_PROXY HTTPS_PROXY NO_PROXY; do
     [ -z "${!name+set}" ] || way+=("$name=${!name}")
   done
+  [ -z "$npm_certificates" ] || way+=("NODE_EXTRA_CA_CERTS=$npm_certificates")
   chroot --userspec="$1" "$machine" /usr/bin/env -i HOME="$home" USER="$1" LOGNAME="$1" \
     TERM="${TERM:-dumb}" "${way[@]}" \
     PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin bash -c "cd && $2"
