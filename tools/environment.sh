@@ -9,8 +9,8 @@ system_path=/usr/sbin:/usr/bin:/sbin:/bin:/usr/games
 # integration, what the package tools need to reach their servers, the kind of
 # terminal, and a compiler cache.
 kept_variables=(HOME CI TERM http_proxy https_proxy ftp_proxy no_proxy HTTP_PROXY HTTPS_PROXY
-  FTP_PROXY NO_PROXY SSL_CERT_FILE SSL_CERT_DIR NODE_EXTRA_CA_CERTS CMAKE_CXX_COMPILER_LAUNCHER CCACHE_DIR
-  CCACHE_BASEDIR CCACHE_NOHASHDIR CCACHE_MAXSIZE CCACHE_SLOPPINESS)
+  FTP_PROXY NO_PROXY SSL_CERT_FILE SSL_CERT_DIR NODE_EXTRA_CA_CERTS
+  CMAKE_CXX_COMPILER_LAUNCHER CCACHE_DIR CCACHE_BASEDIR CCACHE_NOHASHDIR CCACHE_MAXSIZE CCACHE_SLOPPINESS)
 
 # in_clean_environment COMMAND...: executes the command with that environment, the
 # usual umask, and no ignored signals.
