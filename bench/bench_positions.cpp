@@ -40,8 +40,7 @@ void PrepareEngine() {
   EmptyTable(EvalHashTable, engineConfig.EvalHashSize);
   EmptyTable(PawnHashTable, engineConfig.PawnHashSize);
   EmptyTable(TranspositionTable, engineConfig.TTHashSize);
-  while (HashPrefaultSlice()) {
-  }
+  HashPrefaultAll();
 }
 
 void ForgetEverything() {

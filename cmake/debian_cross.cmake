@@ -5,12 +5,7 @@ set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_CXX_COMPILER ${triplet}-g++)
 set(CMAKE_C_COMPILER ${triplet}-gcc)
 
-# Headers and libraries are the target's, programs are this machine's.
-set(CMAKE_FIND_ROOT_PATH /usr/${triplet})
-set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
-set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+include(${CMAKE_CURRENT_LIST_DIR}/target_folder.cmake)
 
 # The target's loader and libraries lie in that folder instead of the root folder.
 set(CMAKE_CROSSCOMPILING_EMULATOR ${emulator} -L /usr/${triplet})

@@ -5,17 +5,12 @@ set(CMAKE_SYSTEM_PROCESSOR x86_64)
 
 # The variant with POSIX threads: the other one lacks std::thread, which the
 # test library wants.
-set(prefix x86_64-w64-mingw32)
-set(CMAKE_CXX_COMPILER ${prefix}-g++-posix)
-set(CMAKE_C_COMPILER ${prefix}-gcc-posix)
-set(CMAKE_RC_COMPILER ${prefix}-windres)
+set(triplet x86_64-w64-mingw32)
+set(CMAKE_CXX_COMPILER ${triplet}-g++-posix)
+set(CMAKE_C_COMPILER ${triplet}-gcc-posix)
+set(CMAKE_RC_COMPILER ${triplet}-windres)
 
-# Headers and libraries are the target's, programs are this machine's.
-set(CMAKE_FIND_ROOT_PATH /usr/${prefix})
-set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
-set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+include(${CMAKE_CURRENT_LIST_DIR}/target_folder.cmake)
 
 # One file without libraries beside it, and room for the deepest search: the
 # default stack is much smaller than on other systems. Without the time of linking

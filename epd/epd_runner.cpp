@@ -109,7 +109,7 @@ void RunSuite(const Suite& suite, const char* name, std::int32_t first, std::int
   count = std::min(count, nRead);
   Output(output, "Analyzing %s starting at position %d for %d position(s)\n", name, first, count);
 
-  HashPrefaultFor(suitePrefaultTime);
+  HashPrefaultAll();
   SuiteTotals totals;
   const auto board = std::make_unique<Board>();
   while (totals.analysed < count) {

@@ -153,6 +153,11 @@ void HashPrefaultFor(std::int32_t milliseconds) {
   }
 }
 
+void HashPrefaultAll() {
+  while (HashPrefaultSlice()) {
+  }
+}
+
 void HashNoteUse(std::uint32_t nNodes) { memory.nodes += nNodes; }
 
 }  // namespace mirvo

@@ -21,9 +21,6 @@ inline constexpr std::int32_t identifyPrefaultTime = 20;
 inline constexpr std::int32_t newGamePrefaultTime = 10;
 inline constexpr std::int32_t readyPrefaultTime = 30;
 
-/// The same before the first position of a suite, where nobody waits.
-inline constexpr std::int32_t suitePrefaultTime = 2000;
-
 /// Gives a table without memory a zeroed block of `bytes`. Less than a large page comes
 /// from the heap and is usable at once, more is only reserved. False when the system
 /// refuses.
@@ -46,6 +43,11 @@ bool HashPrefaultSlice();
 
 /// Repeats that for so many milliseconds, at least once.
 void HashPrefaultFor(std::int32_t milliseconds);
+
+/// The same until nothing is left to do, however long that takes: for work that nobody
+/// waits for and whose results must not depend on the machine's load. A search with
+/// missing memory checks its clock more often.
+void HashPrefaultAll();
 
 /// Notes that a search counted so many nodes while memory was missing, which earns
 /// memory beyond the limit.

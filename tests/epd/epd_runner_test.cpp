@@ -117,7 +117,7 @@ class RunSuiteTest : public testing::Test {
       : folder_(std::filesystem::temp_directory_path() /
                 ("mirvo_runner_" + std::to_string(std::random_device{}()))) {
     std::filesystem::create_directory(folder_);
-    engineConfig.EvalHashSize = engineConfig.PawnHashSize = engineConfig.TTHashSize = 1;
+    test::SetTableSizes(1);
     engineConfig.InfiniteThinkingTime = 1;
     engineConfig.DepthSearch = 3;
     engineConfig.Quiet = true;
@@ -126,9 +126,7 @@ class RunSuiteTest : public testing::Test {
 
   ~RunSuiteTest() override {
     const EngineConfig defaults;
-    engineConfig.EvalHashSize = defaults.EvalHashSize;
-    engineConfig.PawnHashSize = defaults.PawnHashSize;
-    engineConfig.TTHashSize = defaults.TTHashSize;
+    test::SetDefaultTableSizes();
     engineConfig.InfiniteThinkingTime = 0;
     engineConfig.DepthSearch = defaults.DepthSearch;
     engineConfig.Quiet = false;

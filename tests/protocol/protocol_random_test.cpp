@@ -88,9 +88,7 @@ class RandomLines {
 class RandomProtocol : public UciTest {
  protected:
   void SetUp() override {
-    engineConfig.TTHashSize = 1;
-    engineConfig.EvalHashSize = 1;
-    engineConfig.PawnHashSize = 1;
+    test::SetTableSizes(1);
     test::ColdStart();
     UciTest::SetUp();
     // Searches end by depth, so that nothing depends on the clock.
@@ -103,9 +101,7 @@ class RandomProtocol : public UciTest {
 
   void TearDown() override {
     searchHooks.pollInput = nullptr;
-    engineConfig.TTHashSize = 100;
-    engineConfig.EvalHashSize = 100;
-    engineConfig.PawnHashSize = 30;
+    test::SetDefaultTableSizes();
     for (HashTable* table : {&TranspositionTable, &PawnHashTable, &EvalHashTable}) {
       HashRelease(*table);
     }

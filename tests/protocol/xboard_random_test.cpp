@@ -240,9 +240,7 @@ class RandomSession {
 class XBoardRandomLines : public testing::Test {
  protected:
   void SetUp() override {
-    engineConfig.TTHashSize = 1;
-    engineConfig.PawnHashSize = 1;
-    engineConfig.EvalHashSize = 1;
+    test::SetTableSizes(1);
     test::ColdStart();
     engineConfig.Quiet = true;
     engineConfig.Ponder = 1;

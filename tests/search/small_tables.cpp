@@ -2,18 +2,14 @@
 // memory, which takes longer to get than most of these searches.
 #include <gtest/gtest.h>
 
-#include "shell/config/config.h"
+#include "tests/support/search_support.h"
 
 namespace mirvo {
 namespace {
 
 class SmallTables : public testing::Environment {
  public:
-  void SetUp() override {
-    engineConfig.EvalHashSize = 4;
-    engineConfig.PawnHashSize = 2;
-    engineConfig.TTHashSize = 4;
-  }
+  void SetUp() override { test::SetTableSizes(4); }
 };
 
 [[maybe_unused]] testing::Environment* const smallTables =

@@ -14,8 +14,7 @@ namespace mirvo::test {
 /// would give that memory back first, which takes as long as the system likes.
 inline void AllocateAfresh(HashTable& table, std::uint32_t megabytes) {
   HashRelease(table);
-  while (HashPrefaultSlice()) {
-  }
+  HashPrefaultAll();
   table.size = megabytes;
   HashAllocate(table);
 }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <memory>
 #include <sstream>
 
 #include "board/attack_tables.h"
@@ -42,6 +43,19 @@ void PrepareEngine() {
   (void)prepared;
 }
 
+void SetTableSizes(std::int32_t megabytes) {
+  engineConfig.EvalHashSize = megabytes;
+  engineConfig.PawnHashSize = megabytes;
+  engineConfig.TTHashSize = megabytes;
+}
+
+void SetDefaultTableSizes() {
+  static const auto defaults = std::make_unique<EngineConfig>();
+  engineConfig.EvalHashSize = defaults->EvalHashSize;
+  engineConfig.PawnHashSize = defaults->PawnHashSize;
+  engineConfig.TTHashSize = defaults->TTHashSize;
+}
+
 void ColdStart() {
   PrepareEngine();
   // Fresh zeroed blocks are cheaper than clearing every slot.
@@ -49,8 +63,7 @@ void ColdStart() {
   AllocateTable(PawnHashTable, engineConfig.PawnHashSize);
   AllocateTable(TranspositionTable, engineConfig.TTHashSize);
   // Without this a search would check clock and input more often.
-  while (HashPrefaultSlice()) {
-  }
+  HashPrefaultAll();
   ResetHashCounters();
   ClearKillers();
   ClearHistory();

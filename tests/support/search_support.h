@@ -17,6 +17,12 @@ void PrepareEngine();
 /// fresh process.
 void ColdStart();
 
+/// Sets the sizes that the next ColdStart gives all three tables, in megabytes.
+void SetTableSizes(std::int32_t megabytes);
+
+/// The same with the sizes of the default settings.
+void SetDefaultTableSizes();
+
 /// Sets `board` up from "startpos [moves ...]" or the first three FEN fields.
 void SetPosition(Board& board, const std::string& text);
 

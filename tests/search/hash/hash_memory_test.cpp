@@ -61,6 +61,17 @@ TEST_F(HashMemoryTest, ATableSmallerThanALargePageIsThereAtOnce) {
   EXPECT_FALSE(HashPrefaultSlice());
 }
 
+TEST_F(HashMemoryTest, AllThatMayBeHadBeforeUseCanBePrefaultedAtOnce) {
+  Allocate(EvalHashTable, 64);
+  Allocate(TranspositionTable, 64);
+  HashPrefaultAll();
+  EXPECT_FALSE(HashMemoryMissing());
+  Allocate(TranspositionTable, 400);
+  HashPrefaultAll();
+  EXPECT_TRUE(HashMemoryMissing());
+  EXPECT_FALSE(HashPrefaultSlice());
+}
+
 TEST_F(HashMemoryTest, ASliceIsOneLargePage) {
   Allocate(TranspositionTable, 8);
   const std::size_t nPages = TranspositionTable.nPages;
