@@ -215,6 +215,17 @@ class WholeRuns(MadeUpProject):
         self.assertTrue((self.root / "build/logs/release-build.txt").stat().st_size)
         self.assertFalse(any("\r" in line for line in lines))
 
+    def test_the_next_run_estimates_from_this_one(self):
+        history = self.root / "build/logs/stage-seconds.json"
+        for kept in ("", "no figures", '{"release": {"tests": 1}}'):
+            if kept:
+                history.write_text(kept, encoding="utf-8")
+            _, lines = self.run_tests(self.shell("good", "true"))
+            self.assertFalse(any(" left" in line for line in lines), lines)
+        self.assertEqual(list(json.loads(history.read_text(encoding="utf-8"))), ["release"])
+        _, lines = self.run_tests(self.shell("good", "true"))
+        self.assertTrue(any(line.endswith(" left") for line in lines), lines)
+
     def test_a_stage_that_cannot_be_run(self):
         for variables, total, expected in (({}, "1 passed, 0 failed, 1 skipped", 0),
                                            ({"CI": "true"}, "1 passed, 1 failed", 1)):
@@ -376,6 +387,21 @@ class Progress(unittest.TestCase):
         self.assertAlmostEqual(tests.seconds_left(), 20.0, delta=1)
         tests.end("b", failed=True)
         self.assertEqual((tests.seconds_left(), tests.done, tests.failed), (0, 2, 1))
+
+    def test_later_stages_go_at_the_pace_of_this_run(self):
+        later = progress.LaterStages({"release": 100, "sanitize": 300, "windows": 60})
+        self.assertEqual(later.seconds(["sanitize", "windows"]), 360)
+        later.end("release", 50)  # the run before shared its processors
+        self.assertEqual(later.seconds(["sanitize", "windows"]), 180)
+        later.end("sanitize", 550)  # now this one does
+        self.assertEqual(later.seconds(["windows"]), 90)
+        self.assertEqual(later.seconds([]), 0)
+
+    def test_a_stage_that_never_ran_has_no_estimate(self):
+        later = progress.LaterStages({"release": 100})
+        later.end("web", 10)  # nothing to compare it with
+        self.assertEqual(later.seconds(["release"]), 100)
+        self.assertIsNone(later.seconds(["release", "arm64"]))
 
     def test_texts_of_times(self):
         self.assertEqual([progress.minutes(seconds) for seconds in (0, 42, 89, 150, 3000)],

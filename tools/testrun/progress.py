@@ -44,6 +44,30 @@ class Tests:
         return (time.monotonic() - self.started) * left / done
 
 
+class LaterStages:
+    """What the stages that have not begun will take: as long as in the run before,
+    times the pace of this run, because either of the two may share its processors."""
+
+    def __init__(self, before):
+        self.before = before  # seconds by stage name
+        self.now = {}         # the same of this run
+
+    def end(self, stage, seconds):
+        self.now[stage] = seconds
+
+    def pace(self):
+        """How many times as long as the run before this one takes."""
+        both = self.now.keys() & self.before.keys()
+        before = sum(self.before[stage] for stage in both)
+        return sum(self.now[stage] for stage in both) / before if before else 1
+
+    def seconds(self, stages):
+        """None if one of them never ran here."""
+        if any(stage not in self.before for stage in stages):
+            return None
+        return self.pace() * sum(self.before[stage] for stage in stages)
+
+
 class Screen:
     """Where the lines go."""
 

@@ -12,7 +12,7 @@ import time
 
 from testrun import costs
 from testrun.commands import Chain, Command
-from testrun.progress import Tests, minutes
+from testrun.progress import LaterStages, Tests, minutes
 from testrun.report import counts, total_line
 from testrun.results import FAILED, Outcome, Result, exactly, read_outcome, read_tests
 
@@ -60,11 +60,13 @@ class Setting:
         return self.root / "build" / "logs" / "stage-seconds.json"
 
 
-def read_json(path):
+def read_seconds(path):
+    """The file's seconds by stage name; none if there is no such file."""
     try:
-        return json.loads(path.read_text(encoding="utf-8"))
+        seconds = json.loads(path.read_text(encoding="utf-8"))
     except (OSError, ValueError):
         return {}
+    return {stage: value for stage, value in seconds.items() if isinstance(value, (int, float))}
 
 
 def list_tests(setting, stage):
@@ -147,7 +149,7 @@ class Run:
         self.events = queue.Queue()
         self.outcomes = {}  # by stage name
         self.finished = []  # StageTests, for retries
-        self.history = read_json(setting.history())
+        self.later = LaterStages(read_seconds(setting.history()))
         self.build_step = ""
         self.chain = None
         self.testing = None
@@ -168,7 +170,8 @@ class Run:
             self.chain.stop()
             if self.testing:
                 self.testing.command.stop()
-        self.setting.history().write_text(json.dumps(self.history), encoding="utf-8")
+        seconds = {**self.later.before, **self.later.now}
+        self.setting.history().write_text(json.dumps(seconds), encoding="utf-8")
         return self.outcomes
 
     def run_stage(self, stage):
@@ -178,15 +181,13 @@ class Run:
         if not self.chain.ended[stage.name]:
             self.tell_broken_build(stage)
             return
-        waited = time.monotonic() - started
         self.testing = StageTests(self.setting, stage, self.events)
         self.wait_for(lambda: self.testing.command.status is not None and self.testing_drained)
         self.outcomes[stage.name] = self.testing.outcome()
         self.finished.append(self.testing)
         total = total_line(counts(self.outcomes[stage.name].results))
         self.setting.screen.say(f"tests of {stage.name} done: {total}")
-        self.history[stage.name] = {"wait": round(waited),
-                                    "tests": round(time.monotonic() - started - waited)}
+        self.later.end(stage.name, round(time.monotonic() - started))
         self.testing = None
 
     def tell_broken_build(self, stage):
@@ -230,10 +231,10 @@ class Run:
                 self.build_step = f", {match[1]} of {match[2]}" if match else self.build_step
 
     def seconds_left(self):
-        """An estimate from this stage's tests and earlier runs of the others."""
-        if any(stage.name not in self.history for stage in self.left_stages):
+        """An estimate from this stage's tests and the run before; None without one."""
+        later = self.later.seconds([stage.name for stage in self.left_stages])
+        if later is None:
             return None
-        later = sum(sum(self.history[stage.name].values()) for stage in self.left_stages)
         return later + (self.testing.progress.seconds_left() if self.testing else 0)
 
     def status(self):
