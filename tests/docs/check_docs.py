@@ -1,5 +1,5 @@
-"""Checks the documentation: the files that it names exist, functions are where it
-says, and its sample sessions match what the program prints.
+"""Checks the documentation: the files and headings that it names exist, functions are
+where it says, and its sample sessions match what the program prints.
 
 Usage: check_docs.py SOURCE_ROOT names | samples PROGRAM
 """
@@ -12,9 +12,11 @@ import sys
 import tempfile
 
 # A path in backticks that begins with one of our folders.
-PATH = re.compile(r"`((?:bench|board|book|cmake|data|docs|epd|eval|protocol|search|shell|tests|tools)"
-                  r"/[\w./-]*)`")
-LINK = re.compile(r"\]\(([^)#:]+)(?:#[^)]*)?\)")
+PATH = re.compile(r"`((?:bench|board|book|cmake|data|docs|epd|eval|fuzz|packaging|protocol|search|shell"
+                  r"|tests|tools|web)/[\w./-]*)`")
+LINK = re.compile(r"\]\(([^)#:]*)(?:#([^)]*))?\)")
+HEADING = re.compile(r"^#+ (.*)$", re.MULTILINE)
+CODE = re.compile(r"^```.*?^```$", re.MULTILINE | re.DOTALL)
 HOP = re.compile(r"\| `([\w/]+\.(?:cpp|h))` \| `(\w+)` \|")
 CALL_IN_FILE = re.compile(r"`(\w+)` in `([\w/]+\.(?:cpp|h))`")
 SAMPLE = re.compile(r"^```console\n(.*?)^```$", re.MULTILINE | re.DOTALL)
@@ -40,6 +42,22 @@ def names_something(root, name):
     return name in GENERATED or (root / name).exists() or any(root.glob(name + ".*"))
 
 
+def anchor(heading):
+    """A heading as the end of a link, as the sites that show Markdown write it."""
+    return re.sub(r"[^\w -]", "", heading.lower()).replace(" ", "-")
+
+
+def is_alive(document, name, heading):
+    """Whether a link leads to a file and, if it is written so, to one of its headings."""
+    target = document.parent / name if name else document
+    if not target.exists():
+        return False
+    if not heading:
+        return True
+    text = CODE.sub("", target.read_text(encoding="utf-8"))
+    return heading in map(anchor, HEADING.findall(text))
+
+
 def check_names(root):
     complaints = []
     for document in documents(root):
@@ -47,8 +65,8 @@ def check_names(root):
         where = document.relative_to(root)
         complaints += [f"{where}: no such file: {name}" for name in PATH.findall(text)
                        if not names_something(root, name)]
-        complaints += [f"{where}: dead link: {link}" for link in LINK.findall(text)
-                       if not (document.parent / link).exists()]
+        complaints += [f"{where}: dead link: {name}#{heading}" for name, heading in LINK.findall(text)
+                       if not is_alive(document, name, heading)]
         pairs = HOP.findall(text) + [(file, call) for call, file in CALL_IN_FILE.findall(text)]
         for file, function in pairs:
             source = root / file
