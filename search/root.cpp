@@ -17,7 +17,7 @@
 namespace mirvo {
 namespace {
 
-constexpr int firstReducedMove = 6;  // counts every move of the picker, from 0
+constexpr int firstReducedMove = 6;  // RootMove::number
 
 std::int32_t ExtensionLimit(std::int32_t depth) {
   const float limit =
@@ -39,13 +39,50 @@ Move FindRootMoveByDeepening(SearchState& state, Board& board, const NodeInput& 
   return move;
 }
 
+// A legal move of the root, just made.
+struct RootMove {
+  Candidate candidate;
+  int number;    // counts every move of the picker, from 0
+  bool isFirst;  // no other was searched before
+};
+
+// Score of the move, searched as in the main search.
+std::int32_t SearchRootMove(SearchState& state, Board& board, const NodeInput& node,
+                            const RootMove& rootMove, PvLine& childPv) {
+  const Candidate& candidate = rootMove.candidate;
+  MoveSearch search{node.alpha, node.beta, node.depth + candidate.extension - 1};
+  search.isFirst = rootMove.isFirst;
+  search.isPv = true;
+  search.isCapture = candidate.isCapture;
+  if (rootMove.number >= firstReducedMove && node.depth >= minReducedDepth &&
+      MayReduce(candidate)) {
+    search.reduction = Reduction(true, node.depth, rootMove.number);
+  }
+  state.extensions += candidate.extension;
+  const std::int32_t score = SearchMove(state, board, search, &childPv);
+  state.extensions -= candidate.extension;
+  return score;
+}
+
+// Score of a root where no move is legal: mate or stalemate.
+std::int32_t ScoreWithoutMoves(const SearchState& state, Board& board, std::int32_t depth,
+                               PvLine* pv) {
+  if (!InCheck(board, board.sideToMove)) {
+    if (pv != nullptr) pv->length = 0;
+    return 0;
+  }
+  if (!Stopped(state)) {
+    HashStore(TranspositionTable, board.positionKey, noMove, -mateScore, upperBound, depth);
+  }
+  return -mateScore;
+}
+
 }  // namespace
 
 std::int32_t SearchRoot(SearchState& state, Board& board, const NodeInput& input, PvLine* pv) {
   std::int32_t alpha = input.alpha;
   const std::int32_t beta = input.beta;
   const std::int32_t depth = input.depth;
-  const int side = board.sideToMove;
   const std::uint64_t key = board.positionKey;
 
   // 1. Limits and the first move to try.
@@ -57,13 +94,12 @@ std::int32_t SearchRoot(SearchState& state, Board& board, const NodeInput& input
   if (hashMove == noMove && depth >= 3) hashMove = FindRootMoveByDeepening(state, board, input);
 
   // 2. The moves.
-  const bool inCheck = InCheck(board, side);
   MovePicker picker(board, hashMove, depth, state.iterationDepth);
   const std::int32_t originalAlpha = alpha;
   std::int32_t best = -infiniteScore;
   Move bestMove = noMove;
   bool anyLegal = false;
-  bool firstSearched = true;
+  bool noneSearched = true;
   Move quiets[moveListCapacity];
   std::int32_t nQuiets = 0;
   PvLine childPv;
@@ -93,25 +129,17 @@ std::int32_t SearchRoot(SearchState& state, Board& board, const NodeInput& input
     if (givesCheck) move |= checkMark;
     const bool isCapture = IsCapture(move);
 
-    // 2c. A repetition is a draw; all other moves are searched as in the main search.
+    // 2c. A repetition is a draw; all other moves are searched.
     std::int32_t score = 0;
     const bool repeats = !isCapture && IsRepetition(board);
-    if (!repeats) {
+    if (repeats) {
+      childPv.length = 0;
+    } else {
       const int extension = CountExtension(searchStats, state, move);
       const Candidate candidate{move, orderScore, extension, isCapture, givesCheck};
-      MoveSearch search{alpha, beta, depth + extension - 1};
-      search.isFirst = firstSearched;
-      search.isPv = true;
-      search.isCapture = isCapture;
-      if (number >= firstReducedMove && depth >= minReducedDepth && MayReduce(candidate)) {
-        search.reduction = Reduction(true, depth, number);
-      }
-      state.extensions += extension;
-      score = SearchMove(state, board, search, &childPv);
-      state.extensions -= extension;
-      firstSearched = false;
-    } else {
-      childPv.length = 0;
+      const RootMove rootMove{candidate, number, noneSearched};
+      score = SearchRootMove(state, board, NodeInput{alpha, beta, depth}, rootMove, childPv);
+      noneSearched = false;
     }
     UnmakeMove(board);
     if (Stopped(state)) return best;
@@ -133,17 +161,8 @@ std::int32_t SearchRoot(SearchState& state, Board& board, const NodeInput& input
     if (!isCapture && !repeats && nQuiets < moveListCapacity) quiets[nQuiets++] = move;
   }
 
-  // 3. Mate or stalemate at the root.
-  if (!anyLegal) {
-    if (!inCheck) {
-      if (pv != nullptr) pv->length = 0;
-      return 0;
-    }
-    if (!Stopped(state)) HashStore(TranspositionTable, key, noMove, -mateScore, upperBound, depth);
-    return -mateScore;
-  }
-
-  // 4. The result.
+  // 3. The result.
+  if (!anyLegal) return ScoreWithoutMoves(state, board, depth, pv);
   const bool raised = alpha > originalAlpha;
   if (!Stopped(state)) {
     HashStore(TranspositionTable, key, raised ? bestMove : noMove, best,
