@@ -14,7 +14,7 @@ import tempfile
 # A path in backticks that begins with one of our folders.
 PATH = re.compile(r"`((?:bench|board|book|cmake|data|docs|epd|eval|fuzz|packaging|protocol|search|shell"
                   r"|tests|tools|web)/[\w./-]*)`")
-LINK = re.compile(r"\]\(([^)#:]*)(?:#([^)]*))?\)")
+LINK = re.compile(r"\]\((([^)#:]*)(?:#([^)]*))?)\)")
 HEADING = re.compile(r"^#+ (.*)$", re.MULTILINE)
 CODE = re.compile(r"^```.*?^```$", re.MULTILINE | re.DOTALL)
 HOP = re.compile(r"\| `([\w/]+\.(?:cpp|h))` \| `(\w+)` \|")
@@ -65,7 +65,7 @@ def check_names(root):
         where = document.relative_to(root)
         complaints += [f"{where}: no such file: {name}" for name in PATH.findall(text)
                        if not names_something(root, name)]
-        complaints += [f"{where}: dead link: {name}#{heading}" for name, heading in LINK.findall(text)
+        complaints += [f"{where}: dead link: {link}" for link, name, heading in LINK.findall(text)
                        if not is_alive(document, name, heading)]
         pairs = HOP.findall(text) + [(file, call) for call, file in CALL_IN_FILE.findall(text)]
         for file, function in pairs:

@@ -217,7 +217,7 @@ class WholeRuns(MadeUpProject):
 
     def test_the_next_run_estimates_from_this_one(self):
         history = self.root / "build/logs/stage-seconds.json"
-        for kept in ("", "no figures", '{"release": {"tests": 1}}'):
+        for kept in ("", "no figures", "[1]", '{"release": {"tests": 1}}'):
             if kept:
                 history.write_text(kept, encoding="utf-8")
             _, lines = self.run_tests(self.shell("good", "true"))
@@ -225,6 +225,13 @@ class WholeRuns(MadeUpProject):
         self.assertEqual(list(json.loads(history.read_text(encoding="utf-8"))), ["release"])
         _, lines = self.run_tests(self.shell("good", "true"))
         self.assertTrue(any(line.endswith(" left") for line in lines), lines)
+
+    def test_a_run_of_some_tests_changes_no_estimate(self):
+        history = self.root / "build/logs/stage-seconds.json"
+        history.parent.mkdir(parents=True)
+        history.write_text('{"release": 300}', encoding="utf-8")
+        self.run_tests(self.shell("good", "true"), "--only", "good", "release")
+        self.assertEqual(json.loads(history.read_text(encoding="utf-8")), {"release": 300})
 
     def test_a_stage_that_cannot_be_run(self):
         for variables, total, expected in (({}, "1 passed, 0 failed, 1 skipped", 0),

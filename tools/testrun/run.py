@@ -66,6 +66,8 @@ def read_seconds(path):
         seconds = json.loads(path.read_text(encoding="utf-8"))
     except (OSError, ValueError):
         return {}
+    if not isinstance(seconds, dict):
+        return {}
     return {stage: value for stage, value in seconds.items() if isinstance(value, (int, float))}
 
 
@@ -187,7 +189,8 @@ class Run:
         self.finished.append(self.testing)
         total = total_line(counts(self.outcomes[stage.name].results))
         self.setting.screen.say(f"tests of {stage.name} done: {total}")
-        self.later.end(stage.name, round(time.monotonic() - started))
+        if not stage.only:  # some of its tests tell nothing about the others
+            self.later.end(stage.name, round(time.monotonic() - started))
         self.testing = None
 
     def tell_broken_build(self, stage):
